@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# The main job: builds the Linux and Windows targets and collects the product in dist/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bash scripts/setup.sh
+rm -rf dist
+for preset in linux windows; do
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset"
+    cmake --install "build/$preset" --prefix dist >/dev/null
+done
+echo "Built into $(pwd)/dist:"
+find dist -maxdepth 4 | sort
