@@ -1,0 +1,77 @@
+#pragma once
+
+#include "PlugParameters.h"
+#include "SpectrumFrame.h"
+#include "SpectrumSender.h"
+#include "sdk/AudioEffect.h"
+
+#include <array>
+#include <memory>
+#include <mutex>
+
+namespace velmoran::dsp
+{
+class BandEngine;
+}
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+// The audio processor: buses, parameter changes, the state stream and the spectrum link around
+// a band engine, which does all the signal processing.
+class CPlug : public AudioEffect
+{
+public:
+    CPlug();
+    ~CPlug() override;
+
+    // Factory function: a new processor as its IAudioProcessor, null if it cannot be made.
+    static FUnknown* createInstance(void* context);
+
+    tresult PLUGIN_API initialize(FUnknown* context) SMTG_OVERRIDE;
+    tresult PLUGIN_API terminate() SMTG_OVERRIDE;
+    tresult PLUGIN_API connect(IConnectionPoint* other) SMTG_OVERRIDE;
+    tresult PLUGIN_API disconnect(IConnectionPoint* other) SMTG_OVERRIDE;
+    tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
+
+    tresult PLUGIN_API setBusArrangements(SpeakerArrangement* inputs, int32 numIns,
+                                          SpeakerArrangement* outputs, int32 numOuts) SMTG_OVERRIDE;
+    tresult PLUGIN_API setupProcessing(ProcessSetup& setup) SMTG_OVERRIDE;
+    tresult PLUGIN_API setActive(TBool state) SMTG_OVERRIDE;
+    tresult PLUGIN_API process(ProcessData& data) SMTG_OVERRIDE;
+
+    tresult PLUGIN_API setState(IBStream* state) SMTG_OVERRIDE;
+    tresult PLUGIN_API getState(IBStream* state) SMTG_OVERRIDE;
+
+    // Most channels of a bus that are read or written; further channels are left alone.
+    static constexpr int32 kMaxChannels = 64;
+    // Longest chunk in samples between two block updates of the band engine.
+    static constexpr int32 kChunkLength = 64;
+
+private:
+    void pushAllToEngine();
+    void setParameter(ParamID tag, float value) noexcept;
+    void updateEffectSwitch() noexcept;
+    void applyParameterChanges(IParameterChanges* changes) noexcept;
+    void processAudio(AudioBusBuffers& input, AudioBusBuffers& output, int32 sampleCount) noexcept;
+    void copyAnalyserFrame() noexcept;
+    void replaceAudioBuses(const TChar* inputName, SpeakerArrangement inputArrangement,
+                           const TChar* outputName, SpeakerArrangement outputArrangement);
+    void sendSampleRate();
+
+    std::unique_ptr<velmoran::dsp::BandEngine> mEngine;
+    std::array<float, kTagTableSize> mValues{};
+    float mSampleRate = 48000.0f;
+    float mEngineSampleRate = 48000.0f;
+    std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    std::recursive_mutex mLinkLock;
+    std::unique_ptr<SpectrumSender> mSender;
+};
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg

@@ -1,0 +1,246 @@
+#include "PlugController.h"
+
+#include "PlugParameters.h"
+#include "PlugState.h"
+#include "PlugValueText.h"
+
+#include "pluginterfaces/base/fstrdefs.h"
+#include "pluginterfaces/base/ustring.h"
+#include "pluginterfaces/vst/ivstmessage.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+namespace
+{
+
+constexpr ProgramListID kFactoryProgramListId = kPresetTag;
+
+} // namespace
+
+FUnknown* CPlugController::createInstance(void* /*context*/)
+{
+    try
+    {
+        return static_cast<IEditController*>(new CPlugController());
+    }
+    catch (...)
+    {
+        return nullptr;
+    }
+}
+
+tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
+{
+    mSampleRate = 44100.0;
+    tresult result = EditControllerEx1::initialize(context);
+    if (result != kResultOk)
+    {
+        return result;
+    }
+    try
+    {
+        addUnit(new Unit(STR16("Root"), kRootUnitId, kNoParentUnitId, kFactoryProgramListId));
+        registerParameters();
+        mPrograms = std::make_unique<std::array<CPlugProgram, kFactoryProgramCount>>(makeFactoryPrograms());
+        addFactoryProgramList();
+        mSpectrumFrame = makeSpectrumFrame();
+    }
+    catch (...)
+    {
+        return kOutOfMemory;
+    }
+    return kResultOk;
+}
+
+tresult PLUGIN_API CPlugController::terminate()
+{
+    mSpectrumFrame.reset();
+    return EditControllerEx1::terminate();
+}
+
+void CPlugController::registerParameters()
+{
+    for (const ParameterSpec& spec : parameterTable())
+    {
+        UString128 title(spec.title.c_str());
+        parameters.addParameter(title, STR16(""), spec.stepCount, spec.defaultValue, spec.flags, spec.tag,
+                                kRootUnitId);
+    }
+}
+
+void CPlugController::addFactoryProgramList()
+{
+    auto* list = new ProgramList(STR16("Factory Presets"), kFactoryProgramListId, kRootUnitId);
+    for (int index = 0; index < kFactoryProgramCount; ++index)
+    {
+        // Hosts list these names; the editor shows the programs' own names.
+        char name[64];
+        if (index == 0)
+        {
+            std::snprintf(name, sizeof(name), "Factory Defaults");
+        }
+        else
+        {
+            std::snprintf(name, sizeof(name), "Factory Preset %02d", index);
+        }
+        list->addProgram(UString128(name));
+    }
+    addProgramList(list);
+}
+
+const CPlugProgram* CPlugController::program(int index) const
+{
+    if (!mPrograms || index < 0 || index >= kFactoryProgramCount)
+    {
+        return nullptr;
+    }
+    return &(*mPrograms)[static_cast<size_t>(index)];
+}
+
+void CPlugController::loadProgram(int index)
+{
+    const CPlugProgram* source = program(index);
+    if (!source)
+    {
+        return;
+    }
+    // Every value goes to the host as an edit, so the processor receives it as a parameter
+    // change; "EQ" (tag 0) follows the bands so that the effect switches on fully set up.
+    auto loadValue = [this, source](ParamID tag)
+    {
+        if (!getParameterObject(tag))
+        {
+            return;
+        }
+        const ParamValue value = source->values[tag];
+        EditControllerEx1::setParamNormalized(tag, value);
+        beginEdit(tag);
+        performEdit(tag, value);
+        endEdit(tag);
+    };
+    for (ParamID tag = 1; tag < static_cast<ParamID>(kProgramValueCount); ++tag)
+    {
+        loadValue(tag);
+    }
+    loadValue(kEqTag);
+}
+
+tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue value)
+{
+    tresult result = EditControllerEx1::setParamNormalized(tag, value);
+    if (tag != kPresetTag || result != kResultOk || !std::isfinite(value))
+    {
+        return result;
+    }
+    // The seventh step (1.0) loads the last program again.
+    const double steps = kPresetStepCount;
+    const double step = std::floor(std::min(steps, std::clamp(value, 0.0, 1.0) * (steps + 1.0)));
+    loadProgram(std::clamp(static_cast<int>(step), 0, kFactoryProgramCount - 1));
+    return result;
+}
+
+tresult PLUGIN_API CPlugController::setComponentState(IBStream* state)
+{
+    StateValues read;
+    if (!readState(state, read))
+    {
+        return kResultFalse;
+    }
+    const auto& tags = stateTags();
+    for (int index = 0; index < read.count; ++index)
+    {
+        EditControllerEx1::setParamNormalized(tags[static_cast<size_t>(index)],
+                                              read.values[static_cast<size_t>(index)]);
+    }
+    return kResultOk;
+}
+
+tresult PLUGIN_API CPlugController::getParamStringByValue(ParamID tag, ParamValue valueNormalized,
+                                                          String128 string)
+{
+    if (!string)
+    {
+        return kInvalidArgument;
+    }
+    std::string text;
+    if (tag < kTagTableSize && valueText(tag, static_cast<float>(valueNormalized), text))
+    {
+        UString(string, 128).fromAscii(text.c_str());
+        return kResultOk;
+    }
+    return EditControllerEx1::getParamStringByValue(tag, valueNormalized, string);
+}
+
+tresult PLUGIN_API CPlugController::getParamValueByString(ParamID tag, TChar* string,
+                                                          ParamValue& valueNormalized)
+{
+    if (!string)
+    {
+        return kInvalidArgument;
+    }
+    char8 text[128] = {};
+    UString(string, 128).toAscii(text, sizeof(text));
+    ParamValue value = 0.0;
+    if (tag < kTagTableSize && valueFromText(tag, text, value))
+    {
+        valueNormalized = value;
+        return kResultOk;
+    }
+    return EditControllerEx1::getParamValueByString(tag, string, valueNormalized);
+}
+
+tresult PLUGIN_API CPlugController::notify(IMessage* message)
+{
+    if (!message)
+    {
+        return kInvalidArgument;
+    }
+    FIDString id = message->getMessageID();
+    IAttributeList* attributes = message->getAttributes();
+    if (id && attributes && std::strcmp(id, "BinaryMessage") == 0)
+    {
+        const void* data = nullptr;
+        uint32 size = 0;
+        if (attributes->getBinary("FFTData", data, size) == kResultOk)
+        {
+            // A frame larger than ours is dropped, not cut; a shorter one overwrites its own length.
+            if (data && mSpectrumFrame && size <= static_cast<uint32>(kSpectrumFrameBytes))
+            {
+                std::memcpy(mSpectrumFrame.get(), data, size);
+            }
+            return kResultOk;
+        }
+    }
+    if (id && attributes && std::strcmp(id, "setActive") == 0)
+    {
+        double rate = 0.0;
+        if (attributes->getFloat("sampleRate", rate) == kResultOk)
+        {
+            mSampleRate = rate;
+        }
+        return kResultOk;
+    }
+    return EditControllerEx1::notify(message);
+}
+
+tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex*/, int16 /*channel*/,
+                                                                CtrlNumber /*midiControllerNumber*/,
+                                                                ParamID& /*id*/)
+{
+    // No MIDI controller drives a parameter: automation comes through the host's lanes.
+    return kResultFalse;
+}
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "PlugProgram.h"
+#include "SpectrumFrame.h"
+
+#include "pluginterfaces/vst/ivstmidicontrollers.h"
+#include "public.sdk/source/vst/vsteditcontroller.h"
+
+#include <array>
+#include <memory>
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+// The edit controller: registers the parameters, the unit "Root" with the program list "Factory
+// Presets", turns a "Preset" change into a full program load reported to the host, shows values
+// as text and keeps the last spectrum frame the processor sent.
+class CPlugController : public EditControllerEx1, public IMidiMapping
+{
+public:
+    CPlugController() = default;
+
+    // Factory function: a new controller as its IEditController, null if it cannot be made.
+    static FUnknown* createInstance(void* context);
+
+    tresult PLUGIN_API initialize(FUnknown* context) SMTG_OVERRIDE;
+    tresult PLUGIN_API terminate() SMTG_OVERRIDE;
+    tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
+
+    tresult PLUGIN_API setComponentState(IBStream* state) SMTG_OVERRIDE;
+    tresult PLUGIN_API setParamNormalized(ParamID tag, ParamValue value) SMTG_OVERRIDE;
+    tresult PLUGIN_API getParamStringByValue(ParamID tag, ParamValue valueNormalized,
+                                             String128 string) SMTG_OVERRIDE;
+    tresult PLUGIN_API getParamValueByString(ParamID tag, TChar* string,
+                                             ParamValue& valueNormalized) SMTG_OVERRIDE;
+
+    tresult PLUGIN_API getMidiControllerAssignment(int32 busIndex, int16 channel,
+                                                   CtrlNumber midiControllerNumber,
+                                                   ParamID& id) SMTG_OVERRIDE;
+
+    // The last spectrum frame received, null outside initialize..terminate (UI thread).
+    const SpectrumFrame* spectrumFrame() const { return mSpectrumFrame.get(); }
+    // The processor's sample rate in Hz as last reported, 44100 until then.
+    double sampleRate() const { return mSampleRate; }
+    // The factory program at index (0..5), null outside initialize..destruction.
+    const CPlugProgram* program(int index) const;
+
+    OBJ_METHODS(CPlugController, EditControllerEx1)
+    DEFINE_INTERFACES
+    DEF_INTERFACE(IMidiMapping)
+    END_DEFINE_INTERFACES(EditControllerEx1)
+    REFCOUNT_METHODS(EditControllerEx1)
+
+private:
+    void registerParameters();
+    void addFactoryProgramList();
+    void loadProgram(int index);
+
+    std::unique_ptr<std::array<CPlugProgram, kFactoryProgramCount>> mPrograms;
+    std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    double mSampleRate = 44100.0;
+};
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg

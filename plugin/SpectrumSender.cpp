@@ -1,0 +1,76 @@
+#include "SpectrumSender.h"
+
+#include "pluginterfaces/vst/ivstmessage.h"
+
+#include <chrono>
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+SpectrumSender::SpectrumSender(ComponentBase& component, const SpectrumFrame& frame,
+                               std::recursive_mutex& linkLock)
+    : mComponent(component), mFrame(frame), mLinkLock(linkLock)
+{
+}
+
+SpectrumSender::~SpectrumSender()
+{
+    stop();
+}
+
+void SpectrumSender::start()
+{
+    if (mThread.joinable())
+    {
+        return;
+    }
+    mStopRequested = false;
+    mThread = std::thread([this] { run(); });
+}
+
+void SpectrumSender::stop()
+{
+    if (!mThread.joinable())
+    {
+        return;
+    }
+    mStopRequested = true;
+    mThread.join();
+}
+
+void SpectrumSender::run()
+{
+    // The thread clears the flag itself as it ends: that is the other half of the stop handshake.
+    while (!mStopRequested)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(kPeriodMs));
+        sendFrame();
+    }
+    mStopRequested = false;
+}
+
+void SpectrumSender::sendFrame()
+{
+    std::lock_guard<std::recursive_mutex> guard(mLinkLock);
+    // Without a host context no message can be made; the frame is simply not sent.
+    IMessage* message = mComponent.allocateMessage();
+    if (!message)
+    {
+        return;
+    }
+    message->setMessageID("BinaryMessage");
+    if (IAttributeList* attributes = message->getAttributes())
+    {
+        attributes->setBinary("FFTData", &mFrame, kSpectrumFrameBytes);
+        mComponent.sendMessage(message);
+    }
+    message->release();
+}
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "SpectrumFrame.h"
+
+#include "public.sdk/source/vst/vstcomponentbase.h"
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+// The processor's spectrum sender: a thread of its own that posts the frame buffer to the
+// component's peer as "BinaryMessage" / "FFTData" every 20 ms, from start until stop.
+class SpectrumSender
+{
+public:
+    // The component sends through its connection; linkLock guards its host context and peer.
+    SpectrumSender(ComponentBase& component, const SpectrumFrame& frame, std::recursive_mutex& linkLock);
+    ~SpectrumSender();
+    SpectrumSender(const SpectrumSender&) = delete;
+    SpectrumSender& operator=(const SpectrumSender&) = delete;
+
+    // Starts the thread (UI thread); throws std::system_error if the system cannot make one.
+    void start();
+    // Asks the thread to end and waits for it, about one period at most (UI thread).
+    void stop();
+    // Interval between two frames in milliseconds.
+    static constexpr int kPeriodMs = 20;
+
+private:
+    void run();
+    void sendFrame();
+
+    ComponentBase& mComponent;
+    const SpectrumFrame& mFrame;
+    std::recursive_mutex& mLinkLock;
+    std::atomic<bool> mStopRequested{false};
+    std::thread mThread;
+};
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg

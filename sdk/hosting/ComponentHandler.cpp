@@ -1,0 +1,42 @@
+#include "ComponentHandler.h"
+
+namespace Steinberg
+{
+namespace Vst
+{
+
+ComponentHandler::ComponentHandler(){FUNKNOWN_CTOR}
+
+IMPLEMENT_FUNKNOWN_METHODS(ComponentHandler, IComponentHandler, IComponentHandler::iid)
+
+    tresult PLUGIN_API ComponentHandler::beginEdit(ParamID /*id*/)
+{
+    ++mOpenEdits;
+    return kResultOk;
+}
+
+tresult PLUGIN_API ComponentHandler::performEdit(ParamID id, ParamValue valueNormalized)
+{
+    ++mPerformedEdits;
+    int32 index = 0;
+    if (IParamValueQueue* queue = mChanges.addParameterData(id, index))
+    {
+        queue->addPoint(0, valueNormalized, index);
+    }
+    return kResultOk;
+}
+
+tresult PLUGIN_API ComponentHandler::endEdit(ParamID /*id*/)
+{
+    --mOpenEdits;
+    return kResultOk;
+}
+
+tresult PLUGIN_API ComponentHandler::restartComponent(int32 flags)
+{
+    mLastRestartFlags = flags;
+    return kResultOk;
+}
+
+} // namespace Vst
+} // namespace Steinberg

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ParameterChanges.h"
+
+#include "pluginterfaces/vst/ivsteditcontroller.h"
+
+namespace Steinberg
+{
+namespace Vst
+{
+
+// A host's component handler: collects the controller's edits as parameter changes for the next
+// block, at sample offset 0, and counts the edit calls so that their pairing can be checked.
+class ComponentHandler : public IComponentHandler
+{
+public:
+    ComponentHandler();
+    virtual ~ComponentHandler() = default;
+
+    // The edits collected since the last clearQueue, for the processor's next block.
+    ParameterChanges& pendingChanges() { return mChanges; }
+    // Number of beginEdit calls not yet closed by endEdit (0 when every edit is closed).
+    int32 openEdits() const { return mOpenEdits; }
+    // Number of performEdit calls received so far.
+    int32 performedEdits() const { return mPerformedEdits; }
+    // Flags of the last restartComponent call (0 if none).
+    int32 lastRestartFlags() const { return mLastRestartFlags; }
+
+    tresult PLUGIN_API beginEdit(ParamID id) SMTG_OVERRIDE;
+    tresult PLUGIN_API performEdit(ParamID id, ParamValue valueNormalized) SMTG_OVERRIDE;
+    tresult PLUGIN_API endEdit(ParamID id) SMTG_OVERRIDE;
+    tresult PLUGIN_API restartComponent(int32 flags) SMTG_OVERRIDE;
+
+    DECLARE_FUNKNOWN_METHODS
+
+private:
+    ParameterChanges mChanges;
+    int32 mOpenEdits = 0;
+    int32 mPerformedEdits = 0;
+    int32 mLastRestartFlags = 0;
+};
+
+} // namespace Vst
+} // namespace Steinberg
