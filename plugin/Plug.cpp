@@ -395,6 +395,11 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
     {
         return kInvalidArgument;
     }
+    // Without output channels there is nothing to produce, whatever sample count is claimed.
+    if (!data.outputs[0].channelBuffers32 || data.outputs[0].numChannels <= 0)
+    {
+        return kResultOk;
+    }
     processAudio(data.inputs[0], data.outputs[0], std::max(data.numSamples, 0));
     if (mValues[kFftTag] > 0.5f)
     {

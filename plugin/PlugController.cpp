@@ -190,9 +190,15 @@ tresult PLUGIN_API CPlugController::getParamValueByString(ParamID tag, TChar* st
     }
     char8 text[128] = {};
     UString(string, 128).toAscii(text, sizeof(text));
-    ParamValue value = 0.0;
-    if (tag < kTagTableSize && valueFromText(tag, text, value))
+    // A tag with texts of its own reads only those; the others read the default way.
+    std::string shown;
+    if (tag < kTagTableSize && valueText(tag, 0.0f, shown))
     {
+        ParamValue value = 0.0;
+        if (!valueFromText(tag, text, value))
+        {
+            return kResultFalse;
+        }
         valueNormalized = value;
         return kResultOk;
     }

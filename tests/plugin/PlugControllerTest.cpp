@@ -1,0 +1,259 @@
+// The controller as a host sees it: parameter list, unit and programs, value texts, presets.
+
+#include "PluginHost.h"
+
+#include "plugin/PlugParameters.h"
+#include "plugin/PlugState.h"
+
+#include "pluginterfaces/base/ustring.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+namespace velmoran::test
+{
+namespace
+{
+
+namespace Plug = Vst::Velmoran;
+
+class PlugController : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
+
+    IUnitInfo* units() { return unitInfo; }
+
+    PluginInstance plugin;
+    FUnknownPtr<IUnitInfo> unitInfo{plugin.controller};
+};
+
+struct ExpectedParameter
+{
+    int32 index;
+    ParamID tag;
+    const char* title;
+    int32 stepCount;
+    double defaultValue;
+    int32 flags;
+};
+
+class PlugParameterInfo : public testing::TestWithParam<ExpectedParameter>
+{
+};
+
+TEST_P(PlugParameterInfo, RegisteredInHostOrder)
+{
+    const ExpectedParameter& expected = GetParam();
+    PluginInstance plugin(false);
+    ASSERT_TRUE(plugin.valid());
+    ASSERT_EQ(plugin.controller->getParameterCount(), 70);
+    ParameterInfo info;
+    ASSERT_EQ(plugin.controller->getParameterInfo(expected.index, info), kResultOk);
+    EXPECT_EQ(info.id, expected.tag);
+    EXPECT_EQ(asciiOf(info.title), expected.title);
+    EXPECT_EQ(asciiOf(info.units), "");
+    EXPECT_EQ(info.stepCount, expected.stepCount);
+    EXPECT_NEAR(info.defaultNormalizedValue, expected.defaultValue, 1e-6);
+    EXPECT_EQ(info.flags, expected.flags);
+    EXPECT_EQ(info.unitId, kRootUnitId);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, PlugParameterInfo,
+                         testing::Values(ExpectedParameter{0, 1, "Input Gain", 0, 0.495, 1},
+                                         ExpectedParameter{1, 2, "01 Filt Type", 0, 0.35, 1},
+                                         ExpectedParameter{10, 11, "10 Filt Type", 0, 0.4, 1},
+                                         ExpectedParameter{11, 12, "Output Gain", 0, 0.495, 1},
+                                         ExpectedParameter{12, 14, "FFT", 0, 0.0, 1},
+                                         ExpectedParameter{14, 16, "FFT Slope", 0, 0.99, 1},
+                                         ExpectedParameter{15, 57, "Polarity", 0, 0.0, 1},
+                                         ExpectedParameter{16, 17, "01 Freq", 0, 0.00056306, 1},
+                                         ExpectedParameter{21, 22, "06 Freq", 0, 0.04904905, 1},
+                                         ExpectedParameter{26, 27, "01 Gain", 0, 0.5, 1},
+                                         ExpectedParameter{36, 37, "01 Q", 0, 0.4279403, 1},
+                                         ExpectedParameter{46, 47, "01 Enable", 0, 0.99, 1},
+                                         ExpectedParameter{56, 58, "01 Mode", 0, 0.0, 1},
+                                         ExpectedParameter{66, 68, "Solo", 0, 0.0, 1},
+                                         ExpectedParameter{67, 0, "EQ", 0, 0.99, 1},
+                                         ExpectedParameter{68, 69, "Preset", 6, 0.0, 0x8001},
+                                         ExpectedParameter{69, 97, "Host Bypass", 1, 0.0, 0x10001}));
+
+TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
+{
+    ASSERT_TRUE(units());
+    ASSERT_EQ(units()->getUnitCount(), 1);
+    UnitInfo unit;
+    ASSERT_EQ(units()->getUnitInfo(0, unit), kResultOk);
+    EXPECT_EQ(unit.id, 0);
+    EXPECT_EQ(unit.parentUnitId, kNoParentUnitId);
+    EXPECT_EQ(unit.programListId, 69);
+    EXPECT_EQ(asciiOf(unit.name), "Root");
+    ASSERT_EQ(units()->getProgramListCount(), 1);
+    ProgramListInfo list;
+    ASSERT_EQ(units()->getProgramListInfo(0, list), kResultOk);
+    EXPECT_EQ(list.id, 69);
+    EXPECT_EQ(list.programCount, 6);
+    EXPECT_EQ(asciiOf(list.name), "Factory Presets");
+}
+
+TEST_F(PlugController, ProgramNamesForHosts)
+{
+    const char* expected[] = {"Factory Defaults",  "Factory Preset 01", "Factory Preset 02",
+                              "Factory Preset 03", "Factory Preset 04", "Factory Preset 05"};
+    for (int32 index = 0; index < 6; ++index)
+    {
+        String128 name = {};
+        ASSERT_EQ(units()->getProgramName(69, index, name), kResultOk);
+        EXPECT_EQ(asciiOf(name), expected[index]);
+    }
+    String128 name = {};
+    EXPECT_NE(units()->getProgramName(70, 0, name), kResultOk);
+    EXPECT_NE(units()->getProgramName(69, 6, name), kResultOk);
+}
+
+struct TextCase
+{
+    ParamID tag;
+    double value;
+    const char* text;
+};
+
+class PlugValueText : public testing::TestWithParam<TextCase>
+{
+};
+
+TEST_P(PlugValueText, ShownAsTheHostDisplaysIt)
+{
+    PluginInstance plugin(false);
+    ASSERT_TRUE(plugin.valid());
+    String128 text = {};
+    ASSERT_EQ(plugin.controller->getParamStringByValue(GetParam().tag, GetParam().value, text), kResultOk);
+    EXPECT_EQ(asciiOf(text), GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, PlugValueText,
+    testing::Values(TextCase{0, 0.99, "In "}, TextCase{0, 0.49, "Out"}, TextCase{1, 0.495, "-0.06 dB"},
+                    TextCase{12, 0.495, "-0.06 dB"}, TextCase{12, 1.0, "6.00 dB"},
+                    TextCase{2, 0.35, "LF Shelf"}, TextCase{3, 0.025, "No Filter"},
+                    TextCase{3, 0.0249, "[ --- ]"}, TextCase{4, 0.1, "Pk dB/2"},
+                    TextCase{5, 0.55, "Band Pass"}, TextCase{6, 0.6, "[ --- ]"}, TextCase{13, 1.0, "On "},
+                    TextCase{14, 0.0, "Off"}, TextCase{17, 0.0, "20.00 Hz"}, TextCase{26, 1.0, "20000.00 Hz"},
+                    TextCase{27, 0.5, "0.00 dB"}, TextCase{36, 0.0, "-18.00 dB"}, TextCase{37, 0.0, "0.30"},
+                    TextCase{46, 1.0, "5.00"}, TextCase{47, 0.99, "On "}, TextCase{97, 0.0, "Off"},
+                    TextCase{57, 0.0, "Normal "}, TextCase{57, 0.5, "Inverted"}, TextCase{58, 0.0, "Stereo"},
+                    TextCase{60, 0.25, "Left"}, TextCase{67, 0.5, "Right"}, TextCase{67, 0.75, "[ --- ]"},
+                    TextCase{68, 0.0, "None"}, TextCase{68, 1.0 / 12.0, "01\n"},
+                    TextCase{68, 10.0 / 12.0, "10\n"}));
+
+class PlugValueParse : public testing::TestWithParam<TextCase>
+{
+};
+
+TEST_P(PlugValueParse, TextReadsBackAsItsValue)
+{
+    PluginInstance plugin(false);
+    ASSERT_TRUE(plugin.valid());
+    UString128 text(GetParam().text);
+    String128 buffer = {};
+    text.copyTo(buffer, 128);
+    ParamValue value = -1.0;
+    ASSERT_EQ(plugin.controller->getParamValueByString(GetParam().tag, buffer, value), kResultOk);
+    EXPECT_NEAR(value, GetParam().value, 1e-4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, PlugValueParse,
+                         testing::Values(TextCase{0, 1.0, "In"}, TextCase{0, 0.0, "Out"},
+                                         TextCase{1, 0.5, "0.00 dB"}, TextCase{12, 0.75, "3 dB"},
+                                         TextCase{12, 1.0, "+9 dB"}, TextCase{2, 0.35, "LF Shelf"},
+                                         TextCase{4, 0.5, "high pass"}, TextCase{17, 0.0490490, "1000.00 Hz"},
+                                         TextCase{27, 0.8333333, "12 dB"}, TextCase{37, 0.4279403, "1.00"},
+                                         TextCase{37, 1.0, "5"}, TextCase{47, 1.0, "On "},
+                                         TextCase{57, 1.0, "Inverted"}, TextCase{60, 0.5, "Right"},
+                                         TextCase{68, 0.0, "None"}, TextCase{68, 0.25, "03\n"}));
+
+TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
+{
+    for (auto [tag, text] : std::vector<std::pair<ParamID, const char*>>{
+             {1, "loud"}, {2, "Peak"}, {17, "12 dB"}, {60, "Centre"}, {68, "13"}, {0, "Maybe"}})
+    {
+        UString128 string(text);
+        String128 buffer = {};
+        string.copyTo(buffer, 128);
+        ParamValue value = 0.0;
+        EXPECT_NE(plugin.controller->getParamValueByString(tag, buffer, value), kResultOk) << text;
+    }
+    ParamValue value = 0.0;
+    EXPECT_EQ(plugin.controller->getParamValueByString(1, nullptr, value), kInvalidArgument);
+    EXPECT_EQ(plugin.controller->getParamStringByValue(1, 0.5, nullptr), kInvalidArgument);
+}
+
+class PlugPreset : public testing::TestWithParam<double>
+{
+};
+
+TEST_P(PlugPreset, LoadsBritishSl2IntoControllerAndProcessor)
+{
+    PluginInstance plugin;
+    ASSERT_TRUE(plugin.valid());
+    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, GetParam()), kResultOk);
+    IEditController* controller = plugin.controller;
+    EXPECT_EQ(plugin.handler->openEdits(), 0);
+    EXPECT_EQ(plugin.handler->performedEdits(), 68); // tags 0..68 without the unused 13
+
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::kEqTag), 1.0);
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::filterTypeTag(4)), 0.15f);
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::frequencyTag(4)), 0.062920600f);
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::gainTag(1)), 0.6666667f);
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::qTag(1)), 0.0);
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::enableTag(3)), 0.0);
+    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::filterTypeTag(6)), 0.0);
+
+    // The edits reach the processor as the next block's parameter changes.
+    std::vector<std::vector<float>> buffers(2);
+    std::vector<std::vector<float>> outputs(2);
+    ASSERT_EQ(processBlock(plugin.processor, buffers, outputs, 0, &plugin.handler->pendingChanges()),
+              kResultOk);
+    const std::vector<float> state = stateValues(plugin.component);
+    const auto& tags = Plug::stateTags();
+    for (size_t index = 0; index < tags.size(); ++index)
+    {
+        EXPECT_FLOAT_EQ(state[index], static_cast<float>(controller->getParamNormalized(tags[index])))
+            << "tag " << tags[index];
+    }
+    String128 text = {};
+    controller->getParamStringByValue(Plug::frequencyTag(4), state[19], text);
+    EXPECT_EQ(asciiOf(text), "1277.15 Hz");
+    controller->getParamStringByValue(Plug::qTag(3), state[38], text);
+    EXPECT_EQ(asciiOf(text), "1.72");
+}
+
+INSTANTIATE_TEST_SUITE_P(LastStepAndSeventhStep, PlugPreset, testing::Values(1.0, 5.0 / 7.0));
+
+TEST_F(PlugController, DefaultsProgramRestoresTheDefaults)
+{
+    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, 0.5), kResultOk); // program 3
+    EXPECT_DOUBLE_EQ(plugin.controller->getParamNormalized(Plug::enableTag(2)), 0.0);
+    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, 0.0), kResultOk);
+    EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::enableTag(2)), 0.99, 1e-6);
+    EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::kEqTag), 0.99, 1e-6);
+    EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::filterTypeTag(6)), 0.1, 1e-6);
+}
+
+TEST_F(PlugController, NoViewForOtherNames)
+{
+    EXPECT_EQ(plugin.controller->createView("other"), nullptr);
+}
+
+TEST_F(PlugController, NoMidiControllerIsMapped)
+{
+    FUnknownPtr<IMidiMapping> mapping(plugin.controller);
+    ASSERT_TRUE(mapping);
+    ParamID tag = 0;
+    EXPECT_EQ(mapping->getMidiControllerAssignment(0, 0, 7, tag), kResultFalse);
+}
+
+} // namespace
+} // namespace velmoran::test

@@ -1,0 +1,195 @@
+// The saved state: its bytes, older and damaged streams, and the controller reading it too.
+
+#include "PluginHost.h"
+
+#include "plugin/PlugParameters.h"
+#include "plugin/PlugState.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace velmoran::test
+{
+namespace
+{
+
+namespace Plug = Vst::Velmoran;
+
+// A state of 69 distinct values, each a valid normalised value.
+std::vector<float> distinctState()
+{
+    std::vector<float> values(Plug::kStateValueCount);
+    for (size_t index = 0; index < values.size(); ++index)
+    {
+        values[index] = static_cast<float>(index + 1) / 128.0f;
+    }
+    return values;
+}
+
+class PlugState : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
+
+    // Moves bypass, two modes and solo away from their defaults through the processor.
+    void changeExtensions()
+    {
+        std::vector<std::vector<float>> buffers(2);
+        auto changes = changesOf({{Plug::kHostBypassTag, 1.0},
+                                  {Plug::modeTag(3), 0.5},
+                                  {Plug::modeTag(10), 0.25},
+                                  {Plug::kSoloTag, 7.0 / 12.0}});
+        std::vector<std::vector<float>> outputs(2);
+        ASSERT_EQ(processBlock(plugin.processor, buffers, outputs, 0, changes), kResultOk);
+    }
+
+    PluginInstance plugin{false};
+};
+
+TEST_F(PlugState, DefaultStateIs276BytesInDocumentedOrder)
+{
+    const std::vector<char> bytes = stateBytes(plugin.component);
+    ASSERT_EQ(bytes.size(), 276u);
+    std::vector<float> values(69);
+    std::memcpy(values.data(), bytes.data(), bytes.size());
+    EXPECT_FLOAT_EQ(values[0], 0.495f);          // Input Gain
+    EXPECT_FLOAT_EQ(values[1], 0.35f);           // 01 Filt Type: LF Shelf
+    EXPECT_FLOAT_EQ(values[4], 0.1f);            // 04 Filt Type: Pk dB/2
+    EXPECT_FLOAT_EQ(values[10], 0.4f);           // 10 Filt Type: HF Shelf
+    EXPECT_FLOAT_EQ(values[11], 0.495f);         // Output Gain
+    EXPECT_FLOAT_EQ(values[12], 0.0f);           // FFT
+    EXPECT_FLOAT_EQ(values[14], 0.99f);          // FFT Slope
+    EXPECT_FLOAT_EQ(values[15], 0.0f);           // Polarity
+    EXPECT_NEAR(values[16], 0.00056306f, 1e-8f); // 01 Freq: 31.25 Hz
+    EXPECT_NEAR(values[25], 0.79979980f, 1e-7f); // 10 Freq: 16 kHz
+    EXPECT_FLOAT_EQ(values[26], 0.5f);           // 01 Gain
+    EXPECT_NEAR(values[36], 0.42794f, 1e-5f);    // 01 Q: 1.0
+    EXPECT_FLOAT_EQ(values[46], 0.99f);          // 01 Enable
+    EXPECT_FLOAT_EQ(values[56], 0.99f);          // EQ
+    EXPECT_FLOAT_EQ(values[57], 0.0f);           // Host Bypass
+    EXPECT_FLOAT_EQ(values[68], 0.0f);           // Solo
+}
+
+TEST_F(PlugState, FullStateRoundTrips)
+{
+    const std::vector<float> values = distinctState();
+    ASSERT_EQ(plugin.component->setState(streamOf(values)), kResultOk);
+    EXPECT_EQ(stateValues(plugin.component), values);
+}
+
+TEST_F(PlugState, EarlierVersionLoadsAndKeepsBypassModesAndSolo)
+{
+    changeExtensions();
+    const std::vector<float> before = stateValues(plugin.component);
+    std::vector<float> older = distinctState();
+    older.resize(Plug::kRequiredStateValueCount);
+    ASSERT_EQ(plugin.component->setState(streamOf(older)), kResultOk);
+    const std::vector<float> after = stateValues(plugin.component);
+    for (size_t index = 0; index < after.size(); ++index)
+    {
+        const float expected = index < older.size() ? older[index] : before[index];
+        EXPECT_FLOAT_EQ(after[index], expected) << "state index " << index;
+    }
+    EXPECT_FLOAT_EQ(after[57], 1.0f);
+    EXPECT_FLOAT_EQ(after[68], 7.0f / 12.0f);
+}
+
+class PlugDamagedState : public testing::TestWithParam<size_t>
+{
+};
+
+TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
+{
+    PluginInstance plugin(false);
+    ASSERT_TRUE(plugin.valid());
+    const std::vector<char> before = stateBytes(plugin.component);
+    std::vector<char> bytes(GetParam());
+    for (size_t index = 0; index < bytes.size(); ++index)
+    {
+        bytes[index] = static_cast<char>(0x3E + (index % 3 == 0 ? 1 : 0));
+    }
+    EXPECT_EQ(plugin.component->setState(streamOf(bytes)), kResultFalse);
+    EXPECT_EQ(stateBytes(plugin.component), before);
+    EXPECT_EQ(plugin.controller->setComponentState(streamOf(bytes)), kResultFalse);
+    EXPECT_DOUBLE_EQ(plugin.controller->getParamNormalized(Plug::kInputGainTag), 0.495f);
+}
+
+// 224 bytes are 56 floats, one short of the oldest state; 227 leaves the last float incomplete.
+INSTANTIATE_TEST_SUITE_P(Lengths, PlugDamagedState, testing::Values(0u, 3u, 100u, 224u, 227u));
+
+TEST_F(PlugState, PartialExtensionLoadsWhatIsWhole)
+{
+    changeExtensions();
+    std::vector<float> values = distinctState();
+    std::vector<char> bytes(values.size() * sizeof(float));
+    std::memcpy(bytes.data(), values.data(), bytes.size());
+    bytes.resize(58 * sizeof(float) + 2); // bypass whole, first mode cut
+    ASSERT_EQ(plugin.component->setState(streamOf(bytes)), kResultOk);
+    const std::vector<float> after = stateValues(plugin.component);
+    EXPECT_FLOAT_EQ(after[57], values[57]);
+    EXPECT_FLOAT_EQ(after[60], 0.5f); // 03 Mode kept
+}
+
+TEST_F(PlugState, NumbersThatAreNoValuesAreRefusedOrLimited)
+{
+    const std::vector<char> before = stateBytes(plugin.component);
+    std::vector<float> values = distinctState();
+    values[20] = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(plugin.component->setState(streamOf(values)), kResultFalse);
+    EXPECT_EQ(stateBytes(plugin.component), before);
+
+    values[20] = 7.0f;
+    values[30] = -3.0f;
+    ASSERT_EQ(plugin.component->setState(streamOf(values)), kResultOk);
+    const std::vector<float> after = stateValues(plugin.component);
+    EXPECT_FLOAT_EQ(after[20], 1.0f);
+    EXPECT_FLOAT_EQ(after[30], 0.0f);
+}
+
+TEST_F(PlugState, RandomStreamsNeverHalfApply)
+{
+    std::mt19937 random(20261121);
+    for (int round = 0; round < 200; ++round)
+    {
+        const std::vector<char> before = stateBytes(plugin.component);
+        std::vector<char> bytes(random() % 400);
+        for (char& byte : bytes)
+        {
+            byte = static_cast<char>(random());
+        }
+        const tresult result = plugin.component->setState(streamOf(bytes));
+        const std::vector<float> after = stateValues(plugin.component);
+        ASSERT_EQ(after.size(), 69u);
+        if (result != kResultOk)
+        {
+            ASSERT_EQ(stateBytes(plugin.component), before);
+        }
+        for (float value : after)
+        {
+            ASSERT_TRUE(value >= 0.0f && value <= 1.0f);
+        }
+        plugin.controller->setComponentState(streamOf(bytes));
+    }
+    EXPECT_EQ(plugin.component->setState(nullptr), kResultFalse);
+    EXPECT_EQ(plugin.controller->setComponentState(nullptr), kResultFalse);
+}
+
+TEST_F(PlugState, ControllerReadsTheSameStream)
+{
+    const std::vector<float> values = distinctState();
+    ASSERT_EQ(plugin.controller->setComponentState(streamOf(values)), kResultOk);
+    const auto& tags = Plug::stateTags();
+    for (size_t index = 0; index < tags.size(); ++index)
+    {
+        EXPECT_NEAR(plugin.controller->getParamNormalized(tags[index]), values[index], 1e-7)
+            << "tag " << tags[index];
+    }
+}
+
+} // namespace
+} // namespace velmoran::test

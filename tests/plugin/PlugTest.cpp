@@ -1,0 +1,279 @@
+// The processor as a host drives it: buses, parameter changes, blocks of odd shapes.
+
+#include "PluginHost.h"
+
+#include "plugin/PlugParameters.h"
+#include "plugin/PlugState.h"
+
+#include "pluginterfaces/vst/vstspeaker.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace velmoran::test
+{
+namespace
+{
+
+namespace Plug = Vst::Velmoran;
+
+// Index of a tag inside the state stream.
+size_t stateIndexOf(ParamID tag)
+{
+    const auto& tags = Plug::stateTags();
+    for (size_t index = 0; index < tags.size(); ++index)
+    {
+        if (tags[index] == tag)
+        {
+            return index;
+        }
+    }
+    return tags.size();
+}
+
+std::string busName(IComponent* component, MediaType type, BusDirection direction)
+{
+    BusInfo info;
+    if (component->getBusInfo(type, direction, 0, info) != kResultOk)
+    {
+        return "";
+    }
+    return asciiOf(info.name);
+}
+
+SpeakerArrangement arrangementOf(IAudioProcessor* processor, BusDirection direction)
+{
+    SpeakerArrangement arrangement = 0;
+    processor->getBusArrangement(direction, 0, arrangement);
+    return arrangement;
+}
+
+class PlugProcessor : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
+
+    PluginInstance plugin{false};
+};
+
+TEST_F(PlugProcessor, OffersStereoInOutAndOneEventInput)
+{
+    IComponent* component = plugin.component;
+    EXPECT_EQ(component->getBusCount(kAudio, kInput), 1);
+    EXPECT_EQ(component->getBusCount(kAudio, kOutput), 1);
+    EXPECT_EQ(component->getBusCount(kEvent, kInput), 1);
+    EXPECT_EQ(component->getBusCount(kEvent, kOutput), 0);
+    EXPECT_EQ(busName(component, kAudio, kInput), "Stereo In");
+    EXPECT_EQ(busName(component, kAudio, kOutput), "Stereo Out");
+    EXPECT_EQ(busName(component, kEvent, kInput), "Event In");
+    BusInfo info;
+    ASSERT_EQ(component->getBusInfo(kEvent, kInput, 0, info), kResultOk);
+    EXPECT_EQ(info.channelCount, 1);
+    EXPECT_EQ(info.busType, kMain);
+    EXPECT_EQ(info.flags, static_cast<uint32>(BusInfo::kDefaultActive));
+    EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
+    EXPECT_EQ(plugin.processor->canProcessSampleSize(kSample32), kResultTrue);
+    EXPECT_NE(plugin.processor->canProcessSampleSize(kSample64), kResultTrue);
+}
+
+struct BusCase
+{
+    const char* name;
+    SpeakerArrangement before; // requested first (0: none)
+    std::vector<SpeakerArrangement> inputs;
+    std::vector<SpeakerArrangement> outputs;
+    tresult result;
+    SpeakerArrangement inputAfter;
+    SpeakerArrangement outputAfter;
+    const char* inputNameAfter;
+};
+
+class PlugBusArrangement : public testing::TestWithParam<BusCase>
+{
+};
+
+TEST_P(PlugBusArrangement, AcceptsMonoAndStereoPairsOnly)
+{
+    const BusCase& busCase = GetParam();
+    PluginInstance plugin(false);
+    ASSERT_TRUE(plugin.valid());
+    if (busCase.before != 0)
+    {
+        SpeakerArrangement in = busCase.before;
+        SpeakerArrangement out = busCase.before;
+        ASSERT_EQ(plugin.processor->setBusArrangements(&in, 1, &out, 1), kResultOk);
+    }
+    auto inputs = busCase.inputs;
+    auto outputs = busCase.outputs;
+    EXPECT_EQ(plugin.processor->setBusArrangements(inputs.data(), static_cast<int32>(inputs.size()),
+                                                   outputs.data(), static_cast<int32>(outputs.size())),
+              busCase.result);
+    EXPECT_EQ(arrangementOf(plugin.processor, kInput), busCase.inputAfter);
+    EXPECT_EQ(arrangementOf(plugin.processor, kOutput), busCase.outputAfter);
+    EXPECT_EQ(busName(plugin.component, kAudio, kInput), busCase.inputNameAfter);
+    EXPECT_EQ(plugin.component->getBusCount(kAudio, kInput), 1);
+    EXPECT_EQ(plugin.component->getBusCount(kAudio, kOutput), 1);
+}
+
+using namespace SpeakerArr;
+INSTANTIATE_TEST_SUITE_P(
+    FourRules, PlugBusArrangement,
+    testing::Values(
+        BusCase{"TwoInputs", 0, {kStereo, kStereo}, {kStereo}, kResultFalse, kStereo, kStereo, "Stereo In"},
+        BusCase{"NoOutput", 0, {kStereo}, {}, kResultFalse, kStereo, kStereo, "Stereo In"},
+        BusCase{"MonoToMono", 0, {kMono}, {kMono}, kResultOk, kMono, kMono, "Mono In"},
+        BusCase{"MonoAgain", kMono, {kMono}, {kMono}, kResultOk, kMono, kMono, "Mono In"},
+        BusCase{"StereoToStereo", kMono, {kStereo}, {kStereo}, kResultOk, kStereo, kStereo, "Stereo In"},
+        BusCase{"MonoToStereo", 0, {kMono}, {kStereo}, kResultFalse, kStereo, kStereo, "Stereo In"},
+        BusCase{
+            "MonoToStereoAfterMono", kMono, {kMono}, {kStereo}, kResultFalse, kStereo, kStereo, "Stereo In"},
+        BusCase{"Surround", 0, {k51}, {k51}, kResultFalse, kStereo, kStereo, "Stereo In"}),
+    [](const testing::TestParamInfo<BusCase>& info) { return std::string(info.param.name); });
+
+TEST_F(PlugProcessor, NullArrangementsAreRefused)
+{
+    EXPECT_EQ(plugin.processor->setBusArrangements(nullptr, 1, nullptr, 1), kResultFalse);
+    EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
+}
+
+TEST_F(PlugProcessor, LastPointOfAQueueWins)
+{
+    auto changes = owned(new ParameterChanges());
+    int32 index = 0;
+    IParamValueQueue* queue = changes->addParameterData(Plug::gainTag(1), index);
+    queue->addPoint(0, 0.2, index);
+    queue->addPoint(10, 0.7, index);
+    queue->addPoint(100, 0.9, index);
+    std::vector<std::vector<float>> inputs(2, std::vector<float>(128));
+    std::vector<std::vector<float>> outputs(2, std::vector<float>(128));
+    ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 128, changes), kResultOk);
+    EXPECT_FLOAT_EQ(stateValues(plugin.component)[stateIndexOf(Plug::gainTag(1))], 0.9f);
+}
+
+TEST_F(PlugProcessor, EmptyBlockStillAppliesItsChanges)
+{
+    std::vector<std::vector<float>> inputs(2);
+    std::vector<std::vector<float>> outputs(2);
+    auto changes = changesOf({{Plug::kSoloTag, 3.0 / 12.0}, {Plug::kHostBypassTag, 1.0}});
+    ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 0, changes), kResultOk);
+    const std::vector<float> state = stateValues(plugin.component);
+    EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::kSoloTag)], 0.25f);
+    EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::kHostBypassTag)], 1.0f);
+}
+
+TEST_F(PlugProcessor, UnknownTagsAndBadValuesLeaveEverythingAsItWas)
+{
+    const std::vector<char> before = stateBytes(plugin.component);
+    std::vector<std::vector<float>> inputs(2, std::vector<float>(32));
+    std::vector<std::vector<float>> outputs(2, std::vector<float>(32));
+    auto changes = changesOf({{13, 1.0},
+                              {Plug::kPresetTag, 1.0},
+                              {70, 1.0},
+                              {96, 1.0},
+                              {98, 1.0},
+                              {5000, 1.0},
+                              {0xFFFFFFFF, 1.0},
+                              {Plug::gainTag(2), std::numeric_limits<double>::quiet_NaN()},
+                              {Plug::gainTag(3), 1.5},
+                              {Plug::gainTag(4), -0.5}});
+    ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 32, changes), kResultOk);
+    EXPECT_EQ(stateBytes(plugin.component), before);
+}
+
+TEST_F(PlugProcessor, OddProcessDataNeverCrashes)
+{
+    std::vector<float> buffer(4096, 0.25f);
+    float* channels[80];
+    for (float*& channel : channels)
+    {
+        channel = buffer.data();
+    }
+    AudioBusBuffers input;
+    AudioBusBuffers output;
+    ProcessData data;
+    data.symbolicSampleSize = kSample32;
+    EXPECT_EQ(plugin.processor->process(data), kResultOk); // nothing at all
+
+    data.numSamples = 1 << 30;
+    data.numInputs = 1;
+    data.numOutputs = 1;
+    EXPECT_EQ(plugin.processor->process(data), kResultOk); // bus counts without buses
+
+    data.inputs = &input;
+    data.outputs = &output;
+    input.numChannels = 2;
+    output.numChannels = 2;
+    EXPECT_EQ(plugin.processor->process(data), kResultOk); // channel lists missing
+
+    data.numSamples = 4096;
+    input.channelBuffers32 = channels;
+    output.channelBuffers32 = channels;
+    input.numChannels = 80;
+    output.numChannels = 80;
+    EXPECT_EQ(plugin.processor->process(data), kResultOk); // more channels than are served
+
+    float* missing[2] = {nullptr, nullptr};
+    input.channelBuffers32 = missing;
+    input.numChannels = 2;
+    output.numChannels = 1;
+    EXPECT_EQ(plugin.processor->process(data), kResultOk); // null channel pointers
+
+    data.numSamples = -5;
+    EXPECT_EQ(plugin.processor->process(data), kResultOk);
+    for (float sample : buffer)
+    {
+        ASSERT_TRUE(std::isfinite(sample));
+    }
+}
+
+TEST_F(PlugProcessor, MonoBusesProcessOneChannel)
+{
+    SpeakerArrangement mono = SpeakerArr::kMono;
+    SpeakerArrangement monoOut = SpeakerArr::kMono;
+    ASSERT_EQ(plugin.processor->setBusArrangements(&mono, 1, &monoOut, 1), kResultOk);
+    std::vector<std::vector<float>> inputs(1, std::vector<float>(256, 0.5f));
+    std::vector<std::vector<float>> outputs(1, std::vector<float>(256, 0.0f));
+    ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 256), kResultOk);
+    EXPECT_GT(std::fabs(outputs[0][255]), 0.1f);
+}
+
+TEST_F(PlugProcessor, SetupRefusesRatesThatAreNoRates)
+{
+    ProcessSetup setup{kRealtime, kSample32, 512, 0.0};
+    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
+    setup.sampleRate = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
+    setup.sampleRate = 96000.0;
+    EXPECT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
+    setup.symbolicSampleSize = kSample64;
+    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
+}
+
+TEST_F(PlugProcessor, ActivationRoundTrip)
+{
+    ProcessSetup setup{kRealtime, kSample32, 512, 44100.0};
+    ASSERT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
+    EXPECT_EQ(plugin.component->setActive(true), kResultOk);
+    std::vector<std::vector<float>> inputs(2, std::vector<float>(512, 0.1f));
+    std::vector<std::vector<float>> outputs(2, std::vector<float>(512));
+    EXPECT_EQ(processBlock(plugin.processor, inputs, outputs, 512), kResultOk);
+    EXPECT_EQ(plugin.component->setActive(false), kResultOk);
+}
+
+TEST_F(PlugProcessor, OwnBinaryMessageIsAcceptedAndIgnored)
+{
+    auto message = owned(new HostMessage());
+    message->setMessageID("BinaryMessage");
+    const char payload[4] = {1, 2, 3, 4};
+    message->getAttributes()->setBinary("MyData", payload, sizeof(payload));
+    FUnknownPtr<IConnectionPoint> point(plugin.component);
+    ASSERT_TRUE(point);
+    EXPECT_EQ(point->notify(message), kResultOk);
+    EXPECT_EQ(point->notify(nullptr), kInvalidArgument);
+}
+
+} // namespace
+} // namespace velmoran::test

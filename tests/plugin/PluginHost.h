@@ -1,0 +1,78 @@
+#pragma once
+
+// A small host for the tests: loads the built module through its entry points, makes processor
+// and controller instances through the factory, and feeds them blocks and state streams.
+
+#include "sdk/hosting/ComponentHandler.h"
+#include "sdk/hosting/Module.h"
+#include "sdk/hosting/ParameterChanges.h"
+
+#include "pluginterfaces/base/ibstream.h"
+#include "pluginterfaces/vst/ivstaudioprocessor.h"
+#include "pluginterfaces/vst/ivstcomponent.h"
+#include "pluginterfaces/vst/ivsteditcontroller.h"
+#include "pluginterfaces/vst/ivstmessage.h"
+#include "pluginterfaces/vst/ivstunits.h"
+#include "public.sdk/source/vst/hosting/hostclasses.h"
+
+#include <string>
+#include <vector>
+
+namespace velmoran::test
+{
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+// The module path given on the command line (first argument).
+void setModulePath(const std::string& path);
+const std::string& modulePath();
+
+// The module, loaded and entered once for the whole test program; null if it cannot be loaded.
+VST3::Hosting::Module* sharedModule();
+
+// A processor and a controller as a host holds them: made by the factory, initialised with a
+// host application, controller given a component handler, both connected through their
+// connection points. The destructor undoes it all in the host's order.
+class PluginInstance
+{
+public:
+    explicit PluginInstance(bool connect = true);
+    ~PluginInstance();
+
+    // True when both classes were made and initialised.
+    bool valid() const { return component && processor && controller; }
+    // Connects or disconnects the two connection points.
+    void connect();
+    void disconnect();
+
+    IPtr<HostApplication> host;
+    IPtr<IComponent> component;
+    IPtr<IAudioProcessor> processor;
+    IPtr<IEditController> controller;
+    IPtr<ComponentHandler> handler;
+
+private:
+    bool mConnected = false;
+};
+
+// The processor's state stream as bytes.
+std::vector<char> stateBytes(IComponent* component);
+// The processor's state as floats (one per normalised value).
+std::vector<float> stateValues(IComponent* component);
+// A stream over the given bytes, positioned at its start.
+IPtr<IBStream> streamOf(const std::vector<char>& bytes);
+// A stream holding the given floats.
+IPtr<IBStream> streamOf(const std::vector<float>& values);
+
+// Runs one block through a processor: channel buffers of the given length, optional changes.
+tresult processBlock(IAudioProcessor* processor, std::vector<std::vector<float>>& inputs,
+                     std::vector<std::vector<float>>& outputs, int32 sampleCount,
+                     IParameterChanges* changes = nullptr);
+// A parameter-change list holding one point per (tag, value) pair, at offset 0.
+IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue>>& points);
+
+// The text of a String128 as plain ASCII.
+std::string asciiOf(const TChar* text);
+
+} // namespace velmoran::test
