@@ -53,6 +53,11 @@ tresult PLUGIN_API ParameterValueQueue::addPoint(int32 sampleOffset, ParamValue 
     return kResultTrue;
 }
 
+ParameterChanges::ParameterChanges()
+{
+    FUNKNOWN_CTOR
+}
+
 ParameterChanges::~ParameterChanges()
 {
     clearQueue();

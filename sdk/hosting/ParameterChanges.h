@@ -42,7 +42,7 @@ private:
 class ParameterChanges : public IParameterChanges
 {
 public:
-    ParameterChanges() = default;
+    ParameterChanges();
     virtual ~ParameterChanges();
 
     // Drops every queue, ready for the next block.

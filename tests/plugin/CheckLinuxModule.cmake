@@ -1,6 +1,7 @@
 # cmake -DMODULE=Velmoran.so -P CheckLinuxModule.cmake
 # Fails unless the shared object defines exactly ModuleEntry, ModuleExit and GetPluginFactory as
 # dynamic symbols.
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND nm -D --defined-only "${MODULE}" OUTPUT_VARIABLE dump RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
     message(FATAL_ERROR "nm could not read ${MODULE}")

@@ -1,6 +1,7 @@
 # cmake -DMODULE=Velmoran.vst3 -DOBJDUMP=x86_64-w64-mingw32-objdump -P CheckWindowsModule.cmake
 # Fails unless the DLL exports exactly InitDll, ExitDll and GetPluginFactory and imports only
 # DLLs that are part of Windows.
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND "${OBJDUMP}" -p "${MODULE}" OUTPUT_VARIABLE dump RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
     message(FATAL_ERROR "${OBJDUMP} could not read ${MODULE}")

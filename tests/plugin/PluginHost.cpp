@@ -62,7 +62,7 @@ PluginInstance::PluginInstance(bool connectNow)
     {
         return;
     }
-    host = owned(new HostApplication());
+    host = std::make_unique<HostApplication>();
     IComponent* newComponent = nullptr;
     if (factory->createInstance(processorId, IComponent::iid, reinterpret_cast<void**>(&newComponent)) ==
         kResultOk)
@@ -80,8 +80,8 @@ PluginInstance::PluginInstance(bool connectNow)
         return;
     }
     processor = FUnknownPtr<IAudioProcessor>(component);
-    component->initialize(host);
-    controller->initialize(host);
+    component->initialize(host.get());
+    controller->initialize(host.get());
     handler = owned(new ComponentHandler());
     controller->setComponentHandler(handler);
     if (connectNow)

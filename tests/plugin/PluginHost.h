@@ -15,6 +15,7 @@
 #include "pluginterfaces/vst/ivstunits.h"
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,8 @@ public:
     void connect();
     void disconnect();
 
-    IPtr<HostApplication> host;
+    // The SDK's host application is not reference counted: the instance owns it.
+    std::unique_ptr<HostApplication> host;
     IPtr<IComponent> component;
     IPtr<IAudioProcessor> processor;
     IPtr<IEditController> controller;
