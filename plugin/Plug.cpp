@@ -255,6 +255,10 @@ tresult PLUGIN_API CPlug::setupProcessing(ProcessSetup& setup)
     {
         return kInvalidArgument;
     }
+    if (canProcessSampleSize(setup.symbolicSampleSize) != kResultTrue)
+    {
+        return kResultFalse;
+    }
     mSampleRate = rate;
     if (rate != mEngineSampleRate)
     {
