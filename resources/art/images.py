@@ -121,21 +121,22 @@ SWITCHES = {
 # ---------------------------------------------------------------------------------------------
 # 16 x 16 icons: filter shapes for the band menu, line icons for the band info box.
 
-ZERO_DB = f'<path d="M1 9.5 H15" stroke="{LEGEND_FAINT}" stroke-width="1" stroke-dasharray="1.5 1.5"/>'
+ZERO_DB = f'<path d="M0.5 9.5 H15.5" stroke="{LEGEND_FAINT}" stroke-width="1"/>'
 
 
-def response_icon(curve, closed=True, colour=AMBER):
-    fill = (f'<path d="{curve} V15 H1.5 Z" fill="{colour}" fill-opacity="0.18"/>' if closed else "")
-    return ZERO_DB + fill + f'<path d="{curve}" {stroke_style(colour, 1.6)}/>'
+def response_icon(curve, colour=AMBER):
+    """A filter's magnitude response over the 0 dB line, amber with a soft dark outline."""
+    return (ZERO_DB + f'<path d="{curve}" {stroke_style("#000000", 3.2)} stroke-opacity="0.45"/>'
+            f'<path d="{curve}" {stroke_style(colour, 1.7)}/>')
 
 
 ICON_DRAWINGS = {
-    135: response_icon("M1.5 5.5 H6.5 C10 5.5 10.5 9 14.5 14"),                    # low pass
-    136: response_icon("M1.5 14 C5.5 9 6 5.5 9.5 5.5 H14.5"),                      # high pass
-    137: response_icon("M1.5 9.5 H3.5 C6.5 9.5 6.2 3 8 3 C9.8 3 9.5 9.5 12.5 9.5 H14.5"),  # peak
-    138: response_icon("M1.5 4.5 H4 C7.5 4.5 7.5 9.5 11 9.5 H14.5"),               # low shelf
-    139: response_icon("M1.5 9.5 H5 C8.5 9.5 8.5 4.5 12 4.5 H14.5"),               # high shelf
-    140: response_icon("M1.5 14 C5 13.5 6 4 8 4 C10 4 11 13.5 14.5 14"),           # band pass
+    135: response_icon("M1.5 6 H6 C9.5 6 11 9 14 14.5"),                           # low pass
+    136: response_icon("M2 14.5 C5 9 6.5 6 10 6 H14.5"),                             # high pass
+    137: response_icon("M1.5 9.5 H3.5 C6.3 9.5 6.3 2.5 8 2.5 C9.7 2.5 9.7 9.5 12.5 9.5 H14.5"),  # peak
+    138: response_icon("M1.5 4 H4 C7.5 4 7.5 9.5 11 9.5 H14.5"),                   # low shelf
+    139: response_icon("M1.5 9.5 H5 C8.5 9.5 8.5 4 12 4 H14.5"),                   # high shelf
+    140: response_icon("M1.5 14.5 C5 14 6 3 8 3 C10 3 11 14 14.5 14.5"),           # band pass
     141: (f'<path d="M1.5 9.5 H14.5" {stroke_style(LEGEND, 1.6)}/>'                # no filter
           f'<circle cx="8" cy="9.5" r="2.2" fill="#1c1f24" stroke="{LEGEND}" stroke-width="1.2"/>'),
     142: (ZERO_DB + f'<path d="M1.5 12 H3.5 C6.5 12 6 5 8 5 C10 5 9.5 12 12.5 12 H14.5" '   # filter function
