@@ -92,8 +92,8 @@ bool PluginInstance::makeController(IPluginFactory* factory)
         return false;
     }
     IEditController* newController = nullptr;
-    if (factory->createInstance(controllerId, IEditController::iid, reinterpret_cast<void**>(&newController)) !=
-            kResultOk ||
+    if (factory->createInstance(controllerId, IEditController::iid,
+                                reinterpret_cast<void**>(&newController)) != kResultOk ||
         !newController)
     {
         mFailureReason = "the factory could not make the edit controller";

@@ -178,8 +178,9 @@ int outputFormat(int inputFormat, std::optional<Container> container, std::optio
     check.format = format;
     if (!sf_format_check(&check))
     {
-        throw usageError(containerText(format) + " cannot hold " + encodingText(format) + " samples" +
-                         (major == SF_FORMAT_FLAC ? " (FLAC holds 16- or 24-bit: --sample-format 16 or 24)" : ""));
+        throw usageError(
+            containerText(format) + " cannot hold " + encodingText(format) + " samples" +
+            (major == SF_FORMAT_FLAC ? " (FLAC holds 16- or 24-bit: --sample-format 16 or 24)" : ""));
     }
     return format;
 }

@@ -129,8 +129,8 @@ std::vector<float> makeDemoSignal()
     Stereo mix(frames);
     Noise noise;
     // A minor, F major, C major, G major: one chord a bar (MIDI notes).
-    const std::array<std::array<int, 4>, 4> chords = {{{33, 57, 60, 64}, {29, 57, 60, 65}, {36, 55, 60, 64},
-                                                       {31, 55, 59, 62}}};
+    const std::array<std::array<int, 4>, 4> chords = {
+        {{33, 57, 60, 64}, {29, 57, 60, 65}, {36, 55, 60, 64}, {31, 55, 59, 62}}};
     const std::array<int, 8> melody = {76, 79, 81, 79, 84, 81, 79, 76};
     for (int bar = 0; bar < 4; ++bar)
     {
@@ -158,8 +158,8 @@ std::vector<float> makeDemoSignal()
             const double pan = voice == 1 ? -0.6 : (voice == 2 ? 0.0 : 0.6);
             addTone(mix, barStart, 4 * kBeatSeconds, noteHz(chord[voice]), 0.08, pan, 3.0, 4);
         }
-        addTone(mix, barStart + kBeatSeconds, kBeatSeconds, noteHz(melody[static_cast<size_t>(2 * bar)]), 0.12,
-                -0.5, 0.3, 3);
+        addTone(mix, barStart + kBeatSeconds, kBeatSeconds, noteHz(melody[static_cast<size_t>(2 * bar)]),
+                0.12, -0.5, 0.3, 3);
         addTone(mix, barStart + 2.5 * kBeatSeconds, kBeatSeconds * 1.5,
                 noteHz(melody[static_cast<size_t>(2 * bar + 1)]), 0.12, -0.5, 0.4, 3);
     }

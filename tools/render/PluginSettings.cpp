@@ -171,10 +171,11 @@ ParamValue ParameterCatalogue::valueOf(const ParameterEntry& entry, const std::s
     // The controller limits a number to the range; a number beyond it is a mistake to report.
     if (allowed.names.empty() && leadingNumber(wanted, number) && leadingNumber(allowed.lowest, lowest) &&
         leadingNumber(allowed.highest, highest) &&
-        (number < std::min(lowest, highest) - kRangeTolerance || number > std::max(lowest, highest) + kRangeTolerance))
+        (number < std::min(lowest, highest) - kRangeTolerance ||
+         number > std::max(lowest, highest) + kRangeTolerance))
     {
-        throw usageError(quoted(wanted) + " is outside the range of " + quoted(entry.title) + ": give a value " +
-                         allowed.describe());
+        throw usageError(quoted(wanted) + " is outside the range of " + quoted(entry.title) +
+                         ": give a value " + allowed.describe());
     }
     return value;
 }
@@ -210,7 +211,7 @@ std::vector<FactoryProgram> factoryPrograms(IEditController& controller)
         program.index = index;
         program.hostName = asciiOf(name);
         program.name = index < static_cast<int32>(voiced.size()) ? voiced[static_cast<size_t>(index)].name
-                                                                  : program.hostName;
+                                                                 : program.hostName;
         programs.push_back(program);
     }
     return programs;
@@ -303,8 +304,8 @@ std::string programListing(RenderHost& host)
     std::string listing;
     for (const FactoryProgram& program : factoryPrograms(host.controller()))
     {
-        listing += "  " + std::to_string(program.index) + "  " + quoted(program.name) + "  (hosts list it as " +
-                   quoted(program.hostName) + ")\n";
+        listing += "  " + std::to_string(program.index) + "  " + quoted(program.name) +
+                   "  (hosts list it as " + quoted(program.hostName) + ")\n";
     }
     return listing;
 }

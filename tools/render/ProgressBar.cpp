@@ -16,8 +16,8 @@ constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
 
 std::string progressLine(const std::string& label, int64_t done, int64_t total, int width)
 {
-    const double fraction = total > 0 ? std::clamp(static_cast<double>(done) / static_cast<double>(total), 0.0, 1.0)
-                                      : 1.0;
+    const double fraction =
+        total > 0 ? std::clamp(static_cast<double>(done) / static_cast<double>(total), 0.0, 1.0) : 1.0;
     const int filled = static_cast<int>(fraction * width);
     char percent[8];
     std::snprintf(percent, sizeof(percent), "%3d%%", static_cast<int>(fraction * 100.0));

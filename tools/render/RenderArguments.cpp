@@ -30,7 +30,8 @@ ParameterAssignment assignmentOf(const std::string& text)
     const size_t equals = text.find('=');
     if (equals == std::string::npos || equals == 0 || equals + 1 == text.size())
     {
-        throw usageError("--set takes \"TITLE=VALUE\", for example --set \"03 Gain=+6 dB\", not '" + text + "'");
+        throw usageError("--set takes \"TITLE=VALUE\", for example --set \"03 Gain=+6 dB\", not '" + text +
+                         "'");
     }
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
@@ -94,9 +95,9 @@ void applyOption(RenderRequest& request, const std::string& option, const std::s
 
 bool takesValue(const std::string& option)
 {
-    static const char* const kOptions[] = {"--plugin",      "--preset",   "--set",         "--load-state",
-                                           "--save-state",  "--response", "--block-size",  "--rate",
-                                           "--format",      "--sample-format", "--demo-signal"};
+    static const char* const kOptions[] = {"--plugin",     "--preset",        "--set",        "--load-state",
+                                           "--save-state", "--response",      "--block-size", "--rate",
+                                           "--format",     "--sample-format", "--demo-signal"};
     for (const char* known : kOptions)
     {
         if (option == known)
@@ -218,7 +219,8 @@ RenderRequest parseArguments(const std::vector<std::string>& arguments)
 std::string helpText(const std::string& programName)
 {
     return "Usage: " + programName + R"( [options] INPUT OUTPUT
-       )" + programName + R"( [options] --response PLOT.png [INPUT OUTPUT]
+       )" + programName +
+           R"( [options] --response PLOT.png [INPUT OUTPUT]
 
 Renders a sound file through the Velmoran equaliser, loaded from its VST 3 module the way a
 host loads it. INPUT is a WAV, AIFF or FLAC file, mono or stereo, 16-, 24-, 32-bit or float, at
@@ -251,10 +253,14 @@ Other options:
   --help, -h            this text
 
 Examples:
-  )" + programName + R"( --preset 3 mix.wav mix-nv3.wav
-  )" + programName + R"( --set "06 Filt Type=Peak +3dB" --set "06 Gain=+6 dB" in.flac out.flac
-  )" + programName + R"( --preset "01 - British EQ NV-1" --save-state nv1.state --response nv1.png
-  )" + programName + R"( --load-state nv1.state --sample-format float in.wav out.wav
+  )" + programName +
+           R"( --preset 3 mix.wav mix-nv3.wav
+  )" + programName +
+           R"( --set "06 Filt Type=Peak +3dB" --set "06 Gain=+6 dB" in.flac out.flac
+  )" + programName +
+           R"( --preset "01 - British EQ NV-1" --save-state nv1.state --response nv1.png
+  )" + programName +
+           R"( --load-state nv1.state --sample-format float in.wav out.wav
 
 Exit status: 0 when done, 1 when the job failed, 2 for a bad command line.
 )";

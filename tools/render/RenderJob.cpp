@@ -8,8 +8,8 @@
 namespace velmoran::render
 {
 
-RenderSummary renderFile(RenderHost& host, AudioReader& reader, const std::string& outputPath, int outputFormat,
-                         int blockSize, bool showProgress)
+RenderSummary renderFile(RenderHost& host, AudioReader& reader, const std::string& outputPath,
+                         int outputFormat, int blockSize, bool showProgress)
 {
     const AudioInfo& input = reader.info();
     AudioInfo outputInfo = input;

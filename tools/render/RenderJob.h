@@ -23,7 +23,7 @@ constexpr double kProgressFromSeconds = 10.0;
 // Renders everything reader holds through a started host (same rate and channels) into a new
 // file at outputPath with the given libsndfile format, in blocks of blockSize samples. The output
 // appears only when complete; throws RenderError naming the file on failure.
-RenderSummary renderFile(RenderHost& host, AudioReader& reader, const std::string& outputPath, int outputFormat,
-                         int blockSize, bool showProgress);
+RenderSummary renderFile(RenderHost& host, AudioReader& reader, const std::string& outputPath,
+                         int outputFormat, int blockSize, bool showProgress);
 
 } // namespace velmoran::render

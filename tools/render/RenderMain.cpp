@@ -50,9 +50,8 @@ std::string settingsTitle(RenderHost& host, const RenderRequest& request)
     std::string title;
     if (request.preset)
     {
-        title = factoryPrograms(host.controller())[static_cast<size_t>(
-                                                       programIndexOf(*request.preset,
-                                                                      factoryPrograms(host.controller())))]
+        title = factoryPrograms(host.controller())[static_cast<size_t>(programIndexOf(
+                                                       *request.preset, factoryPrograms(host.controller())))]
                     .name;
     }
     else if (!request.loadStatePath.empty())
@@ -81,7 +80,8 @@ void plotResponse(VST3::Hosting::Module& module, const std::string& modulePath, 
     curves.sampleRate = sampleRate;
     curves.frequenciesHz = responseFrequencies(sampleRate);
     curves.measuredDb = measureResponseDb(host, sampleRate, request.blockSize, curves.frequenciesHz);
-    curves.designedDb = designedResponseDb(host.saveState(), sampleRate, curves.frequenciesHz, curves.designNote);
+    curves.designedDb =
+        designedResponseDb(host.saveState(), sampleRate, curves.frequenciesHz, curves.designNote);
     const std::string title = "Velmoran: " + settingsTitle(host, request) + " (" +
                               std::to_string(static_cast<int>(sampleRate)) + " Hz)";
     writeResponsePlot(curves, title, request.responsePath);
@@ -131,8 +131,9 @@ void renderAndSave(VST3::Hosting::Module& module, const std::string& modulePath,
         if (!request.quiet)
         {
             const double audioSeconds = static_cast<double>(summary.frames) / reader->info().sampleRate;
-            std::fprintf(stderr, "Rendered %s to %s (%s, %d Hz, %s, %.1f s) in %.2f s\n", request.inputPath.c_str(),
-                         request.outputPath.c_str(), formatDescription(format).c_str(), reader->info().sampleRate,
+            std::fprintf(stderr, "Rendered %s to %s (%s, %d Hz, %s, %.1f s) in %.2f s\n",
+                         request.inputPath.c_str(), request.outputPath.c_str(),
+                         formatDescription(format).c_str(), reader->info().sampleRate,
                          reader->info().channels == 1 ? "mono" : "stereo", audioSeconds, summary.seconds);
         }
         if (summary.overs > 0)
@@ -167,8 +168,8 @@ int run(const std::vector<std::string>& arguments, const std::string& programPat
         writeDemoSignal(request.demoSignalPath, request.quiet);
         return 0;
     }
-    const std::string modulePath = request.pluginPath.empty() ? defaultModulePath(programPath)
-                                                              : moduleFileOf(request.pluginPath);
+    const std::string modulePath =
+        request.pluginPath.empty() ? defaultModulePath(programPath) : moduleFileOf(request.pluginPath);
     const auto module = loadModule(modulePath);
     if (request.listPresets || request.listParameters)
     {

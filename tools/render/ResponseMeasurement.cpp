@@ -170,8 +170,8 @@ std::array<std::vector<double>, 2> designedResponseDb(const std::vector<char>& s
                 }
                 double a0 = 1.0, a1 = 0.0, a2 = 0.0, b0 = 1.0, b1 = 0.0, b2 = 0.0;
                 dsp::DesignFilter(rate, bandFrequencyHz(values[frequencyTag(band)]),
-                                  bandGainDb(values[gainTag(band)]), bandQ(values[qTag(band)]), type, a0, a1, a2,
-                                  b0, b1, b2);
+                                  bandGainDb(values[gainTag(band)]), bandQ(values[qTag(band)]), type, a0, a1,
+                                  a2, b0, b1, b2);
                 totalDb += decibels(dsp::BiquadMagnitude(omega, a1 / a0, a2 / a0, b0 / a0, b1 / a0, b2 / a0));
             }
             curves[channel][point] = std::max(kFloorDb, totalDb);

@@ -109,8 +109,8 @@ std::string plotScript(const ResponseCurves& curves, const std::string& title, c
     script += "set yrange [" + std::to_string(lowest) + ":" + std::to_string(highest) + "]\n";
     script += "set xtics ('20' 20, '50' 50, '100' 100, '200' 200, '500' 500, '1k' 1000, '2k' 2000, "
               "'5k' 5000, '10k' 10000, '20k' 20000)\nset mxtics 10\n";
-    script += "set ytics " + std::string(highest - lowest > 48.0 ? "12" : (highest - lowest > 24.0 ? "6" : "3")) +
-              "\n";
+    script += "set ytics " +
+              std::string(highest - lowest > 48.0 ? "12" : (highest - lowest > 24.0 ? "6" : "3")) + "\n";
     script += "set grid xtics mxtics ytics lc rgb '#dddddd' lw 1, lc rgb '#eeeeee' lw 1\n";
     script += "set xzeroaxis lc rgb '#888888' lw 1.5\n";
     script += "set xlabel 'Frequency (Hz)'\nset ylabel 'Gain (dB)'\n";
@@ -126,7 +126,8 @@ std::string plotScript(const ResponseCurves& curves, const std::string& title, c
         char line[160];
         std::snprintf(line, sizeof(line), "%.4f %.4f %.4f %.4f %.4f\n", curves.frequenciesHz[point],
                       curves.measuredDb[0][point], curves.measuredDb[1][point],
-                      hasDesign ? curves.designedDb[0][point] : 0.0, hasDesign ? curves.designedDb[1][point] : 0.0);
+                      hasDesign ? curves.designedDb[0][point] : 0.0,
+                      hasDesign ? curves.designedDb[1][point] : 0.0);
         script += line;
     }
     script += "EOD\n";
@@ -147,7 +148,8 @@ std::string plotScript(const ResponseCurves& curves, const std::string& title, c
                     std::string(oneMeasured ? "measured through the plug-in" : "measured, left") + "'");
     if (!oneMeasured)
     {
-        plots.push_back("$response using 1:3 with lines lw 2.5 dt 2 lc rgb '#1e7a3c' title 'measured, right'");
+        plots.push_back(
+            "$response using 1:3 with lines lw 2.5 dt 2 lc rgb '#1e7a3c' title 'measured, right'");
     }
     script += "plot ";
     for (size_t index = 0; index < plots.size(); ++index)
