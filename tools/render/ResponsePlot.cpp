@@ -66,10 +66,8 @@ void axisRange(const ResponseCurves& curves, double& lowest, double& highest)
             }
         }
     }
-    const double span = std::max({6.0, top, -bottom});
-    highest = std::min(kHighestAxisDb, 6.0 * std::ceil((std::max(top, std::min(span, 12.0)) + 1.5) / 6.0));
-    lowest = std::max(kDeepestAxisDb, -6.0 * std::ceil((std::max(-bottom, highest) + 1.5) / 6.0));
-    highest = std::max(highest, 6.0);
+    highest = std::min(kHighestAxisDb, std::max(6.0, 6.0 * std::ceil((std::max(top, -bottom) + 1.5) / 6.0)));
+    lowest = std::max(kDeepestAxisDb, std::min(-highest, -6.0 * std::ceil((-bottom + 1.5) / 6.0)));
 }
 
 bool onPath(const char* program)
@@ -111,10 +109,10 @@ std::string plotScript(const ResponseCurves& curves, const std::string& title, c
               "'5k' 5000, '10k' 10000, '20k' 20000)\nset mxtics 10\n";
     script += "set ytics " +
               std::string(highest - lowest > 48.0 ? "12" : (highest - lowest > 24.0 ? "6" : "3")) + "\n";
-    script += "set grid xtics mxtics ytics lc rgb '#dddddd' lw 1, lc rgb '#eeeeee' lw 1\n";
-    script += "set xzeroaxis lc rgb '#888888' lw 1.5\n";
+    script += "set grid xtics mxtics ytics lt 1 lc rgb '#c8c8c8' lw 1, lt 1 lc rgb '#e8e8e8' lw 1\n";
+    script += "set xzeroaxis lt 1 lc rgb '#808080' lw 1.5\n";
     script += "set xlabel 'Frequency (Hz)'\nset ylabel 'Gain (dB)'\n";
-    script += "set key top right box opaque samplen 3 spacing 1.3\n";
+    script += "set key below horizontal samplen 4 spacing 1.3 width 2\n";
     script += "set border lc rgb '#444444'\n";
     if (!curves.designNote.empty())
     {

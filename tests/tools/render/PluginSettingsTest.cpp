@@ -53,7 +53,7 @@ protected:
 
 TEST_F(PluginSettingsTest, TitlesAreFoundWhateverTheirCase)
 {
-    EXPECT_EQ(mCatalogue->entries().size(), 69u);
+    EXPECT_EQ(mCatalogue->entries().size(), 70u);
     EXPECT_EQ(mCatalogue->find("03 Gain").title, "03 Gain");
     EXPECT_EQ(mCatalogue->find("  03 gain ").title, "03 Gain");
     const std::string message = usageMessage([this] { mCatalogue->find("03 Gian"); });

@@ -13,6 +13,9 @@ namespace velmoran::test
 namespace
 {
 
+using render::readFileBytes;
+using render::writeFileBytes;
+
 struct NullCase
 {
     const char* name;
@@ -166,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{
             "FlacFloat", {"--sample-format", "float", "@in.wav", "@out.flac"}, "FLAC cannot hold float", 2},
         BadRun{"MissingInput", {"@missing.wav", "@out.wav"}, "missing.wav': No such file or directory", 1},
-        BadRun{"NotSound", {"@in.wav", "@out.wav", "--load-state", "@none.state"}, "none.state", 1},
+        BadRun{"MissingState", {"@in.wav", "@out.wav", "--load-state", "@none.state"}, "none.state", 1},
         BadRun{"OutputFolderMissing", {"@in.wav", "@nowhere/out.wav"}, "nowhere/out.wav", 1},
         BadRun{"ModuleMissing",
                {"--plugin", "@Velmoran.so", "@in.wav", "@out.wav"},
