@@ -12,5 +12,16 @@ for preset in linux windows; do
 done
 mkdir -p dist
 build/linux/tools/design-deviation/velmoran-design-deviation >dist/filter-deviation.txt
+
+# The demo: a generated mix through every factory program, each with its response plot.
+render=dist/bin/velmoran-render
+mkdir -p dist/demo
+"$render" --quiet --demo-signal dist/demo/demo-input.wav
+"$render" --list-presets | sed -n 's/^  \([0-9]*\)  "\([^"]*\)".*/\1 \2/p' |
+    while read -r number name; do
+        slug=$(tr 'A-Z' 'a-z' <<<"$name" | sed -E 's/^[0-9]+ - //; s/[^a-z0-9]+/-/g')
+        "$render" --quiet --preset "$number" --response "dist/demo/$number-$slug.png" \
+            dist/demo/demo-input.wav "dist/demo/$number-$slug.wav"
+    done
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort

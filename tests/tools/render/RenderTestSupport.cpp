@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <stdexcept>
 
 namespace velmoran::test
@@ -63,11 +64,8 @@ ScratchFolder::ScratchFolder()
 
 ScratchFolder::~ScratchFolder()
 {
-    for (const std::string& name : names())
-    {
-        unlink(file(name).c_str());
-    }
-    rmdir(mPath.c_str());
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
 }
 
 std::string ScratchFolder::file(const std::string& name) const

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace velmoran::test
 {
 namespace
@@ -196,6 +198,18 @@ TEST(RenderTool, AModuleThatDoesNotLoadIsNamed)
     EXPECT_NE(run.errors.find("cannot load the plug-in '" + folder.file("Velmoran.so") + "'"),
               std::string::npos)
         << run.errors;
+}
+
+TEST(RenderTool, TakesTheBundleFolderAsPlugin)
+{
+    ScratchFolder folder;
+    const std::string architecture = folder.file("Velmoran.vst3/Contents/x86_64-linux");
+    std::filesystem::create_directories(architecture);
+    std::filesystem::create_symlink(std::filesystem::absolute(renderModulePath()),
+                                    architecture + "/Velmoran.so");
+    const ToolRun run = runTool({"--plugin", folder.file("Velmoran.vst3"), "--list-presets"}, false);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_NE(run.output.find("British EQ SL-2"), std::string::npos);
 }
 
 TEST(RenderTool, HelpAndListsNeedNoFiles)
