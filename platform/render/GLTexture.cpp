@@ -22,10 +22,16 @@ void setUnpackAlignment()
 
 std::unique_ptr<GLTexture> makeTexture(const uint8_t* pixels, int width, int height, GLint wrap)
 {
+    const size_t size = static_cast<size_t>(width) * static_cast<size_t>(height) * 4;
+    return makeTexture(std::vector<uint8_t>(pixels, pixels + size), width, height, wrap);
+}
+
+std::unique_ptr<GLTexture> makeTexture(std::vector<uint8_t>&& pixels, int width, int height, GLint wrap)
+{
     auto texture = std::make_unique<GLTexture>();
     texture->width = width;
     texture->height = height;
-    texture->pixels.assign(pixels, pixels + static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
+    texture->pixels = std::move(pixels);
     glGenTextures(1, &texture->name);
     glBindTexture(GL_TEXTURE_2D, texture->name);
     setUnpackAlignment();

@@ -29,6 +29,8 @@ struct GLTexture
 // Creates a texture from width * height RGBA pixels with linear filtering; the wrap mode is
 // GL_CLAMP_TO_EDGE or GL_REPEAT. The context must be current.
 std::unique_ptr<GLTexture> makeTexture(const uint8_t* pixels, int width, int height, GLint wrap);
+// The same, taking over a pixel buffer of width * height * 4 bytes.
+std::unique_ptr<GLTexture> makeTexture(std::vector<uint8_t>&& pixels, int width, int height, GLint wrap);
 // Uploads the record's whole pixel copy again. The context must be current.
 void uploadTexture(const GLTexture& texture);
 // The power-of-two side (from 64) that holds a requirement in pixels, or -1 when it would have to
