@@ -10,5 +10,10 @@ for preset in linux windows; do
     cmake --build --preset "$preset"
     cmake --install "build/$preset" --prefix dist >/dev/null
 done
+# The first picture of the graphics platform: one frame drawn by the OpenGL renderer in a window of
+# the window kit, run under Wine on a virtual display.
+mkdir -p dist
+build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.exe dist/velmoran-gl-snapshot.png
+build/windows/wine-run.sh --remove-prefix
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort
