@@ -159,13 +159,14 @@ void drawImages(CGLRenderer& renderer, std::vector<std::unique_ptr<GLTexture>>& 
         renderer.drawImage(*maker, 0, 0, 290, 570, 128, 32);
     for (int i = 0; i < 6; ++i)
         if (const GLTexture* toggle = load(ids::kEffectSwitch + i, 2))
-            renderer.drawImageFrame(*toggle, 64, 43, i % 2, 740.0f + (i % 3) * 80.0f, 70.0f + (i / 3) * 60.0f);
+            renderer.drawImageFrame(*toggle, 64, 43, i % 2, 740.0f + (i % 3) * 80.0f,
+                                    70.0f + (i / 3) * 60.0f);
     for (int i = 0; i < 15; ++i)
         if (const GLTexture* icon = load(ids::kIconLowPass + i, 1))
             renderer.drawImage(*icon, 0, 0, 740.0f + (i % 5) * 28.0f, 196.0f + (i / 5) * 28.0f, 16, 16);
-    const int pieces[] = {ids::kPanelCorner, ids::kScrew, ids::kLamp, ids::kBandHandle, ids::kIdleHandle,
-                          ids::kSoloHandle, ids::kPolarityButton, ids::kTitleButton, ids::kSoloButton,
-                          ids::kInfoButton};
+    const int pieces[] = {ids::kPanelCorner, ids::kScrew,      ids::kLamp,           ids::kBandHandle,
+                          ids::kIdleHandle,  ids::kSoloHandle, ids::kPolarityButton, ids::kTitleButton,
+                          ids::kSoloButton,  ids::kInfoButton};
     for (int i = 0; i < 10; ++i)
         if (const GLTexture* piece = load(pieces[i], 2))
             for (int frame = 0; frame < 2; ++frame)
@@ -217,7 +218,8 @@ std::vector<uint8_t> readFrame()
     std::vector<uint8_t> topDown(bottomUp.size());
     const size_t row = static_cast<size_t>(kWidth * 4);
     for (int y = 0; y < kHeight; ++y)
-        std::copy_n(&bottomUp[static_cast<size_t>(kHeight - 1 - y) * row], row, &topDown[static_cast<size_t>(y) * row]);
+        std::copy_n(&bottomUp[static_cast<size_t>(kHeight - 1 - y) * row], row,
+                    &topDown[static_cast<size_t>(y) * row]);
     for (size_t i = 3; i < topDown.size(); i += 4)
         topDown[i] = 255;
     return topDown;

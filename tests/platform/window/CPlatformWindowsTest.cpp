@@ -580,6 +580,26 @@ TEST_F(WindowKit, SplashWindowIsCentredInTheWorkAreaWithoutFrame)
     EXPECT_EQ(client.bottom, frame.bottom - frame.top);
 }
 
+TEST_F(WindowKit, IconComesFromTheModuleAndAMissingOneChangesNothing)
+{
+    const int slot = openChild();
+    HWND child = kit->windowHandle(slot);
+    kit->setWindowIcon(slot, 4242);
+    EXPECT_EQ(SendMessageA(child, WM_GETICON, ICON_BIG, 0), 0);
+    kit->setWindowIcon(slot, 200);
+    EXPECT_NE(SendMessageA(child, WM_GETICON, ICON_BIG, 0), 0);
+    EXPECT_NE(SendMessageA(child, WM_GETICON, ICON_SMALL, 0), 0);
+}
+
+TEST_F(WindowKit, TitleIsSetOnTheWindow)
+{
+    const int slot = openChild();
+    kit->setWindowTitle(slot, "Velmoran");
+    char title[64] = {};
+    GetWindowTextA(kit->windowHandle(slot), title, sizeof(title));
+    EXPECT_STREQ(title, "Velmoran");
+}
+
 TEST_F(WindowKit, ResizeChangesTheDeviceSize)
 {
     const int slot = openChild();
