@@ -224,7 +224,7 @@ def button(symbol, lit):
 
 
 def wordmark(text, size, colour, spacing):
-    return (f'<text x="64" y="{16 + size * 0.36:.1f}" text-anchor="middle" font-family="{LOGO_FONT}" '
+    return (f'<text x="{64 + spacing / 2}" y="{16 + size * 0.36:.1f}" text-anchor="middle" font-family="{LOGO_FONT}" '
             f'font-size="{size}" letter-spacing="{spacing}" fill="{colour}">{text}</text>')
 
 

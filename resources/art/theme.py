@@ -123,7 +123,8 @@ def label(cx, baseline, text, lit, size=8.0):
     """A small engraved legend, amber when its control is on."""
     colour = AMBER if lit else LEGEND_DIM
     return (
-        f'<text x="{cx}" y="{baseline}" text-anchor="middle" font-family="{LABEL_FONT}" '
+        # Letter spacing also follows the last letter: shift by half of it to stay centred.
+        f'<text x="{cx + 0.3}" y="{baseline}" text-anchor="middle" font-family="{LABEL_FONT}" '
         f'font-weight="bold" font-size="{size}" letter-spacing="0.6" fill="{colour}">{text}</text>'
     )
 

@@ -79,7 +79,7 @@ private:
 std::int64_t smoothCoverage(std::int64_t distance, std::int64_t gain, std::int64_t softness)
 {
     const std::int64_t numerator = ((distance * gain) >> 16) + softness - kOne / 2;
-    const std::int64_t coverage = std::clamp<std::int64_t>((numerator << 16) / (2 * softness), 0, kOne);
+    const std::int64_t coverage = std::clamp<std::int64_t>(numerator * kOne / (2 * softness), 0, kOne);
     return (((coverage * coverage) >> 16) * (3 * kOne - 2 * coverage)) >> 16;
 }
 
