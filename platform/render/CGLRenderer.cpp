@@ -1,5 +1,6 @@
 #include "CGLRenderer.h"
 
+#include "BitmapFont.h"
 #include "ShaderPrograms.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ struct SharedContext
 
 std::unique_ptr<SharedContext> gContext;
 std::unique_ptr<GLTexture> gDashTexture;
+std::unique_ptr<GLTexture> gGlyphAtlas;
 
 constexpr std::array<int, 5> kProjectionOrder{kProgramFlat, kProgramTextured, kProgramCircle,
                                               kProgramScanline, kProgramGrid};
@@ -101,6 +103,11 @@ const GLTexture* CGLRenderer::dashTexture()
     return gDashTexture.get();
 }
 
+const GLTexture* CGLRenderer::glyphAtlas()
+{
+    return gGlyphAtlas.get();
+}
+
 bool CGLRenderer::contextExists() const
 {
     return sharedContext() != nullptr;
@@ -138,7 +145,7 @@ int CGLRenderer::initialise(HWND window, double logicalWidth, double logicalHeig
         return kMissingEntryPoints;
 
     setFixedState();
-    buildDashTexture();
+    buildSharedTextures();
     glGetError();
     mHoldsPrograms = true;
     const int programs = buildPrograms();
@@ -147,9 +154,14 @@ int CGLRenderer::initialise(HWND window, double logicalWidth, double logicalHeig
     return programs == 0 ? kOk : kShaderFailure;
 }
 
-void CGLRenderer::buildDashTexture()
+void CGLRenderer::buildSharedTextures()
 {
-    mHoldsDashTexture = true;
+    mHoldsSharedTextures = true;
+    if (gGlyphAtlas != nullptr)
+        ++gGlyphAtlas->useCount;
+    else
+        gGlyphAtlas = makeTexture(bitmapFontAtlasPixels(), kBitmapFontAtlasSide, kBitmapFontAtlasSide,
+                                  GL_CLAMP_TO_EDGE);
     if (gDashTexture != nullptr)
     {
         ++gDashTexture->useCount;
@@ -160,13 +172,16 @@ void CGLRenderer::buildDashTexture()
     gDashTexture = makeTexture(kDash, 8, 1, GL_REPEAT);
 }
 
-void CGLRenderer::releaseDashTexture()
+void CGLRenderer::releaseSharedTextures()
 {
-    if (!mHoldsDashTexture || gDashTexture == nullptr)
+    if (!mHoldsSharedTextures)
         return;
-    mHoldsDashTexture = false;
-    if (--gDashTexture->useCount == 0)
-        gDashTexture.reset();
+    mHoldsSharedTextures = false;
+    for (std::unique_ptr<GLTexture>* shared : {&gDashTexture, &gGlyphAtlas})
+    {
+        if (*shared != nullptr && --(*shared)->useCount == 0)
+            shared->reset();
+    }
 }
 
 void CGLRenderer::releaseContext()
@@ -185,7 +200,7 @@ void CGLRenderer::teardown()
         return;
     mInitialised = false;
     makeCurrent();
-    releaseDashTexture();
+    releaseSharedTextures();
     if (mHoldsPrograms)
     {
         for (const int number : kReleaseOrder)

@@ -131,6 +131,10 @@ public:
     // Vertical dashed line.
     void drawDashedLineVertical(float x, float y, float length, float thickness, float phase);
 
+    // Draws a label in the drawing colour with the renderer's bitmap font, line top at (x, y) in
+    // logical pixels; at most 1024 characters.
+    void drawBitmapString(float x, float y, const char* text);
+
     // A texture from width * height RGBA pixels (R, G, B, A bytes, top row first).
     std::unique_ptr<GLTexture> createTexture(const uint8_t* pixels, int width, int height);
     // Uploads a texture's pixel copy again after it was changed.
@@ -148,14 +152,16 @@ public:
     static int sharedContextUsers();
     // The shared dash texture, 8 x 1 pixels.
     static const GLTexture* dashTexture();
+    // The shared atlas of the bitmap label font.
+    static const GLTexture* glyphAtlas();
 
     bool missingEntryPoints() const { return mMissingEntryPoints; }
     HDC deviceContext() const { return mDc; }
 
 private:
     bool contextExists() const;
-    void buildDashTexture();
-    void releaseDashTexture();
+    void buildSharedTextures();
+    void releaseSharedTextures();
     void releaseContext();
     const ProgramRecord* beginDraw(int program);
     void uploadArray(GLuint buffer, const float* data, size_t floatCount);
@@ -179,7 +185,7 @@ private:
     bool mMissingEntryPoints = false;
     bool mInitialised = false;
     bool mHoldsPrograms = false;
-    bool mHoldsDashTexture = false;
+    bool mHoldsSharedTextures = false;
     Matrix mProjection{};
     Matrix mModelView{};
 };

@@ -1,5 +1,6 @@
 #include "CGLRenderer.h"
 
+#include "BitmapFont.h"
 #include "ShaderPrograms.h"
 #include "images/FramePacking.h"
 
@@ -342,6 +343,32 @@ void CGLRenderer::drawDashedLineVertical(float x, float y, float length, float t
     const float corners[8] = {start, 0.0f, start, 1.0f, end, 1.0f, end, 0.0f};
     quadFromCorners(corners, texCoords);
     drawTexturedQuad(*dash, positions, texCoords, mColour, false);
+}
+
+void CGLRenderer::drawBitmapString(float x, float y, const char* text)
+{
+    const GLTexture* atlas = glyphAtlas();
+    if (atlas == nullptr)
+        return;
+    const BitmapGlyphTable& glyphs = bitmapGlyphs();
+    const float side = static_cast<float>(atlas->width);
+    float penX = x;
+    for (int i = 0; i < 1024 && text[i] != '\0'; ++i)
+    {
+        const int code = static_cast<uint8_t>(text[i]);
+        const BitmapGlyph& glyph = glyphs[static_cast<size_t>(code)];
+        if (glyph.width > 0)
+        {
+            const float left = static_cast<float>((code % 16) * kBitmapFontCell + kBitmapFontInset);
+            const float top = static_cast<float>((code / 16) * kBitmapFontCell + kBitmapFontInset);
+            float positions[12];
+            float texCoords[12];
+            quadFromRect(penX - kOverhang, y, glyph.width, glyph.height, positions);
+            quadFromRect(left / side, top / side, glyph.width / side, glyph.height / side, texCoords);
+            drawTexturedQuad(*atlas, positions, texCoords, mColour, true);
+        }
+        penX += glyph.advance;
+    }
 }
 
 } // namespace velmoran::platform

@@ -187,7 +187,8 @@ void drawImages(CGLRenderer& renderer, std::vector<std::unique_ptr<GLTexture>>& 
     }
 }
 
-// Text composed into a software canvas by the distance-field text context, then drawn as a texture.
+// Text composed into a software canvas by the distance-field text context and drawn as a texture,
+// and labels in the renderer's bitmap font.
 void drawText(CGLRenderer& renderer, std::vector<std::unique_ptr<GLTexture>>& keep)
 {
     constexpr int kCanvasWidth = 512;
@@ -207,6 +208,15 @@ void drawText(CGLRenderer& renderer, std::vector<std::unique_ptr<GLTexture>>& ke
     keep.push_back(renderer.createTexture(buffer.image().pixels, kCanvasWidth, kCanvasHeight));
     if (keep.back() != nullptr)
         renderer.drawImage(*keep.back(), 0, 0, 210, 4, kCanvasWidth, kCanvasHeight);
+
+    // Labels in the renderer's own bitmap font.
+    const char* const labels[] = {"20 Hz", "100", "1 kHz", "10 kHz", "20 kHz"};
+    const float positions[] = {24, 120, 320, 520, 670};
+    renderer.setColour(180, 180, 180);
+    for (int i = 0; i < 5; ++i)
+        renderer.drawBitmapString(positions[i], 450, labels[i]);
+    renderer.setColour(255, 176, 0);
+    renderer.drawBitmapString(30, 576, "03 Freq 1.20 kHz  Gain +3.5 dB");
 }
 
 // The frame being drawn as an image, top row first.

@@ -62,6 +62,8 @@ TEST_F(Renderer, InitialiseSucceedsWithGlsl150AndBuildsTheSharedObjects)
     ASSERT_NE(CGLRenderer::dashTexture(), nullptr);
     EXPECT_EQ(CGLRenderer::dashTexture()->width, 8);
     EXPECT_EQ(CGLRenderer::dashTexture()->height, 1);
+    ASSERT_NE(CGLRenderer::glyphAtlas(), nullptr);
+    EXPECT_EQ(CGLRenderer::glyphAtlas()->width, 512);
     EXPECT_TRUE(velmoran::test::recordedBoxes().empty());
     EXPECT_TRUE(glIsEnabled(GL_BLEND));
     EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
@@ -76,6 +78,7 @@ TEST_F(Renderer, TwoRenderersShareOneContextUntilTheLastTeardown)
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 2);
     EXPECT_EQ(velmoran::platform::sharedProgram(velmoran::platform::kProgramFlat)->useCount, 2);
     EXPECT_EQ(CGLRenderer::dashTexture()->useCount, 2);
+    EXPECT_EQ(CGLRenderer::glyphAtlas()->useCount, 2);
 
     first.teardown();
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
@@ -90,6 +93,7 @@ TEST_F(Renderer, TwoRenderersShareOneContextUntilTheLastTeardown)
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 0);
     EXPECT_EQ(velmoran::platform::sharedProgram(velmoran::platform::kProgramFlat), nullptr);
     EXPECT_EQ(CGLRenderer::dashTexture(), nullptr);
+    EXPECT_EQ(CGLRenderer::glyphAtlas(), nullptr);
     EXPECT_EQ(wglGetCurrentContext(), nullptr);
 }
 

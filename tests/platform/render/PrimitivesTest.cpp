@@ -1,5 +1,6 @@
 #include "RenderTestWindow.h"
 
+#include "platform/render/BitmapFont.h"
 #include "platform/render/images/FramePacking.h"
 
 #include <gtest/gtest.h>
@@ -384,6 +385,26 @@ TEST_F(Primitives, StripShapesAreLitRaisedSunkenOrOutlined)
 
     renderer.drawStripShape(160, 10, 0.005f, 40, 0.0f);
     EXPECT_TRUE(looksLike(at(160, 30), 0, 0, 0));
+}
+
+TEST_F(Primitives, BitmapLabelIsDrawnInTheDrawingColourAndAdvances)
+{
+    renderer.setColour(255, 176, 0);
+    renderer.drawBitmapString(10, 10, "II");
+    const int advance = velmoran::platform::bitmapGlyphs()['I'].advance;
+    int lit = 0;
+    int litSecond = 0;
+    for (int y = 10; y < 28; ++y)
+        for (int x = 0; x < advance; ++x)
+        {
+            const Pixel first = at(10 + x, y);
+            const Pixel second = at(10 + advance + x, y);
+            lit += first.r > 200 && std::abs(first.g - 176) < 40 && first.b < 30 ? 1 : 0;
+            litSecond += second.r > 200 ? 1 : 0;
+        }
+    EXPECT_GT(lit, 6);
+    EXPECT_EQ(lit, litSecond);
+    EXPECT_TRUE(looksLike(at(10 + 2 * advance + 4, 18), 0, 0, 0));
 }
 
 TEST_F(Primitives, ModelViewMatrixMovesTheDrawing)
