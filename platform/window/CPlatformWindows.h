@@ -23,6 +23,7 @@ public:
 
     // Names both window classes after the 12-digit product token ("<token>-UI", "<token>-SPLASH").
     void setClassNames(const char* productToken);
+    // The two window-class names.
     const char* uiClassName() const { return mUiClassName; }
     const char* splashClassName() const { return mSplashClassName; }
 
@@ -35,6 +36,7 @@ public:
     // Clears a slot to its free state (handles are not released).
     void resetSlot(int slot);
 
+    // Callback setters: each stores one callback of a slot (null removes it).
     void setPaintCallback(int slot, PaintCallback callback);
     void setMouseDownCallback(int slot, MouseCallback callback);
     void setMouseUpCallback(int slot, MouseCallback callback);
@@ -58,10 +60,13 @@ public:
 
     // Dispatches every pending message of the thread, then calls the idle callback once.
     void pumpMessages();
+    // Makes a slot's window visible.
     void showWindow(int slot);
+    // Sets the window's title (ANSI text).
     void setWindowTitle(int slot, const char* title);
     // Gives the window the icon group of that resource id; nothing changes if it is missing.
     void setWindowIcon(int slot, int iconResourceId);
+    // Lets Explorer drop files on the window (reported to the file-drop callback).
     void acceptDroppedFiles(int slot);
     // Reports moves without a button held (on) or not (off); gives back the slot.
     int setTrackMouseMoves(int slot, bool track);
@@ -70,15 +75,20 @@ public:
     void resize(int slot, int width, int height);
     // Marks a rectangle (client pixels) for repainting, without erasing.
     void invalidate(int slot, int x, int y, int width, int height);
+    // Gives the window the keyboard focus.
     void giveFocus(int slot);
+    // Sends every mouse message to the window until the capture is released.
     void captureMouse(int slot);
     void releaseCapture();
 
+    // Puts the saved cursor back (the arrow when none is saved).
     void restoreNormalCursor();
+    // Cursor switches: true shows the cursor and saves the one it replaced, false restores that one.
     void showWaitCursor(bool show);
     void showHandCursor(bool show);
     void showDiagonalResizeCursor(bool show);
 
+    // The native window of a slot (null for a free one).
     HWND windowHandle(int slot) const;
     // Width and height of the desktop window in pixels.
     void desktopSize(int& width, int& height) const;
@@ -97,14 +107,18 @@ public:
     void setReferenceTime();
     // Milliseconds since the reference time; stores now as the new one.
     double referenceTimeDelta();
+    // The two stored time stamps in ms.
     double frameTime() const { return mFrameTime; }
     double referenceTime() const { return mReferenceTime; }
 
     // Destroys every window, waits for the window procedure to return and unregisters the classes.
     void teardown();
 
+    // Read access to the window table, 0..254.
     const WindowSlot& slot(int index) const { return mSlots[index]; }
+    // True once teardown has begun.
     bool shuttingDown() const { return mShuttingDown; }
+    // The reserved per-slot integer (-1 unless set).
     int slotMapping(int index) const { return mSlotMapping[index]; }
     // Brightening curve (exponent 0.8) for 8-bit channels of software images.
     const std::array<int, 256>& gammaTable() const { return mGammaTable; }
