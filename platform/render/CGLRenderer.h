@@ -29,8 +29,11 @@ struct VertexArray
     std::vector<float> positions;
     std::vector<float> colours;
 
+    // Appends one vertex.
     void add(float x, float y, const Colour& colour);
+    // Removes every vertex, keeping the memory.
     void clear();
+    // Number of vertices held.
     int vertexCount() const { return static_cast<int>(positions.size() / 2); }
 };
 
@@ -62,6 +65,7 @@ public:
 
     // Device pixels per logical pixel used for scanline widths; values below 1 count as 1.
     void setPixelScale(float scale);
+    // The pixel scale, at least 1.
     float pixelScale() const { return mPixelScale; }
     // Clear colour from 0..255 components, opaque.
     void setClearColour(int red, int green, int blue);
@@ -76,7 +80,9 @@ public:
     void beginFrame();
     // Finishes the frame and shows it.
     void present();
+    // Makes the shared context current on this renderer's window.
     void makeCurrent();
+    // Leaves no program in use.
     void stopUsingPrograms();
     // Clips drawing to a rectangle in device pixels from the top left; (0, 0, 0, 0) switches
     // clipping off.
@@ -84,13 +90,16 @@ public:
 
     // Drawing colour from 0..255 components.
     void setColour(int red, int green, int blue, int alpha = 255);
+    // The drawing colour, components 0..1.
     const Colour& colour() const { return mColour; }
     // Saturation 0 (grey) .. 1 (full colour) of everything drawn from now on; gives the previous one.
     float setSaturation(float saturation);
     // Gamma exponent applied to image colours (1 leaves them unchanged).
     void setGamma(float gamma);
+    // Transform applied to every vertex before the projection (identity unless set).
     void setModelViewMatrix(const Matrix& matrix);
     void resetModelViewMatrix();
+    // Logical pixels to clip space, as loaded by the last beginFrame.
     const Matrix& projectionMatrix() const { return mProjection; }
 
     // Rectangle in the drawing colour, logical pixels.
@@ -155,7 +164,9 @@ public:
     // The shared atlas of the bitmap label font.
     static const GLTexture* glyphAtlas();
 
+    // True when the last initialise found a tested entry point missing.
     bool missingEntryPoints() const { return mMissingEntryPoints; }
+    // The window's device context.
     HDC deviceContext() const { return mDc; }
 
 private:
