@@ -69,6 +69,7 @@ public:
     float pixelScale() const { return mPixelScale; }
     // Clear colour from 0..255 components, opaque.
     void setClearColour(int red, int green, int blue);
+    // Fills the colour buffer with the clear colour.
     void clear();
     // New window size in device pixels; raises the size-changed flag.
     void setViewportSize(float width, float height);
