@@ -23,5 +23,10 @@ mkdir -p dist/demo
         "$render" --quiet --preset "$number" --response "dist/demo/$number-$slug.png" \
             dist/demo/demo-input.wav "dist/demo/$number-$slug.wav"
     done
+
+# The first picture of the graphics platform: one frame drawn by the OpenGL renderer in a window of
+# the window kit, run under Wine on a virtual display.
+build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.exe dist/velmoran-gl-snapshot.png
+build/windows/wine-run.sh --remove-prefix
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort
