@@ -10,5 +10,7 @@ for preset in linux windows; do
     cmake --build --preset "$preset"
     cmake --install "build/$preset" --prefix dist >/dev/null
 done
+mkdir -p dist
+build/linux/tools/design-deviation/velmoran-design-deviation >dist/filter-deviation.txt
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort

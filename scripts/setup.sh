@@ -9,6 +9,8 @@ packages=(
   wine wine64 xvfb xauth libgl1-mesa-dri mesa-utils
   googletest libgtest-dev libbenchmark-dev
   juce-modules-source-data
+  python3 librsvg2-bin libfreetype-dev
+  fonts-dejavu-core fonts-play fonts-routed-gothic fonts-liberation
 )
 
 missing=()

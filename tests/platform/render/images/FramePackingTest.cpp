@@ -1,0 +1,130 @@
+#include "platform/render/images/FramePacking.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+using velmoran::platform::copyFramesIntoTexture;
+using velmoran::platform::FramePacking;
+using velmoran::platform::framePosition;
+using velmoran::platform::packFrames;
+
+namespace
+{
+
+constexpr int kDriverLimit = 8192;
+
+struct StripCase
+{
+    int width;
+    int height;
+    int frames;
+    int columns;
+    int rows;
+    int textureWidth;
+    int textureHeight;
+};
+
+class StripSizes : public ::testing::TestWithParam<StripCase>
+{
+};
+
+// A strip whose pixels say which frame they belong to (red = frame + 1) and where in the frame
+// they sit (green = column, blue = row), fully opaque.
+std::vector<std::uint8_t> numberedStrip(int width, int height, int frames)
+{
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(width) * height * 4);
+    const int frameHeight = height / frames;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+        {
+            std::uint8_t* pixel = &pixels[(static_cast<std::size_t>(y) * width + x) * 4];
+            pixel[0] = static_cast<std::uint8_t>(y / frameHeight + 1);
+            pixel[1] = static_cast<std::uint8_t>(x);
+            pixel[2] = static_cast<std::uint8_t>(y % frameHeight);
+            pixel[3] = 255;
+        }
+    return pixels;
+}
+
+} // namespace
+
+TEST_P(StripSizes, GivesColumnsRowsAndPowerOfTwoTexture)
+{
+    const StripCase& strip = GetParam();
+    const FramePacking packing = packFrames(strip.width, strip.height, strip.frames, kDriverLimit);
+    ASSERT_TRUE(packing.valid);
+    EXPECT_EQ(packing.columns, strip.columns);
+    EXPECT_EQ(packing.rows, strip.rows);
+    EXPECT_EQ(packing.textureWidth, strip.textureWidth);
+    EXPECT_EQ(packing.textureHeight, strip.textureHeight);
+}
+
+INSTANTIATE_TEST_SUITE_P(EditorStrips, StripSizes,
+                         ::testing::Values(StripCase{32, 160, 5, 3, 2, 128, 64},   // selector strip
+                                           StripCase{16, 16, 1, 1, 1, 64, 64},     // menu icon
+                                           StripCase{64, 86, 2, 2, 1, 128, 64},    // switch face
+                                           StripCase{32, 96, 3, 2, 2, 64, 64},     // three-state button
+                                           StripCase{256, 32, 1, 1, 1, 256, 64},   // wide frame piece
+                                           StripCase{884, 308, 1, 1, 1, 1024, 512} // glyph atlas
+                                           ));
+
+TEST(FramePacking, FiveFrameStripFollowsTheTextureWidthNotTheColumnCount)
+{
+    const FramePacking packing = packFrames(32, 160, 5, kDriverLimit);
+    const int expected[5][2] = {{0, 0}, {32, 0}, {64, 0}, {96, 0}, {0, 32}};
+    for (int frame = 0; frame < 5; ++frame)
+    {
+        EXPECT_EQ(framePosition(packing, frame).x, expected[frame][0]) << "frame " << frame;
+        EXPECT_EQ(framePosition(packing, frame).y, expected[frame][1]) << "frame " << frame;
+    }
+}
+
+TEST(FramePacking, CopiedFramesLandInTheirCellsAndTheRestStaysTransparent)
+{
+    const std::vector<std::uint8_t> strip = numberedStrip(32, 160, 5);
+    const FramePacking packing = packFrames(32, 160, 5, kDriverLimit);
+    std::vector<std::uint8_t> texture(static_cast<std::size_t>(packing.textureWidth) * packing.textureHeight *
+                                      4);
+    copyFramesIntoTexture(packing, strip.data(), 32 * 4, texture.data());
+
+    auto pixelAt = [&](int x, int y)
+    { return &texture[(static_cast<std::size_t>(y) * packing.textureWidth + x) * 4]; };
+    // Frame 4's pixel (5, 7) sits at (0 + 5, 32 + 7).
+    EXPECT_EQ(pixelAt(5, 39)[0], 5);
+    EXPECT_EQ(pixelAt(5, 39)[1], 5);
+    EXPECT_EQ(pixelAt(5, 39)[2], 7);
+    // Frame 3's bottom-right corner.
+    EXPECT_EQ(pixelAt(127, 31)[0], 4);
+    // The second row past frame 4 is empty.
+    EXPECT_EQ(pixelAt(40, 40)[3], 0);
+    EXPECT_EQ(pixelAt(40, 40)[0], 0);
+}
+
+TEST(FramePacking, SmallIconSitsInTheTopLeftCornerOfA64Texture)
+{
+    const std::vector<std::uint8_t> icon = numberedStrip(16, 16, 1);
+    const FramePacking packing = packFrames(16, 16, 1, kDriverLimit);
+    std::vector<std::uint8_t> texture(64 * 64 * 4);
+    copyFramesIntoTexture(packing, icon.data(), 16 * 4, texture.data());
+    EXPECT_EQ(texture[(15 * 64 + 15) * 4 + 3], 255);
+    EXPECT_EQ(texture[(15 * 64 + 16) * 4 + 3], 0);
+    EXPECT_EQ(texture[(16 * 64 + 15) * 4 + 3], 0);
+}
+
+TEST(FramePacking, SizeBeyondTheDriverLimitIsRefused)
+{
+    // 64 -> 128 -> 256 against a limit of 128: the step from 256 starts above the limit.
+    EXPECT_FALSE(packFrames(300, 16, 1, 128).valid);
+    // The last doubling may start at the limit itself.
+    EXPECT_TRUE(packFrames(200, 16, 1, 128).valid);
+}
+
+TEST(FramePacking, EmptyOrNonsenseStripsAreRefused)
+{
+    EXPECT_FALSE(packFrames(0, 16, 1, kDriverLimit).valid);
+    EXPECT_FALSE(packFrames(16, 16, 0, kDriverLimit).valid);
+    EXPECT_FALSE(packFrames(16, 4, 5, kDriverLimit).valid);
+    EXPECT_FALSE(packFrames(16, -16, 1, kDriverLimit).valid);
+}

@@ -1,0 +1,97 @@
+#include "platform/render/images/ImageLoader.h"
+#include "resources/ResourceIds.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+using velmoran::platform::imageFromPixdata;
+using velmoran::platform::loadImage;
+using velmoran::platform::loadImageSilently;
+using velmoran::resources::ResourceBytes;
+
+namespace
+{
+
+const std::string kNotAPixbuf = "afx_pixbuf_new_from_inline - pixbuf is not a pixbuf test failed\n";
+
+// A 2 x 1 record whose first four bytes are `magic`.
+std::vector<std::uint8_t> tinyRecord(const char* magic)
+{
+    std::vector<std::uint8_t> record = {0, 0, 0, 0, 0, 0, 0, 32, 1,   1, 0, 2,   0, 0, 0,   8,
+                                        0, 0, 0, 2, 0, 0, 0, 1,  255, 0, 0, 255, 0, 0, 255, 128};
+    for (int i = 0; i < 4; ++i)
+        record[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(magic[i]);
+    return record;
+}
+
+ResourceBytes bytesOf(const std::vector<std::uint8_t>& record)
+{
+    return {record.data(), record.size()};
+}
+
+} // namespace
+
+TEST(ImageLoader, LoadsASwitchFaceWithoutCopyingItsPixels)
+{
+    const auto image = loadImage(velmoran::resources::kEffectSwitch);
+    ASSERT_TRUE(image.has_value());
+    EXPECT_EQ(image->width, 64);
+    EXPECT_EQ(image->height, 86);
+    EXPECT_EQ(image->rowstride, 256);
+    EXPECT_EQ(image->bytesPerPixel, 4);
+    EXPECT_EQ(image->pixels,
+              velmoran::resources::findBinaryResource(velmoran::resources::kEffectSwitch).data + 24);
+}
+
+TEST(ImageLoader, ReadsPixelsTopRowFirstAsRedGreenBlueAlpha)
+{
+    const std::vector<std::uint8_t> record = tinyRecord("GdkP");
+    const auto image = imageFromPixdata(bytesOf(record));
+    ASSERT_TRUE(image.has_value());
+    EXPECT_EQ(image->width, 2);
+    EXPECT_EQ(image->height, 1);
+    EXPECT_EQ(image->pixels[0], 255); // first pixel red
+    EXPECT_EQ(image->pixels[6], 255); // second pixel blue
+    EXPECT_EQ(image->pixels[7], 128); // at half alpha
+}
+
+TEST(ImageLoader, RefusesARecordThatIsNotAPixbufWithItsDiagnostic)
+{
+    const std::vector<std::uint8_t> record = tinyRecord("GIF8");
+    ::testing::internal::CaptureStdout();
+    const auto image = imageFromPixdata(bytesOf(record));
+    const std::string printed = ::testing::internal::GetCapturedStdout();
+    EXPECT_FALSE(image.has_value());
+    EXPECT_EQ(printed, kNotAPixbuf);
+}
+
+TEST(ImageLoader, MissingResourceGivesNothingAndSaysNothing)
+{
+    ::testing::internal::CaptureStdout();
+    const auto image = loadImage(4242);
+    const auto silent = loadImageSilently(4242);
+    const std::string printed = ::testing::internal::GetCapturedStdout();
+    EXPECT_FALSE(image.has_value());
+    EXPECT_FALSE(silent.has_value());
+    EXPECT_EQ(printed, "");
+}
+
+TEST(ImageLoader, TruncatedRecordIsRefusedRatherThanReadPastItsEnd)
+{
+    std::vector<std::uint8_t> record = tinyRecord("GdkP");
+    record.resize(record.size() - 1);
+    EXPECT_FALSE(imageFromPixdata(bytesOf(record)).has_value());
+    record.resize(10);
+    EXPECT_FALSE(imageFromPixdata(bytesOf(record)).has_value());
+}
+
+TEST(ImageLoader, FontLoaderVariantLoadsAtlases)
+{
+    const auto atlas = loadImageSilently(velmoran::resources::kArialSmallAtlas);
+    ASSERT_TRUE(atlas.has_value());
+    EXPECT_EQ(atlas->width, 521);
+    EXPECT_EQ(atlas->height, 175);
+}
