@@ -32,28 +32,6 @@ void FftStepper::start(double* real, double* imag, int log2Size, FftDirection di
     mDone = mSize < 2;
 }
 
-bool FftStepper::step() noexcept
-{
-    if (mDone)
-    {
-        return true;
-    }
-    const int first = mPosition;
-    const int second = first + mSpan;
-    const double rotatedReal = mTwiddleCos * mReal[second] - mTwiddleSin * mImag[second];
-    const double rotatedImag = mTwiddleCos * mImag[second] + mTwiddleSin * mReal[second];
-    mReal[second] = mReal[first] - rotatedReal;
-    mImag[second] = mImag[first] - rotatedImag;
-    mReal[first] += rotatedReal;
-    mImag[first] += rotatedImag;
-    mPosition += 2 * mSpan;
-    if (mPosition >= mSize)
-    {
-        advanceGroup();
-    }
-    return mDone;
-}
-
 void FftStepper::advanceGroup() noexcept
 {
     ++mGroup;

@@ -24,7 +24,27 @@ public:
     void start(double* real, double* imag, int log2Size, FftDirection direction) noexcept;
 
     // Performs one butterfly; true once the transform is complete (at once if it already was).
-    bool step() noexcept;
+    bool step() noexcept
+    {
+        if (mDone)
+        {
+            return true;
+        }
+        const int first = mPosition;
+        const int second = first + mSpan;
+        const double rotatedReal = mTwiddleCos * mReal[second] - mTwiddleSin * mImag[second];
+        const double rotatedImag = mTwiddleCos * mImag[second] + mTwiddleSin * mReal[second];
+        mReal[second] = mReal[first] - rotatedReal;
+        mImag[second] = mImag[first] - rotatedImag;
+        mReal[first] += rotatedReal;
+        mImag[first] += rotatedImag;
+        mPosition += 2 * mSpan;
+        if (mPosition >= mSize)
+        {
+            advanceGroup();
+        }
+        return mDone;
+    }
 
     // Marks the transform as complete without touching the arrays.
     void stop() noexcept { mDone = true; }

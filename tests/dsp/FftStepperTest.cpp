@@ -1,4 +1,4 @@
-#include "FftStepper.h"
+#include "dsp/FftStepper.h"
 
 #include "support/Signals.h"
 

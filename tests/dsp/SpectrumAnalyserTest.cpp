@@ -1,4 +1,4 @@
-#include "SpectrumAnalyser.h"
+#include "dsp/SpectrumAnalyser.h"
 
 #include "support/Signals.h"
 
