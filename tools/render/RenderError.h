@@ -17,6 +17,7 @@ public:
         failure,
     };
 
+    // An error with the text the user reads.
     explicit RenderError(const std::string& message, Kind kind = Kind::failure)
         : std::runtime_error(message), mKind(kind)
     {

@@ -173,6 +173,11 @@ void RenderHost::start(double sampleRate, int channels, int maxBlockSize)
 
 void RenderHost::process(float* const* inputs, float* const* outputs, int frames)
 {
+    if (frames > mMaxBlockSize)
+    {
+        throw RenderError("a block of " + std::to_string(frames) + " samples is longer than the " +
+                          std::to_string(mMaxBlockSize) + " the plug-in was set up for");
+    }
     AudioBusBuffers inputBus;
     inputBus.numChannels = mChannels;
     inputBus.channelBuffers32 = const_cast<float**>(inputs);

@@ -50,9 +50,8 @@ std::string settingsTitle(RenderHost& host, const RenderRequest& request)
     std::string title;
     if (request.preset)
     {
-        title = factoryPrograms(host.controller())[static_cast<size_t>(programIndexOf(
-                                                       *request.preset, factoryPrograms(host.controller())))]
-                    .name;
+        const std::vector<FactoryProgram> programs = factoryPrograms(host.controller());
+        title = programs[static_cast<size_t>(programIndexOf(*request.preset, programs))].name;
     }
     else if (!request.loadStatePath.empty())
     {
