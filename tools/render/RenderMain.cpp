@@ -104,6 +104,9 @@ int chosenOutputFormat(const RenderRequest& request, const AudioInfo& input)
 
 void renderAndSave(VST3::Hosting::Module& module, const std::string& modulePath, const RenderRequest& request)
 {
+    // Settings first: a mistyped title or value is reported before any file is touched.
+    RenderHost host(module, modulePath);
+    applySettings(host, request);
     std::optional<AudioReader> reader;
     int format = 0;
     if (!request.inputPath.empty())
@@ -120,8 +123,6 @@ void renderAndSave(VST3::Hosting::Module& module, const std::string& modulePath,
     {
         return;
     }
-    RenderHost host(module, modulePath);
-    applySettings(host, request);
     host.start(rate, reader ? reader->info().channels : 2, request.blockSize);
     if (reader)
     {

@@ -170,6 +170,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{"UnknownOption", {"--gain", "3", "@in.wav", "@out.wav"}, "unknown option '--gain'", 2},
         BadRun{
             "FlacFloat", {"--sample-format", "float", "@in.wav", "@out.flac"}, "FLAC cannot hold float", 2},
+        BadRun{"SettingsBeforeFiles",
+               {"--set", "03 Gian=+6 dB", "@missing.wav", "@out.wav"},
+               "unknown parameter \"03 Gian\"",
+               2},
         BadRun{"MissingInput", {"@missing.wav", "@out.wav"}, "missing.wav': No such file or directory", 1},
         BadRun{"MissingState", {"@in.wav", "@out.wav", "--load-state", "@none.state"}, "none.state", 1},
         BadRun{"OutputFolderMissing", {"@in.wav", "@nowhere/out.wav"}, "nowhere/out.wav", 1},
