@@ -19,9 +19,7 @@ void* CountedAllocate(std::size_t size)
 {
     gAllocationCount.fetch_add(1, std::memory_order_relaxed);
     if (void* memory = std::malloc(size == 0 ? 1 : size))
-    {
         return memory;
-    }
     throw std::bad_alloc();
 }
 
@@ -121,9 +119,7 @@ TEST(BandEngineAllocationTest, CountingIsLive)
     EXPECT_GT(gAllocationCount.load(), before);
 }
 
-class AllocationRateTest : public ::testing::TestWithParam<float>
-{
-};
+using AllocationRateTest = ::testing::TestWithParam<float>;
 
 TEST_P(AllocationRateTest, ProcessingNeverAllocates)
 {

@@ -52,9 +52,7 @@ struct Probe
     int probeHz;
 };
 
-class BiquadMagnitudeAgainstSignal : public ::testing::TestWithParam<Probe>
-{
-};
+using BiquadMagnitudeAgainstSignal = ::testing::TestWithParam<Probe>;
 
 TEST_P(BiquadMagnitudeAgainstSignal, AgreesWithFilteredSineWithinATenthousandthOfADecibel)
 {

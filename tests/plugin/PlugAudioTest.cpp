@@ -51,9 +51,7 @@ void runEngine(velmoran::dsp::BandEngine& engine, const std::vector<std::vector<
         const int length = std::min(64, sampleCount - start);
         engine.updateBlock(length);
         for (int sample = start; sample < start + length; ++sample)
-        {
             engine.processFrame(input[0][sample], input[1][sample], output[0][sample], output[1][sample]);
-        }
     }
 }
 
@@ -78,9 +76,7 @@ TEST(PlugAudio, ModuleMatchesTheEngineSampleForSample)
         const int count = blockSizes[block];
         std::vector<std::vector<float>> input(2, std::vector<float>(static_cast<size_t>(count)));
         for (auto& channel : input)
-        {
             std::generate(channel.begin(), channel.end(), [&] { return noise(random); });
-        }
         std::vector<std::vector<float>> fromModule(2, std::vector<float>(static_cast<size_t>(count)));
         std::vector<std::vector<float>> fromEngine(2, std::vector<float>(static_cast<size_t>(count)));
 

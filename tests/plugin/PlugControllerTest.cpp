@@ -5,8 +5,6 @@
 #include "plugin/PlugParameters.h"
 #include "plugin/PlugState.h"
 
-#include "pluginterfaces/base/ustring.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -40,9 +38,7 @@ struct ExpectedParameter
     int32 flags;
 };
 
-class PlugParameterInfo : public testing::TestWithParam<ExpectedParameter>
-{
-};
+using PlugParameterInfo = testing::TestWithParam<ExpectedParameter>;
 
 TEST_P(PlugParameterInfo, RegisteredInHostOrder)
 {
@@ -96,19 +92,14 @@ TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
     EXPECT_EQ(list.id, 69);
     EXPECT_EQ(list.programCount, 6);
     EXPECT_EQ(asciiOf(list.name), "Factory Presets");
-}
-
-TEST_F(PlugController, ProgramNamesForHosts)
-{
     const char* expected[] = {"Factory Defaults",  "Factory Preset 01", "Factory Preset 02",
                               "Factory Preset 03", "Factory Preset 04", "Factory Preset 05"};
+    String128 name = {};
     for (int32 index = 0; index < 6; ++index)
     {
-        String128 name = {};
         ASSERT_EQ(units()->getProgramName(69, index, name), kResultOk);
         EXPECT_EQ(asciiOf(name), expected[index]);
     }
-    String128 name = {};
     EXPECT_NE(units()->getProgramName(70, 0, name), kResultOk);
     EXPECT_NE(units()->getProgramName(69, 6, name), kResultOk);
 }
@@ -120,14 +111,19 @@ struct TextCase
     const char* text;
 };
 
-class PlugValueText : public testing::TestWithParam<TextCase>
+// A fresh instance per case, so no case can lean on another's edits.
+class PlugText : public testing::TestWithParam<TextCase>
 {
+protected:
+    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
+
+    PluginInstance plugin{false};
 };
+
+using PlugValueText = PlugText;
 
 TEST_P(PlugValueText, ShownAsTheHostDisplaysIt)
 {
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
     String128 text = {};
     ASSERT_EQ(plugin.controller->getParamStringByValue(GetParam().tag, GetParam().value, text), kResultOk);
     EXPECT_EQ(asciiOf(text), GetParam().text);
@@ -148,17 +144,12 @@ INSTANTIATE_TEST_SUITE_P(
                     TextCase{68, 0.0, "None"}, TextCase{68, 1.0 / 12.0, "01\n"},
                     TextCase{68, 10.0 / 12.0, "10\n"}));
 
-class PlugValueParse : public testing::TestWithParam<TextCase>
-{
-};
+using PlugValueParse = PlugText;
 
 TEST_P(PlugValueParse, TextReadsBackAsItsValue)
 {
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
-    UString128 text(GetParam().text);
     String128 buffer = {};
-    text.copyTo(buffer, 128);
+    copyAscii(GetParam().text, buffer);
     ParamValue value = -1.0;
     ASSERT_EQ(plugin.controller->getParamValueByString(GetParam().tag, buffer, value), kResultOk);
     EXPECT_NEAR(value, GetParam().value, 1e-4);
@@ -179,9 +170,8 @@ TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
     for (auto [tag, text] : std::vector<std::pair<ParamID, const char*>>{
              {1, "loud"}, {2, "Peak"}, {17, "12 dB"}, {60, "Centre"}, {68, "13"}, {0, "Maybe"}})
     {
-        UString128 string(text);
         String128 buffer = {};
-        string.copyTo(buffer, 128);
+        copyAscii(text, buffer);
         ParamValue value = 0.0;
         EXPECT_NE(plugin.controller->getParamValueByString(tag, buffer, value), kResultOk) << text;
     }
@@ -190,9 +180,7 @@ TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
     EXPECT_EQ(plugin.controller->getParamStringByValue(1, 0.5, nullptr), kInvalidArgument);
 }
 
-class PlugPreset : public testing::TestWithParam<double>
-{
-};
+using PlugPreset = testing::TestWithParam<double>;
 
 TEST_P(PlugPreset, LoadsBritishSl2IntoControllerAndProcessor)
 {
@@ -212,10 +200,7 @@ TEST_P(PlugPreset, LoadsBritishSl2IntoControllerAndProcessor)
     EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::filterTypeTag(6)), 0.0);
 
     // The edits reach the processor as the next block's parameter changes.
-    std::vector<std::vector<float>> buffers(2);
-    std::vector<std::vector<float>> outputs(2);
-    ASSERT_EQ(processBlock(plugin.processor, buffers, outputs, 0, &plugin.handler->pendingChanges()),
-              kResultOk);
+    ASSERT_EQ(applyChanges(plugin.processor, &plugin.handler->pendingChanges()), kResultOk);
     const std::vector<float> state = stateValues(plugin.component);
     const auto& tags = Plug::stateTags();
     for (size_t index = 0; index < tags.size(); ++index)
@@ -242,13 +227,9 @@ TEST_F(PlugController, DefaultsProgramRestoresTheDefaults)
     EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::filterTypeTag(6)), 0.1, 1e-6);
 }
 
-TEST_F(PlugController, NoViewForOtherNames)
+TEST_F(PlugController, NoViewForOtherNamesAndNoMidiControllerMapped)
 {
     EXPECT_EQ(plugin.controller->createView("other"), nullptr);
-}
-
-TEST_F(PlugController, NoMidiControllerIsMapped)
-{
     FUnknownPtr<IMidiMapping> mapping(plugin.controller);
     ASSERT_TRUE(mapping);
     ParamID tag = 0;

@@ -25,9 +25,7 @@ std::vector<float> distinctState()
 {
     std::vector<float> values(Plug::kStateValueCount);
     for (size_t index = 0; index < values.size(); ++index)
-    {
         values[index] = static_cast<float>(index + 1) / 128.0f;
-    }
     return values;
 }
 
@@ -39,13 +37,11 @@ protected:
     // Moves bypass, two modes and solo away from their defaults through the processor.
     void changeExtensions()
     {
-        std::vector<std::vector<float>> buffers(2);
-        auto changes = changesOf({{Plug::kHostBypassTag, 1.0},
-                                  {Plug::modeTag(3), 0.5},
-                                  {Plug::modeTag(10), 0.25},
-                                  {Plug::kSoloTag, 7.0 / 12.0}});
-        std::vector<std::vector<float>> outputs(2);
-        ASSERT_EQ(processBlock(plugin.processor, buffers, outputs, 0, changes), kResultOk);
+        ASSERT_EQ(applyChanges(plugin.processor, changesOf({{Plug::kHostBypassTag, 1.0},
+                                                            {Plug::modeTag(3), 0.5},
+                                                            {Plug::modeTag(10), 0.25},
+                                                            {Plug::kSoloTag, 7.0 / 12.0}})),
+                  kResultOk);
     }
 
     PluginInstance plugin{false};
@@ -53,10 +49,8 @@ protected:
 
 TEST_F(PlugState, DefaultStateIs276BytesInDocumentedOrder)
 {
-    const std::vector<char> bytes = stateBytes(plugin.component);
-    ASSERT_EQ(bytes.size(), 276u);
-    std::vector<float> values(69);
-    std::memcpy(values.data(), bytes.data(), bytes.size());
+    ASSERT_EQ(stateBytes(plugin.component).size(), 276u);
+    const std::vector<float> values = stateValues(plugin.component);
     EXPECT_FLOAT_EQ(values[0], 0.495f);          // Input Gain
     EXPECT_FLOAT_EQ(values[1], 0.35f);           // 01 Filt Type: LF Shelf
     EXPECT_FLOAT_EQ(values[4], 0.1f);            // 04 Filt Type: Pk dB/2
@@ -75,33 +69,45 @@ TEST_F(PlugState, DefaultStateIs276BytesInDocumentedOrder)
     EXPECT_FLOAT_EQ(values[68], 0.0f);           // Solo
 }
 
-TEST_F(PlugState, FullStateRoundTrips)
+// A full state reads back unchanged from the processor and gives the controller the same values.
+TEST_F(PlugState, FullStateRoundTripsAndTheControllerReadsIt)
 {
     const std::vector<float> values = distinctState();
     ASSERT_EQ(plugin.component->setState(streamOf(values)), kResultOk);
     EXPECT_EQ(stateValues(plugin.component), values);
+    ASSERT_EQ(plugin.controller->setComponentState(streamOf(values)), kResultOk);
+    const auto& tags = Plug::stateTags();
+    for (size_t index = 0; index < tags.size(); ++index)
+        EXPECT_NEAR(plugin.controller->getParamNormalized(tags[index]), values[index], 1e-7)
+            << "tag " << tags[index];
 }
 
-TEST_F(PlugState, EarlierVersionLoadsAndKeepsBypassModesAndSolo)
+// An earlier version's shorter state loads and keeps bypass, modes and solo as they were; a cut
+// extension loads the values that are whole.
+TEST_F(PlugState, EarlierAndPartialStatesKeepWhatTheyDoNotHold)
 {
     changeExtensions();
     const std::vector<float> before = stateValues(plugin.component);
-    std::vector<float> older = distinctState();
-    older.resize(Plug::kRequiredStateValueCount);
+    const std::vector<float> values = distinctState();
+    const std::vector<float> older(values.begin(), values.begin() + Plug::kRequiredStateValueCount);
     ASSERT_EQ(plugin.component->setState(streamOf(older)), kResultOk);
-    const std::vector<float> after = stateValues(plugin.component);
+    std::vector<float> after = stateValues(plugin.component);
     for (size_t index = 0; index < after.size(); ++index)
-    {
-        const float expected = index < older.size() ? older[index] : before[index];
-        EXPECT_FLOAT_EQ(after[index], expected) << "state index " << index;
-    }
+        EXPECT_FLOAT_EQ(after[index], index < older.size() ? older[index] : before[index])
+            << "index " << index;
     EXPECT_FLOAT_EQ(after[57], 1.0f);
     EXPECT_FLOAT_EQ(after[68], 7.0f / 12.0f);
+
+    std::vector<char> bytes(values.size() * sizeof(float));
+    std::memcpy(bytes.data(), values.data(), bytes.size());
+    bytes.resize(58 * sizeof(float) + 2); // bypass whole, first mode cut
+    ASSERT_EQ(plugin.component->setState(streamOf(bytes)), kResultOk);
+    after = stateValues(plugin.component);
+    EXPECT_FLOAT_EQ(after[57], values[57]);
+    EXPECT_FLOAT_EQ(after[60], 0.5f); // 03 Mode kept
 }
 
-class PlugDamagedState : public testing::TestWithParam<size_t>
-{
-};
+using PlugDamagedState = testing::TestWithParam<size_t>;
 
 TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
 {
@@ -110,9 +116,7 @@ TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
     const std::vector<char> before = stateBytes(plugin.component);
     std::vector<char> bytes(GetParam());
     for (size_t index = 0; index < bytes.size(); ++index)
-    {
         bytes[index] = static_cast<char>(0x3E + (index % 3 == 0 ? 1 : 0));
-    }
     EXPECT_EQ(plugin.component->setState(streamOf(bytes)), kResultFalse);
     EXPECT_EQ(stateBytes(plugin.component), before);
     EXPECT_EQ(plugin.controller->setComponentState(streamOf(bytes)), kResultFalse);
@@ -121,19 +125,6 @@ TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
 
 // 224 bytes are 56 floats, one short of the oldest state; 227 leaves the last float incomplete.
 INSTANTIATE_TEST_SUITE_P(Lengths, PlugDamagedState, testing::Values(0u, 3u, 100u, 224u, 227u));
-
-TEST_F(PlugState, PartialExtensionLoadsWhatIsWhole)
-{
-    changeExtensions();
-    std::vector<float> values = distinctState();
-    std::vector<char> bytes(values.size() * sizeof(float));
-    std::memcpy(bytes.data(), values.data(), bytes.size());
-    bytes.resize(58 * sizeof(float) + 2); // bypass whole, first mode cut
-    ASSERT_EQ(plugin.component->setState(streamOf(bytes)), kResultOk);
-    const std::vector<float> after = stateValues(plugin.component);
-    EXPECT_FLOAT_EQ(after[57], values[57]);
-    EXPECT_FLOAT_EQ(after[60], 0.5f); // 03 Mode kept
-}
 
 TEST_F(PlugState, NumbersThatAreNoValuesAreRefusedOrLimited)
 {
@@ -159,9 +150,7 @@ TEST_F(PlugState, RandomStreamsNeverHalfApply)
         const std::vector<char> before = stateBytes(plugin.component);
         std::vector<char> bytes(random() % 400);
         for (char& byte : bytes)
-        {
             byte = static_cast<char>(random());
-        }
         const tresult result = plugin.component->setState(streamOf(bytes));
         const std::vector<float> after = stateValues(plugin.component);
         ASSERT_EQ(after.size(), 69u);
@@ -170,25 +159,11 @@ TEST_F(PlugState, RandomStreamsNeverHalfApply)
             ASSERT_EQ(stateBytes(plugin.component), before);
         }
         for (float value : after)
-        {
             ASSERT_TRUE(value >= 0.0f && value <= 1.0f);
-        }
         plugin.controller->setComponentState(streamOf(bytes));
     }
     EXPECT_EQ(plugin.component->setState(nullptr), kResultFalse);
     EXPECT_EQ(plugin.controller->setComponentState(nullptr), kResultFalse);
-}
-
-TEST_F(PlugState, ControllerReadsTheSameStream)
-{
-    const std::vector<float> values = distinctState();
-    ASSERT_EQ(plugin.controller->setComponentState(streamOf(values)), kResultOk);
-    const auto& tags = Plug::stateTags();
-    for (size_t index = 0; index < tags.size(); ++index)
-    {
-        EXPECT_NEAR(plugin.controller->getParamNormalized(tags[index]), values[index], 1e-7)
-            << "tag " << tags[index];
-    }
 }
 
 } // namespace

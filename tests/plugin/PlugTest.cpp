@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -24,24 +25,13 @@ namespace Plug = Vst::Velmoran;
 size_t stateIndexOf(ParamID tag)
 {
     const auto& tags = Plug::stateTags();
-    for (size_t index = 0; index < tags.size(); ++index)
-    {
-        if (tags[index] == tag)
-        {
-            return index;
-        }
-    }
-    return tags.size();
+    return static_cast<size_t>(std::find(tags.begin(), tags.end(), tag) - tags.begin());
 }
 
 std::string busName(IComponent* component, MediaType type, BusDirection direction)
 {
     BusInfo info;
-    if (component->getBusInfo(type, direction, 0, info) != kResultOk)
-    {
-        return "";
-    }
-    return asciiOf(info.name);
+    return component->getBusInfo(type, direction, 0, info) == kResultOk ? asciiOf(info.name) : "";
 }
 
 SpeakerArrangement arrangementOf(IAudioProcessor* processor, BusDirection direction)
@@ -59,6 +49,7 @@ protected:
     PluginInstance plugin{false};
 };
 
+// Starts stereo in and out with one event input; null arrangements are refused.
 TEST_F(PlugProcessor, OffersStereoInOutAndOneEventInput)
 {
     IComponent* component = plugin.component;
@@ -77,6 +68,8 @@ TEST_F(PlugProcessor, OffersStereoInOutAndOneEventInput)
     EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
     EXPECT_EQ(plugin.processor->canProcessSampleSize(kSample32), kResultTrue);
     EXPECT_NE(plugin.processor->canProcessSampleSize(kSample64), kResultTrue);
+    EXPECT_EQ(plugin.processor->setBusArrangements(nullptr, 1, nullptr, 1), kResultFalse);
+    EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
 }
 
 struct BusCase
@@ -91,9 +84,7 @@ struct BusCase
     const char* inputNameAfter;
 };
 
-class PlugBusArrangement : public testing::TestWithParam<BusCase>
-{
-};
+using PlugBusArrangement = testing::TestWithParam<BusCase>;
 
 TEST_P(PlugBusArrangement, AcceptsMonoAndStereoPairsOnly)
 {
@@ -133,13 +124,8 @@ INSTANTIATE_TEST_SUITE_P(
         BusCase{"Surround", 0, {k51}, {k51}, kResultFalse, kStereo, kStereo, "Stereo In"}),
     [](const testing::TestParamInfo<BusCase>& info) { return std::string(info.param.name); });
 
-TEST_F(PlugProcessor, NullArrangementsAreRefused)
-{
-    EXPECT_EQ(plugin.processor->setBusArrangements(nullptr, 1, nullptr, 1), kResultFalse);
-    EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
-}
-
-TEST_F(PlugProcessor, LastPointOfAQueueWins)
+// The last point of a queue is the value taken; a block of no samples still applies its changes.
+TEST_F(PlugProcessor, ChangesTakeTheLastPointEvenInAnEmptyBlock)
 {
     auto changes = owned(new ParameterChanges());
     int32 index = 0;
@@ -150,16 +136,11 @@ TEST_F(PlugProcessor, LastPointOfAQueueWins)
     std::vector<std::vector<float>> inputs(2, std::vector<float>(128));
     std::vector<std::vector<float>> outputs(2, std::vector<float>(128));
     ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 128, changes), kResultOk);
-    EXPECT_FLOAT_EQ(stateValues(plugin.component)[stateIndexOf(Plug::gainTag(1))], 0.9f);
-}
-
-TEST_F(PlugProcessor, EmptyBlockStillAppliesItsChanges)
-{
-    std::vector<std::vector<float>> inputs(2);
-    std::vector<std::vector<float>> outputs(2);
-    auto changes = changesOf({{Plug::kSoloTag, 3.0 / 12.0}, {Plug::kHostBypassTag, 1.0}});
-    ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 0, changes), kResultOk);
+    ASSERT_EQ(applyChanges(plugin.processor,
+                           changesOf({{Plug::kSoloTag, 3.0 / 12.0}, {Plug::kHostBypassTag, 1.0}})),
+              kResultOk);
     const std::vector<float> state = stateValues(plugin.component);
+    EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::gainTag(1))], 0.9f);
     EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::kSoloTag)], 0.25f);
     EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::kHostBypassTag)], 1.0f);
 }
@@ -187,10 +168,7 @@ TEST_F(PlugProcessor, OddProcessDataNeverCrashes)
 {
     std::vector<float> buffer(4096, 0.25f);
     float* channels[80];
-    for (float*& channel : channels)
-    {
-        channel = buffer.data();
-    }
+    std::fill(std::begin(channels), std::end(channels), buffer.data());
     AudioBusBuffers input;
     AudioBusBuffers output;
     ProcessData data;
@@ -224,9 +202,7 @@ TEST_F(PlugProcessor, OddProcessDataNeverCrashes)
     data.numSamples = -5;
     EXPECT_EQ(plugin.processor->process(data), kResultOk);
     for (float sample : buffer)
-    {
         ASSERT_TRUE(std::isfinite(sample));
-    }
 }
 
 TEST_F(PlugProcessor, MonoBusesProcessOneChannel)
@@ -240,21 +216,18 @@ TEST_F(PlugProcessor, MonoBusesProcessOneChannel)
     EXPECT_GT(std::fabs(outputs[0][255]), 0.1f);
 }
 
-TEST_F(PlugProcessor, SetupRefusesRatesThatAreNoRates)
+// Set-up refuses rates that are no rates and 64-bit samples; a valid one activates and processes.
+TEST_F(PlugProcessor, SetupRefusesBadRatesAndActivationRoundTrips)
 {
-    ProcessSetup setup{kRealtime, kSample32, 512, 0.0};
+    ProcessSetup setup{kRealtime, kSample64, 512, 44100.0};
     EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
-    setup.sampleRate = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
-    setup.sampleRate = 96000.0;
-    EXPECT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
-    setup.symbolicSampleSize = kSample64;
-    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
-}
-
-TEST_F(PlugProcessor, ActivationRoundTrip)
-{
-    ProcessSetup setup{kRealtime, kSample32, 512, 44100.0};
+    setup.symbolicSampleSize = kSample32;
+    for (double rate : {0.0, std::numeric_limits<double>::quiet_NaN()})
+    {
+        setup.sampleRate = rate;
+        EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk) << rate;
+    }
+    setup.sampleRate = 44100.0;
     ASSERT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
     EXPECT_EQ(plugin.component->setActive(true), kResultOk);
     std::vector<std::vector<float>> inputs(2, std::vector<float>(512, 0.1f));

@@ -62,13 +62,9 @@ tresult processBlock(IAudioProcessor* processor, std::vector<std::vector<float>>
     std::vector<float*> inputPointers;
     std::vector<float*> outputPointers;
     for (auto& channel : inputs)
-    {
         inputPointers.push_back(channel.data());
-    }
     for (auto& channel : outputs)
-    {
         outputPointers.push_back(channel.data());
-    }
     AudioBusBuffers inputBus;
     inputBus.numChannels = static_cast<int32>(inputs.size());
     inputBus.channelBuffers32 = inputPointers.data();
@@ -94,11 +90,16 @@ IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue
     {
         int32 index = 0;
         if (IParamValueQueue* queue = changes->addParameterData(tag, index))
-        {
             queue->addPoint(0, value, index);
-        }
     }
     return changes;
+}
+
+tresult applyChanges(IAudioProcessor* processor, IParameterChanges* changes)
+{
+    std::vector<std::vector<float>> inputs(2);
+    std::vector<std::vector<float>> outputs(2);
+    return processBlock(processor, inputs, outputs, 0, changes);
 }
 
 std::string asciiOf(const TChar* text)
@@ -106,6 +107,11 @@ std::string asciiOf(const TChar* text)
     char8 ascii[256] = {};
     UString(const_cast<TChar*>(text), 128).toAscii(ascii, sizeof(ascii));
     return ascii;
+}
+
+void copyAscii(const char* ascii, String128 text)
+{
+    UString128(ascii).copyTo(text, 128);
 }
 
 } // namespace velmoran::test

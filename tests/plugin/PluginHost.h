@@ -55,8 +55,11 @@ tresult processBlock(IAudioProcessor* processor, std::vector<std::vector<float>>
                      IParameterChanges* changes = nullptr);
 // A parameter-change list holding one point per (tag, value) pair, at offset 0.
 IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue>>& points);
+// Runs an empty stereo block carrying the given changes.
+tresult applyChanges(IAudioProcessor* processor, IParameterChanges* changes);
 
-// The text of a String128 as plain ASCII.
+// The text of a String128 as plain ASCII, and back.
 std::string asciiOf(const TChar* text);
+void copyAscii(const char* ascii, String128 text);
 
 } // namespace velmoran::test

@@ -22,6 +22,14 @@ namespace
 namespace Plug = Vst::Velmoran;
 using Clock = std::chrono::steady_clock;
 
+// What reached the peer: the size of every frame, the last frame, every sample rate.
+struct Received
+{
+    std::vector<uint32> frameSizes;
+    std::vector<char> lastFrame;
+    std::vector<double> sampleRates;
+};
+
 // A controller stand-in at the other end of the processor's connection: records what arrives.
 class ListeningPeer : public IConnectionPoint
 {
@@ -34,55 +42,47 @@ public:
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE
     {
         if (!message || !message->getMessageID() || !message->getAttributes())
-        {
             return kInvalidArgument;
-        }
         std::lock_guard<std::mutex> guard(mLock);
-        if (std::strcmp(message->getMessageID(), "BinaryMessage") == 0)
+        const void* data = nullptr;
+        uint32 size = 0;
+        double rate = 0.0;
+        if (std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
+            message->getAttributes()->getBinary("FFTData", data, size) == kResultOk)
         {
-            const void* data = nullptr;
-            uint32 size = 0;
-            if (message->getAttributes()->getBinary("FFTData", data, size) == kResultOk)
-            {
-                mFrameSizes.push_back(size);
-                mLastFrame.assign(static_cast<const char*>(data), static_cast<const char*>(data) + size);
-            }
+            mReceived.frameSizes.push_back(size);
+            mReceived.lastFrame.assign(static_cast<const char*>(data), static_cast<const char*>(data) + size);
         }
-        else if (std::strcmp(message->getMessageID(), "setActive") == 0)
+        else if (std::strcmp(message->getMessageID(), "setActive") == 0 &&
+                 message->getAttributes()->getFloat("sampleRate", rate) == kResultOk)
         {
-            double rate = 0.0;
-            if (message->getAttributes()->getFloat("sampleRate", rate) == kResultOk)
-            {
-                mSampleRates.push_back(rate);
-            }
+            mReceived.sampleRates.push_back(rate);
         }
         return kResultOk;
     }
 
-    std::vector<uint32> frameSizes()
+    Received received()
     {
         std::lock_guard<std::mutex> guard(mLock);
-        return mFrameSizes;
-    }
-    std::vector<double> sampleRates()
-    {
-        std::lock_guard<std::mutex> guard(mLock);
-        return mSampleRates;
-    }
-    std::vector<char> lastFrame()
-    {
-        std::lock_guard<std::mutex> guard(mLock);
-        return mLastFrame;
+        return mReceived;
     }
 
     DECLARE_FUNKNOWN_METHODS
 
 private:
     std::mutex mLock;
-    std::vector<uint32> mFrameSizes;
-    std::vector<double> mSampleRates;
-    std::vector<char> mLastFrame;
+    Received mReceived;
 };
+
+// The rate in Hz and transform size at the head of a spectrum frame.
+std::pair<float, int32> headerOf(const std::vector<char>& frame)
+{
+    float rate = 0.0f;
+    int32 size = -1;
+    std::memcpy(&rate, frame.data(), 4);
+    std::memcpy(&size, frame.data() + 4, 4);
+    return {rate, size};
+}
 
 IMPLEMENT_FUNKNOWN_METHODS(ListeningPeer, IConnectionPoint, IConnectionPoint::iid)
 
@@ -99,9 +99,7 @@ protected:
     void TearDown() override
     {
         if (point)
-        {
             point->disconnect(peer);
-        }
     }
 
     PluginInstance plugin{false};
@@ -112,22 +110,15 @@ protected:
 TEST_F(SpectrumLink, FullFramesArriveAboutEvery20Ms)
 {
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    const std::vector<uint32> sizes = peer->frameSizes();
+    const Received received = peer->received();
     // 25 periods; a loaded machine or an emulator may lose some.
-    EXPECT_GE(sizes.size(), 8u);
-    EXPECT_LE(sizes.size(), 27u);
-    for (uint32 size : sizes)
-    {
+    EXPECT_GE(received.frameSizes.size(), 8u);
+    EXPECT_LE(received.frameSizes.size(), 27u);
+    for (uint32 size : received.frameSizes)
         EXPECT_EQ(size, 32776u);
-    }
-    const std::vector<char> frame = peer->lastFrame();
-    ASSERT_EQ(frame.size(), 32776u);
-    float rate = 0.0f;
-    int32 size = -1;
-    std::memcpy(&rate, frame.data(), 4);
-    std::memcpy(&size, frame.data() + 4, 4);
-    EXPECT_EQ(rate, 44100.0f); // never written while "FFT" is off
-    EXPECT_EQ(size, 0);
+    ASSERT_EQ(received.lastFrame.size(), 32776u);
+    // Rate and size are never written while "FFT" is off.
+    EXPECT_EQ(headerOf(received.lastFrame), std::make_pair(44100.0f, int32{0}));
 }
 
 TEST_F(SpectrumLink, FrameCarriesTheAnalyserOnceFftIsOn)
@@ -137,24 +128,16 @@ TEST_F(SpectrumLink, FrameCarriesTheAnalyserOnceFftIsOn)
     ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 1024, changesOf({{Plug::kFftTag, 1.0}})),
               kResultOk);
     const auto start = Clock::now();
-    float rate = 0.0f;
-    int32 size = 0;
-    while (Clock::now() - start < std::chrono::seconds(2))
+    std::pair<float, int32> header{0.0f, 0};
+    while (header.second == 0 && Clock::now() - start < std::chrono::seconds(2))
     {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        const std::vector<char> frame = peer->lastFrame();
+        const std::vector<char> frame = peer->received().lastFrame;
         if (frame.size() == 32776u)
-        {
-            std::memcpy(&rate, frame.data(), 4);
-            std::memcpy(&size, frame.data() + 4, 4);
-            if (size != 0)
-            {
-                break;
-            }
-        }
+            header = headerOf(frame);
     }
-    EXPECT_EQ(rate, 48000.0f);
-    EXPECT_TRUE(size == 4096 || size == 8192 || size == 16384) << size;
+    EXPECT_EQ(header.first, 48000.0f);
+    EXPECT_TRUE(header.second == 4096 || header.second == 8192 || header.second == 16384) << header.second;
 }
 
 TEST_F(SpectrumLink, ActivationSendsTheSampleRate)
@@ -163,9 +146,7 @@ TEST_F(SpectrumLink, ActivationSendsTheSampleRate)
     ASSERT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
     ASSERT_EQ(plugin.component->setActive(true), kResultOk);
     ASSERT_EQ(plugin.component->setActive(false), kResultOk);
-    const std::vector<double> rates = peer->sampleRates();
-    ASSERT_EQ(rates.size(), 1u);
-    EXPECT_EQ(rates[0], 88200.0);
+    EXPECT_EQ(peer->received().sampleRates, std::vector<double>{88200.0});
 }
 
 TEST(SpectrumLinkLifetime, ProcessorDestroyedAtOnceEndsItsThreadWithinAPeriod)
@@ -203,12 +184,11 @@ TEST(SpectrumLinkController, KeepsFramesUpToItsSizeAndTakesTheRate)
     std::vector<char> frame(32777, 1);
     auto message = owned(new HostMessage());
     message->setMessageID("BinaryMessage");
-    message->getAttributes()->setBinary("FFTData", frame.data(), 32777);
-    EXPECT_EQ(controller->notify(message), kResultOk);
-    message->getAttributes()->setBinary("FFTData", frame.data(), 32776);
-    EXPECT_EQ(controller->notify(message), kResultOk);
-    message->getAttributes()->setBinary("FFTData", frame.data(), 3);
-    EXPECT_EQ(controller->notify(message), kResultOk);
+    for (uint32 size : {32777u, 32776u, 3u})
+    {
+        message->getAttributes()->setBinary("FFTData", frame.data(), size);
+        EXPECT_EQ(controller->notify(message), kResultOk) << size;
+    }
 
     auto rate = owned(new HostMessage());
     rate->setMessageID("setActive");
