@@ -19,11 +19,7 @@ struct EntryPointCase
 class EntryPoints : public ::testing::TestWithParam<EntryPointCase>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        HWND window = velmoran::test::openChildWindow(32, 32);
-        ASSERT_EQ(renderer().initialise(window, 32, 32, 32, 32), 0);
-    }
+    static void SetUpTestSuite() { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer(), 32, 32)); }
 
     static void TearDownTestSuite()
     {

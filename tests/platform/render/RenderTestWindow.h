@@ -2,9 +2,12 @@
 
 #include "platform/render/CGLRenderer.h"
 #include "platform/render/ErrorBox.h"
-#include "platform/window/CPlatformWindows.h"
+#include "platform/window/TestHostWindow.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -32,41 +35,35 @@ inline void recordBox(const char* caption, const char* text)
     recordedBoxes().push_back(std::string(caption) + "|" + text);
 }
 
-// A top-level window standing in for the host's frame; made once per program, since hiding a
-// top-level window costs seconds under Wine without a window manager.
-inline HWND testHostWindow()
+// Whether a recorded error box has the OpenGL error caption and starts with this first line.
+inline bool boxStartsWith(const std::string& box, const std::string& firstLine)
 {
-    static HWND host = nullptr;
-    if (host != nullptr)
-        return host;
-    WNDCLASSA hostClass{};
-    hostClass.lpfnWndProc = DefWindowProcA;
-    hostClass.hInstance = GetModuleHandleA(nullptr);
-    hostClass.lpszClassName = "VelmoranRenderTestHost";
-    RegisterClassA(&hostClass);
-    host = CreateWindowExA(0, "VelmoranRenderTestHost", "Host", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0,
-                           700, 500, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
-    ShowWindow(host, SW_SHOW);
-    return host;
+    return box.rfind("Velmoran: OpenGL Error|Velmoran:Error: " + firstLine + "\n", 0) == 0;
 }
 
-// An editor-like child window inside the stand-in host, made through the window kit.
+// An editor-like child window inside the stand-in host, made through the window kit and shown.
 inline HWND openChildWindow(int width, int height)
 {
     auto* kit = platform::CPlatformWindows::instance(true);
-    kit->setClassNames("5E1A0C3D9B27");
+    kit->setClassNames(kTestToken);
     const int slot = kit->createChildWindow(0, 0, width, height, 1.0f, testHostWindow(), nullptr);
     kit->showWindow(slot);
     return kit->windowHandle(slot);
 }
 
-inline void closeAllWindows()
+// A renderer on a fresh child window of width x height device pixels showing the logical area
+// (the window's own size unless given), current and cleared to black.
+inline bool openClearedRenderer(platform::CGLRenderer& renderer, int width, int height,
+                                double logicalWidth = 0, double logicalHeight = 0)
 {
-    if (auto* kit = platform::CPlatformWindows::instance(false))
-    {
-        kit->teardown();
-        platform::CPlatformWindows::release();
-    }
+    if (renderer.initialise(openChildWindow(width, height), logicalWidth > 0 ? logicalWidth : width,
+                            logicalHeight > 0 ? logicalHeight : height, width, height) != 0)
+        return false;
+    renderer.makeCurrent();
+    renderer.beginFrame();
+    renderer.setClearColour(0, 0, 0);
+    renderer.clear();
+    return true;
 }
 
 // The pixel at (x, y) from the top left of the frame being drawn, in device pixels.
@@ -75,6 +72,16 @@ inline Pixel pixelAt(int x, int y, int viewportHeight)
     std::array<unsigned char, 4> rgba{};
     glReadPixels(x, viewportHeight - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
     return {rgba[0], rgba[1], rgba[2], rgba[3]};
+}
+
+// Whether a pixel matches (r, g, b) within tolerance in every channel, naming both if not.
+inline ::testing::AssertionResult looksLike(const Pixel& pixel, int r, int g, int b, int tolerance = 2)
+{
+    if (std::abs(pixel.r - r) <= tolerance && std::abs(pixel.g - g) <= tolerance &&
+        std::abs(pixel.b - b) <= tolerance)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "pixel (" << pixel.r << ", " << pixel.g << ", " << pixel.b
+                                         << ") is not (" << r << ", " << g << ", " << b << ")";
 }
 
 } // namespace velmoran::test

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using velmoran::platform::CGLRenderer;
+using velmoran::test::boxStartsWith;
 
 namespace
 {
@@ -20,16 +21,11 @@ TEST(OldDriver, EveryStageReportsAndInitialiseGivesTwo)
     const auto& boxes = velmoran::test::recordedBoxes();
     // Ten shaders fail to compile and five programs to link, in build order 03, 02, 01, 04, 05.
     ASSERT_EQ(boxes.size(), 15u) << ::testing::PrintToString(boxes);
-    EXPECT_EQ(boxes[0].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-VXSHDR-03 failed to compile\n", 0),
-              0u)
-        << boxes[0];
-    EXPECT_EQ(boxes[1].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-PXSHDR-03 failed to compile\n", 0),
-              0u);
-    EXPECT_EQ(boxes[2].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-UNSHDR-03 failed to link\n", 0), 0u);
-    EXPECT_EQ(boxes[3].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-VXSHDR-02 failed to compile\n", 0),
-              0u);
-    EXPECT_EQ(boxes[14].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-UNSHDR-05 failed to link\n", 0),
-              0u);
+    EXPECT_TRUE(boxStartsWith(boxes[0], "GFX-VXSHDR-03 failed to compile")) << boxes[0];
+    EXPECT_TRUE(boxStartsWith(boxes[1], "GFX-PXSHDR-03 failed to compile"));
+    EXPECT_TRUE(boxStartsWith(boxes[2], "GFX-UNSHDR-03 failed to link"));
+    EXPECT_TRUE(boxStartsWith(boxes[3], "GFX-VXSHDR-02 failed to compile"));
+    EXPECT_TRUE(boxStartsWith(boxes[14], "GFX-UNSHDR-05 failed to link"));
     EXPECT_NE(boxes[0].find("1.50"), std::string::npos) << "the driver's log names the version: " << boxes[0];
 
     // A second editor finds the programs already there: no building, no box.

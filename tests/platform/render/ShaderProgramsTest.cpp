@@ -7,6 +7,7 @@
 using velmoran::platform::CGLRenderer;
 using velmoran::platform::ProgramDescription;
 using velmoran::platform::ProgramRecord;
+using velmoran::platform::sharedProgram;
 
 namespace
 {
@@ -32,9 +33,7 @@ protected:
     {
         previousBox = velmoran::platform::setErrorBoxFunction(velmoran::test::recordBox);
         velmoran::test::recordedBoxes().clear();
-        HWND window = velmoran::test::openChildWindow(64, 64);
-        ASSERT_EQ(renderer.initialise(window, 64, 64, 64, 64), 0);
-        renderer.makeCurrent();
+        ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 64, 64));
     }
 
     void TearDown() override
@@ -51,34 +50,25 @@ protected:
 TEST_F(ShaderPrograms, EveryProgramLinksWithItsBindings)
 {
     EXPECT_TRUE(velmoran::test::recordedBoxes().empty());
-    const ProgramRecord* textured = velmoran::platform::sharedProgram(velmoran::platform::kProgramTextured);
+    const ProgramRecord* textured = sharedProgram(velmoran::platform::kProgramTextured);
     EXPECT_GE(textured->texture, 0);
     EXPECT_GE(textured->gamma, 0);
     EXPECT_NE(textured->texCoordBuffer, 0u);
     EXPECT_EQ(textured->colourBuffer, 0u);
-    const ProgramRecord* circle = velmoran::platform::sharedProgram(velmoran::platform::kProgramCircle);
+    const ProgramRecord* circle = sharedProgram(velmoran::platform::kProgramCircle);
     EXPECT_GE(circle->circleCentre, 0);
     EXPECT_GE(circle->circleRadiusInner, 0);
     EXPECT_NE(circle->colourBuffer, 0u);
-    EXPECT_GE(velmoran::platform::sharedProgram(velmoran::platform::kProgramScanline)->lineWidth, 0);
-    EXPECT_GE(velmoran::platform::sharedProgram(velmoran::platform::kProgramGrid)->gridSize, 0);
+    EXPECT_GE(sharedProgram(velmoran::platform::kProgramScanline)->lineWidth, 0);
+    EXPECT_GE(sharedProgram(velmoran::platform::kProgramGrid)->gridSize, 0);
     for (int number = 1; number <= 5; ++number)
     {
-        const ProgramRecord* record = velmoran::platform::sharedProgram(number);
+        const ProgramRecord* record = sharedProgram(number);
         EXPECT_GE(record->projectionMatrix, 0) << number;
         EXPECT_GE(record->modelViewMatrix, 0) << number;
         EXPECT_GE(record->saturation, 0) << number;
         EXPECT_NE(record->vertexArray, 0u) << number;
     }
-}
-
-TEST_F(ShaderPrograms, ScanlineGridAndFlatShareOneVertexSource)
-{
-    using velmoran::platform::programDescription;
-    EXPECT_EQ(programDescription(2).vertexSource, programDescription(4).vertexSource);
-    EXPECT_EQ(programDescription(2).vertexSource, programDescription(5).vertexSource);
-    EXPECT_STREQ(programDescription(3).fragmentOutput, "finalColour");
-    EXPECT_STREQ(programDescription(1).fragmentOutput, "CircleFragColour");
 }
 
 TEST_F(ShaderPrograms, BrokenShaderIsReportedWithItsNameAndTheDriverLog)
@@ -96,14 +86,11 @@ TEST_F(ShaderPrograms, BrokenShaderIsReportedWithItsNameAndTheDriverLog)
     const auto& boxes = velmoran::test::recordedBoxes();
     ASSERT_EQ(boxes.size(), 2u);
     const std::string compileBox = boxes[0];
-    EXPECT_EQ(compileBox.rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-PXSHDR-03 failed to compile\n", 0),
-              0u)
-        << compileBox;
+    EXPECT_TRUE(velmoran::test::boxStartsWith(compileBox, "GFX-PXSHDR-03 failed to compile")) << compileBox;
     EXPECT_NE(compileBox.find("undefinedColour"), std::string::npos) << compileBox;
     EXPECT_EQ(compileBox.substr(compileBox.size() - std::string(kAdvice).size() - 1),
               std::string("\n") + kAdvice);
-    EXPECT_EQ(boxes[1].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-UNSHDR-03 failed to link\n", 0), 0u)
-        << boxes[1];
+    EXPECT_TRUE(velmoran::test::boxStartsWith(boxes[1], "GFX-UNSHDR-03 failed to link")) << boxes[1];
     velmoran::platform::gGL.glDeleteProgram(record.program);
 }
 
@@ -121,22 +108,21 @@ TEST_F(ShaderPrograms, StagesThatCompileButCannotRunFailAtLink)
     EXPECT_FALSE(velmoran::platform::buildProgram(unmatched, record));
     const auto& boxes = velmoran::test::recordedBoxes();
     ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_EQ(boxes[0].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-UNSHDR-05 failed to link\n", 0), 0u)
-        << boxes[0];
+    EXPECT_TRUE(velmoran::test::boxStartsWith(boxes[0], "GFX-UNSHDR-05 failed to link")) << boxes[0];
     EXPECT_NE(boxes[0].find("main"), std::string::npos) << boxes[0];
     velmoran::platform::gGL.glDeleteProgram(record.program);
 }
 
 TEST_F(ShaderPrograms, ReleaseDeletesAProgramOnlyAtTheLastUse)
 {
-    const ProgramRecord* flat = velmoran::platform::sharedProgram(velmoran::platform::kProgramFlat);
+    const ProgramRecord* flat = sharedProgram(velmoran::platform::kProgramFlat);
     const GLuint program = flat->program;
     EXPECT_EQ(velmoran::platform::buildPrograms(), 0);
     EXPECT_EQ(flat->useCount, 2);
     EXPECT_TRUE(velmoran::test::recordedBoxes().empty());
     for (int number = 1; number <= 5; ++number)
         velmoran::platform::releaseProgram(number);
-    EXPECT_EQ(velmoran::platform::sharedProgram(velmoran::platform::kProgramFlat), flat);
+    EXPECT_EQ(sharedProgram(velmoran::platform::kProgramFlat), flat);
     EXPECT_EQ(flat->useCount, 1);
     EXPECT_EQ(flat->program, program);
 }

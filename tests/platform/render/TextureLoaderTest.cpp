@@ -29,14 +29,7 @@ bool sameRow(const GLTexture& texture, int x, int y, const velmoran::platform::S
 class TextureLoader : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_EQ(renderer.initialise(velmoran::test::openChildWindow(200, 100), 200, 100, 200, 100), 0);
-        renderer.makeCurrent();
-        renderer.beginFrame();
-        renderer.setClearColour(0, 0, 0);
-        renderer.clear();
-    }
+    void SetUp() override { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 200, 100)); }
 
     void TearDown() override
     {
@@ -51,8 +44,6 @@ TEST_F(TextureLoader, FiveFrameStripIsPackedRowByRowIntoAPowerOfTwoTexture)
 {
     const auto image = velmoran::platform::loadImage(velmoran::resources::kAutoLockSelector);
     ASSERT_TRUE(image.has_value());
-    ASSERT_EQ(image->width, 32);
-    ASSERT_EQ(image->height, 160);
     auto texture = velmoran::platform::loadTexture(renderer, velmoran::resources::kAutoLockSelector, 5);
     ASSERT_NE(texture, nullptr);
     EXPECT_EQ(texture->width, 128);
@@ -60,11 +51,9 @@ TEST_F(TextureLoader, FiveFrameStripIsPackedRowByRowIntoAPowerOfTwoTexture)
     EXPECT_NE(texture->name, 0u);
     EXPECT_EQ(texture->useCount, 1);
     // Frames 0 to 3 fill the first row, frame 4 starts the second.
-    const int cellX[5] = {0, 32, 64, 96, 0};
-    const int cellY[5] = {0, 0, 0, 0, 32};
     for (int frame = 0; frame < 5; ++frame)
         for (int row = 0; row < 32; ++row)
-            EXPECT_TRUE(sameRow(*texture, cellX[frame], cellY[frame] + row, *image, frame * 32 + row))
+            EXPECT_TRUE(sameRow(*texture, frame % 4 * 32, frame / 4 * 32 + row, *image, frame * 32 + row))
                 << "frame " << frame << " row " << row;
     EXPECT_EQ(texel(*texture, 40, 40)[3], 0) << "the space beside frame 4 stays transparent";
 }

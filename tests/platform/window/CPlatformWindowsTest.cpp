@@ -1,4 +1,5 @@
 #include "platform/window/CPlatformWindows.h"
+#include "platform/window/TestHostWindow.h"
 
 #include <shlobj.h>
 
@@ -9,11 +10,10 @@
 #include <vector>
 
 using velmoran::platform::CPlatformWindows;
+using velmoran::test::testHostWindow;
 
 namespace
 {
-
-constexpr const char* kToken = "5E1A0C3D9B27";
 
 struct Event
 {
@@ -31,39 +31,21 @@ int gIdleCallsLeft = 0;
 int gIdleCalls = 0;
 std::string gDroppedPath;
 
-void recordMouse(const char* kind, int x, int y, int button, int slot, void* user)
+enum Kind
 {
-    gEvents.push_back({kind, x, y, button, slot, user});
-}
+    kDown,
+    kUp,
+    kMove,
+    kDouble,
+    kKeyDown,
+    kKeyUp
+};
 
-void onMouseDown(int x, int y, int button, int slot, void* user)
+// Mouse and key callbacks share one shape: three numbers, the slot and the user pointer.
+template <Kind kind> void record(int a, int b, int c, int slot, void* user)
 {
-    recordMouse("down", x, y, button, slot, user);
-}
-
-void onMouseUp(int x, int y, int button, int slot, void* user)
-{
-    recordMouse("up", x, y, button, slot, user);
-}
-
-void onMouseMove(int x, int y, int button, int slot, void* user)
-{
-    recordMouse("move", x, y, button, slot, user);
-}
-
-void onDoubleClick(int x, int y, int button, int slot, void* user)
-{
-    recordMouse("double", x, y, button, slot, user);
-}
-
-void onKeyDown(int unused, int key, int down, int slot, void* user)
-{
-    gEvents.push_back({"keydown", unused, key, down, slot, user});
-}
-
-void onKeyUp(int unused, int key, int down, int slot, void* user)
-{
-    gEvents.push_back({"keyup", unused, key, down, slot, user});
+    static const char* const kNames[] = {"down", "up", "move", "double", "keydown", "keyup"};
+    gEvents.push_back({kNames[kind], a, b, c, slot, user});
 }
 
 void onPaint(int left, int top, int width, int height, int slot, void* user)
@@ -96,27 +78,16 @@ void onFileDrop(const char* path, int slot, void* user)
     gEvents.push_back({"drop", 0, 0, 0, slot, user});
 }
 
-LRESULT CALLBACK hostProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+// Whether event number index has this kind and these three numbers.
+::testing::AssertionResult eventIs(size_t index, const char* kind, int a, int b, int c)
 {
-    return DefWindowProcA(window, message, wParam, lParam);
-}
-
-// A top-level window standing in for the host's editor frame, shared by every test: hiding a
-// top-level window costs seconds under Wine without a window manager.
-HWND hostWindow()
-{
-    static HWND host = nullptr;
-    if (host != nullptr)
-        return host;
-    WNDCLASSA hostClass{};
-    hostClass.lpfnWndProc = hostProcedure;
-    hostClass.hInstance = GetModuleHandleA(nullptr);
-    hostClass.lpszClassName = "VelmoranTestHost";
-    RegisterClassA(&hostClass);
-    host = CreateWindowExA(0, "VelmoranTestHost", "Host", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 10, 10, 640,
-                           480, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
-    ShowWindow(host, SW_SHOW);
-    return host;
+    if (index >= gEvents.size())
+        return ::testing::AssertionFailure() << "only " << gEvents.size() << " events";
+    const Event& event = gEvents[index];
+    if (event.kind == kind && event.a == a && event.b == b && event.c == c)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "event " << index << " is " << event.kind << " (" << event.a
+                                         << ", " << event.b << ", " << event.c << ")";
 }
 
 int countChildWindows(HWND host)
@@ -158,6 +129,13 @@ HGLOBAL makeDrop(const std::vector<std::string>& files)
     return memory;
 }
 
+std::string classNameOf(HWND window)
+{
+    char name[256] = {};
+    GetClassNameA(window, name, 255);
+    return name;
+}
+
 class WindowKit : public ::testing::Test
 {
 protected:
@@ -166,26 +144,25 @@ protected:
         gEvents.clear();
         gMayClose = false;
         kit = CPlatformWindows::instance(true);
-        kit->setClassNames(kToken);
-        host = hostWindow();
+        kit->setClassNames(velmoran::test::kTestToken);
+        host = testHostWindow();
     }
 
     void TearDown() override
     {
         setMouseButtons(false, false);
-        CPlatformWindows::instance(false)->teardown();
-        CPlatformWindows::release();
+        velmoran::test::closeAllWindows();
     }
 
-    int openChild(float scale = 1.0f)
+    int openChild()
     {
-        const int slot = kit->createChildWindow(0, 0, 200, 100, scale, host, &user);
-        kit->setMouseDownCallback(slot, onMouseDown);
-        kit->setMouseUpCallback(slot, onMouseUp);
-        kit->setMouseMoveCallback(slot, onMouseMove);
-        kit->setDoubleClickCallback(slot, onDoubleClick);
-        kit->setKeyDownCallback(slot, onKeyDown);
-        kit->setKeyUpCallback(slot, onKeyUp);
+        const int slot = kit->createChildWindow(0, 0, 200, 100, 1.0f, host, &user);
+        kit->setMouseDownCallback(slot, record<kDown>);
+        kit->setMouseUpCallback(slot, record<kUp>);
+        kit->setMouseMoveCallback(slot, record<kMove>);
+        kit->setDoubleClickCallback(slot, record<kDouble>);
+        kit->setKeyDownCallback(slot, record<kKeyDown>);
+        kit->setKeyUpCallback(slot, record<kKeyUp>);
         return slot;
     }
 
@@ -199,7 +176,7 @@ protected:
     int user = 0;
 };
 
-TEST_F(WindowKit, SecondRequestGivesTheSameInstanceAndFreshTablesAreEmpty)
+TEST_F(WindowKit, IsOneInstanceWithEmptyTablesAndClassNamesFromTheToken)
 {
     EXPECT_EQ(CPlatformWindows::instance(true), kit);
     for (int i = 0; i < CPlatformWindows::kSlotCount; ++i)
@@ -210,10 +187,6 @@ TEST_F(WindowKit, SecondRequestGivesTheSameInstanceAndFreshTablesAreEmpty)
     EXPECT_EQ(kit->slot(0).scale, 1.0f);
     EXPECT_EQ(kit->slot(0).reciprocalScaleFixed, 65536);
     EXPECT_EQ(kit->slot(0).erasePending, 1);
-}
-
-TEST_F(WindowKit, ClassNamesComeFromTheProductToken)
-{
     EXPECT_STREQ(kit->uiClassName(), "5E1A0C3D9B27-UI");
     EXPECT_STREQ(kit->splashClassName(), "5E1A0C3D9B27-SPLASH");
 }
@@ -224,9 +197,7 @@ TEST_F(WindowKit, ChildWindowLivesInsideTheHostWindowHiddenUntilShown)
     ASSERT_EQ(slot, 0);
     HWND child = kit->windowHandle(slot);
     EXPECT_EQ(GetParent(child), host);
-    char className[256] = {};
-    GetClassNameA(child, className, 255);
-    EXPECT_STREQ(className, "5E1A0C3D9B27-UI");
+    EXPECT_EQ(classNameOf(child), "5E1A0C3D9B27-UI");
     EXPECT_EQ(GetClassLongA(child, GCL_STYLE), 0x4028);
     EXPECT_FALSE(IsWindowVisible(child));
     EXPECT_EQ(GetWindowLongPtrA(child, GWLP_USERDATA), slot);
@@ -241,152 +212,115 @@ TEST_F(WindowKit, ChildWindowLivesInsideTheHostWindowHiddenUntilShown)
     EXPECT_EQ(kit->createChildWindow(0, 0, 10, 10, 1.0f, host, &user), 1);
 }
 
-struct SizeCase
+// The device size is the scaled size rounded half up.
+TEST_F(WindowKit, DeviceSizeFollowsTheScale)
 {
-    float scale;
-    int logicalWidth;
-    int logicalHeight;
-    int deviceWidth;
-    int deviceHeight;
-    int reciprocalFixed;
-};
-
-class WindowKitSize : public WindowKit, public ::testing::WithParamInterface<SizeCase>
-{
-};
-
-TEST_P(WindowKitSize, DeviceSizeIsTheScaledSizeRoundedHalfUp)
-{
-    const SizeCase& sizeCase = GetParam();
-    const int slot = kit->createChildWindow(0, 0, sizeCase.logicalWidth, sizeCase.logicalHeight,
-                                            sizeCase.scale, host, &user);
-    RECT client{};
-    GetClientRect(kit->windowHandle(slot), &client);
-    EXPECT_EQ(client.right, sizeCase.deviceWidth);
-    EXPECT_EQ(client.bottom, sizeCase.deviceHeight);
-    EXPECT_EQ(kit->slot(slot).width, sizeCase.deviceWidth);
-    EXPECT_EQ(kit->slot(slot).height, sizeCase.deviceHeight);
-    EXPECT_EQ(kit->slot(slot).reciprocalScaleFixed, sizeCase.reciprocalFixed);
+    const struct
+    {
+        float scale;
+        int logicalWidth, logicalHeight, deviceWidth, deviceHeight, reciprocalFixed;
+    } cases[] = {{1.0f, 100, 50, 100, 50, 65536},
+                 {1.25f, 100, 50, 125, 63, 52428},
+                 {1.5f, 998, 634, 1497, 951, 43690},
+                 {2.0f, 100, 50, 200, 100, 32768}};
+    for (const auto& size : cases)
+    {
+        SCOPED_TRACE(size.scale);
+        const int slot =
+            kit->createChildWindow(0, 0, size.logicalWidth, size.logicalHeight, size.scale, host, &user);
+        RECT client{};
+        GetClientRect(kit->windowHandle(slot), &client);
+        EXPECT_EQ(client.right, size.deviceWidth);
+        EXPECT_EQ(client.bottom, size.deviceHeight);
+        EXPECT_EQ(kit->slot(slot).width, size.deviceWidth);
+        EXPECT_EQ(kit->slot(slot).height, size.deviceHeight);
+        EXPECT_EQ(kit->slot(slot).reciprocalScaleFixed, size.reciprocalFixed);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Scales, WindowKitSize,
-                         ::testing::Values(SizeCase{1.0f, 100, 50, 100, 50, 65536},
-                                           SizeCase{1.25f, 100, 50, 125, 63, 52428},
-                                           SizeCase{1.5f, 998, 634, 1497, 951, 43690},
-                                           SizeCase{2.0f, 100, 50, 200, 100, 32768}));
-
-struct ButtonCase
-{
-    UINT message;
-    const char* kind;
-    int button;
-};
-
-class WindowKitButtons : public WindowKit, public ::testing::WithParamInterface<ButtonCase>
-{
-};
-
-TEST_P(WindowKitButtons, ButtonMessagesReachTheirCallbackWithTheButtonCode)
-{
-    const int slot = openChild();
-    send(slot, GetParam().message, 0, MAKELPARAM(-3, 41));
-    ASSERT_EQ(gEvents.size(), 1u);
-    EXPECT_EQ(gEvents[0].kind, GetParam().kind);
-    EXPECT_EQ(gEvents[0].a, -3);
-    EXPECT_EQ(gEvents[0].b, 41);
-    EXPECT_EQ(gEvents[0].c, GetParam().button);
-    EXPECT_EQ(gEvents[0].slot, slot);
-    EXPECT_EQ(gEvents[0].user, &user);
-}
-
-INSTANTIATE_TEST_SUITE_P(Messages, WindowKitButtons,
-                         ::testing::Values(ButtonCase{WM_LBUTTONDOWN, "down", 0},
-                                           ButtonCase{WM_LBUTTONUP, "up", 0},
-                                           ButtonCase{WM_LBUTTONDBLCLK, "double", 0},
-                                           ButtonCase{WM_RBUTTONDOWN, "down", 1},
-                                           ButtonCase{WM_RBUTTONUP, "up", 1}));
-
-TEST_F(WindowKit, ButtonPressGivesTheWindowTheFocus)
+// Each button message reaches its callback with the button code; a left press also takes the focus.
+TEST_F(WindowKit, ButtonMessagesReachTheirCallbackWithTheButtonCode)
 {
     const int slot = openChild();
     kit->showWindow(slot);
     SetFocus(host);
-    send(slot, WM_LBUTTONDOWN, 0, 0);
-    EXPECT_EQ(GetFocus(), kit->windowHandle(slot));
+    const struct
+    {
+        UINT message;
+        const char* kind;
+        int button;
+    } cases[] = {{WM_LBUTTONDOWN, "down", 0},
+                 {WM_LBUTTONUP, "up", 0},
+                 {WM_LBUTTONDBLCLK, "double", 0},
+                 {WM_RBUTTONDOWN, "down", 1},
+                 {WM_RBUTTONUP, "up", 1}};
+    for (const auto& button : cases)
+    {
+        SCOPED_TRACE(button.message);
+        gEvents.clear();
+        send(slot, button.message, 0, MAKELPARAM(-3, 41));
+        ASSERT_EQ(gEvents.size(), 1u);
+        EXPECT_TRUE(eventIs(0, button.kind, -3, 41, button.button));
+        EXPECT_EQ(gEvents[0].slot, slot);
+        EXPECT_EQ(gEvents[0].user, &user);
+        if (button.message == WM_LBUTTONDOWN)
+        {
+            EXPECT_EQ(GetFocus(), kit->windowHandle(slot));
+        }
+    }
 }
 
-struct WheelCase
-{
-    int delta;
-    int downCode;
-};
-
-class WindowKitWheel : public WindowKit, public ::testing::WithParamInterface<WheelCase>
-{
-};
-
-TEST_P(WindowKitWheel, WheelPressCarriesTheDirectionAndReleaseAlwaysTwo)
+// A turn is a press at the cursor carrying the direction, then a release with code 2; a still wheel
+// reports nothing.
+TEST_F(WindowKit, WheelTurnsArePressesWithTheDirection)
 {
     const int slot = openChild();
-    send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, GetParam().delta), 0);
-    ASSERT_EQ(gEvents.size(), 2u);
-    EXPECT_EQ(gEvents[0].kind, "down");
-    EXPECT_EQ(gEvents[0].c, GetParam().downCode);
-    EXPECT_EQ(gEvents[1].kind, "up");
-    EXPECT_EQ(gEvents[1].c, 2);
     POINT cursor{};
     GetCursorPos(&cursor);
     ScreenToClient(kit->windowHandle(slot), &cursor);
-    EXPECT_EQ(gEvents[0].a, cursor.x);
-    EXPECT_EQ(gEvents[0].b, cursor.y);
-}
-
-INSTANTIATE_TEST_SUITE_P(Directions, WindowKitWheel,
-                         ::testing::Values(WheelCase{WHEEL_DELTA, 2}, WheelCase{-WHEEL_DELTA, 3},
-                                           WheelCase{-1, 3}));
-
-TEST_F(WindowKit, StillWheelReportsNothing)
-{
-    const int slot = openChild();
-    send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, 0), 0);
-    EXPECT_TRUE(gEvents.empty());
-}
-
-struct MoveCase
-{
-    bool track;
-    bool left;
-    bool right;
-    int expectedCode; // -1: no call
-};
-
-class WindowKitMoves : public WindowKit, public ::testing::WithParamInterface<MoveCase>
-{
-};
-
-TEST_P(WindowKitMoves, MovesAreReportedWithAButtonHeldOrWhenTracking)
-{
-    const MoveCase& moveCase = GetParam();
-    const int slot = openChild();
-    EXPECT_EQ(kit->setTrackMouseMoves(slot, moveCase.track), slot);
-    setMouseButtons(moveCase.left, moveCase.right);
-    send(slot, WM_MOUSEMOVE, 0, MAKELPARAM(12, 34));
-    if (moveCase.expectedCode < 0)
+    const struct
     {
-        EXPECT_TRUE(gEvents.empty());
-        return;
+        int delta;
+        int downCode; // -1: no call
+    } cases[] = {{WHEEL_DELTA, 2}, {-WHEEL_DELTA, 3}, {-1, 3}, {0, -1}};
+    for (const auto& wheel : cases)
+    {
+        SCOPED_TRACE(wheel.delta);
+        gEvents.clear();
+        send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, wheel.delta), 0);
+        ASSERT_EQ(gEvents.size(), wheel.downCode < 0 ? 0u : 2u);
+        if (wheel.downCode < 0)
+            continue;
+        EXPECT_TRUE(eventIs(0, "down", cursor.x, cursor.y, wheel.downCode));
+        EXPECT_EQ(gEvents[1].kind, "up");
+        EXPECT_EQ(gEvents[1].c, 2);
     }
-    ASSERT_EQ(gEvents.size(), 1u);
-    EXPECT_EQ(gEvents[0].kind, "move");
-    EXPECT_EQ(gEvents[0].a, 12);
-    EXPECT_EQ(gEvents[0].b, 34);
-    EXPECT_EQ(gEvents[0].c, moveCase.expectedCode);
 }
 
-INSTANTIATE_TEST_SUITE_P(ButtonStates, WindowKitMoves,
-                         ::testing::Values(MoveCase{false, false, false, -1}, MoveCase{true, false, false, 0},
-                                           MoveCase{false, true, false, 1}, MoveCase{false, false, true, 0},
-                                           MoveCase{false, true, true, 0}, MoveCase{true, true, false, 1}));
+// Moves are reported while a button is held (1 for the left alone) or while tracking.
+TEST_F(WindowKit, MovesAreReportedWithAButtonHeldOrWhenTracking)
+{
+    const int slot = openChild();
+    const struct
+    {
+        bool track, left, right;
+        int expectedCode; // -1: no call
+    } cases[] = {{false, false, false, -1}, {true, false, false, 0}, {false, true, false, 1},
+                 {false, false, true, 0},   {false, true, true, 0},  {true, true, false, 1}};
+    for (const auto& move : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << move.track << move.left << move.right);
+        gEvents.clear();
+        EXPECT_EQ(kit->setTrackMouseMoves(slot, move.track), slot);
+        setMouseButtons(move.left, move.right);
+        send(slot, WM_MOUSEMOVE, 0, MAKELPARAM(12, 34));
+        ASSERT_EQ(gEvents.size(), move.expectedCode < 0 ? 0u : 1u);
+        if (move.expectedCode >= 0)
+        {
+            EXPECT_TRUE(eventIs(0, "move", 12, 34, move.expectedCode));
+        }
+    }
+}
 
 TEST_F(WindowKit, KeysReportTheVirtualKeyAndDirection)
 {
@@ -394,13 +328,8 @@ TEST_F(WindowKit, KeysReportTheVirtualKeyAndDirection)
     send(slot, WM_KEYDOWN, VK_SPACE, 0);
     send(slot, WM_SYSKEYUP, VK_MENU, 0);
     ASSERT_EQ(gEvents.size(), 2u);
-    EXPECT_EQ(gEvents[0].kind, "keydown");
-    EXPECT_EQ(gEvents[0].a, 0);
-    EXPECT_EQ(gEvents[0].b, VK_SPACE);
-    EXPECT_EQ(gEvents[0].c, 1);
-    EXPECT_EQ(gEvents[1].kind, "keyup");
-    EXPECT_EQ(gEvents[1].b, VK_MENU);
-    EXPECT_EQ(gEvents[1].c, 0);
+    EXPECT_TRUE(eventIs(0, "keydown", 0, VK_SPACE, 1));
+    EXPECT_TRUE(eventIs(1, "keyup", 0, VK_MENU, 0));
 }
 
 TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)
@@ -427,26 +356,20 @@ TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)
     DeleteDC(canvas);
 }
 
-TEST_F(WindowKit, RefusedCloseLeavesTheWindowOpenAfterTheKeyUpCall)
+// Close first reports the key as released, then asks; a refusal keeps the window, consent frees it.
+TEST_F(WindowKit, CloseAsksTheEditorAndDestroysTheWindowOnlyWhenAllowed)
 {
     const int slot = openChild();
     kit->setCloseQueryCallback(slot, onCloseQuery);
     HWND child = kit->windowHandle(slot);
     EXPECT_EQ(send(slot, WM_CLOSE, 27, 0), 0);
     ASSERT_EQ(gEvents.size(), 2u);
-    EXPECT_EQ(gEvents[0].kind, "keyup");
-    EXPECT_EQ(gEvents[0].b, 27);
+    EXPECT_TRUE(eventIs(0, "keyup", 0, 27, 0));
     EXPECT_EQ(gEvents[1].kind, "closequery");
     EXPECT_TRUE(IsWindow(child));
     EXPECT_EQ(kit->slot(slot).inUse, 1);
-}
 
-TEST_F(WindowKit, AcceptedCloseDestroysTheWindowAndFreesTheSlot)
-{
-    const int slot = openChild();
-    kit->setCloseQueryCallback(slot, onCloseQuery);
     gMayClose = true;
-    HWND child = kit->windowHandle(slot);
     send(slot, WM_CLOSE, 0, 0);
     EXPECT_FALSE(IsWindow(child));
     EXPECT_EQ(kit->slot(slot).inUse, 0);
@@ -464,10 +387,8 @@ TEST_F(WindowKit, PaintGetsTheInvalidatedRectangle)
     kit->invalidate(slot, 10, 20, 30, 40);
     UpdateWindow(kit->windowHandle(slot));
     ASSERT_EQ(gEvents.size(), 2u);
-    EXPECT_EQ(gEvents[0].a, 10);
-    EXPECT_EQ(gEvents[0].b, 20);
-    EXPECT_EQ(gEvents[1].a, 30);
-    EXPECT_EQ(gEvents[1].b, 40);
+    EXPECT_TRUE(eventIs(0, "paint", 10, 20, 0));
+    EXPECT_TRUE(eventIs(1, "paintsize", 30, 40, 0));
     EXPECT_EQ(gEvents[0].user, &user);
 }
 
@@ -487,7 +408,8 @@ TEST_F(WindowKit, WindowTimerTicksReachTheTimerCallback)
     EXPECT_EQ(gEvents[0].user, &user);
 }
 
-TEST_F(WindowKit, IdleTimerRunsUntilItsCallbackDeclines)
+// The idle timer calls back until the callback declines; a pump calls it once more while one is set.
+TEST_F(WindowKit, IdleCallbackRunsUntilItDeclines)
 {
     gIdleCalls = 0;
     gIdleCallsLeft = 3;
@@ -505,10 +427,7 @@ TEST_F(WindowKit, IdleTimerRunsUntilItsCallbackDeclines)
     CPlatformWindows::sleepMilliseconds(50);
     kit->pumpMessages();
     EXPECT_EQ(gIdleCalls, 3);
-}
 
-TEST_F(WindowKit, PumpCallsTheIdleCallbackOnce)
-{
     gIdleCalls = 0;
     gIdleCallsLeft = 100;
     kit->setIdlePeriod(60000);
@@ -563,9 +482,7 @@ TEST_F(WindowKit, SplashWindowIsCentredInTheWorkAreaWithoutFrame)
     const int slot = kit->createSplashWindow(300, 200, 1.0f, &user);
     ASSERT_GE(slot, 0);
     HWND splash = kit->windowHandle(slot);
-    char className[256] = {};
-    GetClassNameA(splash, className, 255);
-    EXPECT_STREQ(className, "5E1A0C3D9B27-SPLASH");
+    EXPECT_EQ(classNameOf(splash), "5E1A0C3D9B27-SPLASH");
     EXPECT_EQ(GetParent(splash), nullptr);
     EXPECT_EQ(kit->slot(slot).isSplash, 1);
     RECT workArea{};
@@ -580,7 +497,8 @@ TEST_F(WindowKit, SplashWindowIsCentredInTheWorkAreaWithoutFrame)
     EXPECT_EQ(client.bottom, frame.bottom - frame.top);
 }
 
-TEST_F(WindowKit, IconComesFromTheModuleAndAMissingOneChangesNothing)
+// The icon comes from the module (a missing one changes nothing); title and size reach the window.
+TEST_F(WindowKit, IconTitleAndSizeReachTheWindow)
 {
     const int slot = openChild();
     HWND child = kit->windowHandle(slot);
@@ -589,23 +507,15 @@ TEST_F(WindowKit, IconComesFromTheModuleAndAMissingOneChangesNothing)
     kit->setWindowIcon(slot, 200);
     EXPECT_NE(SendMessageA(child, WM_GETICON, ICON_BIG, 0), 0);
     EXPECT_NE(SendMessageA(child, WM_GETICON, ICON_SMALL, 0), 0);
-}
 
-TEST_F(WindowKit, TitleIsSetOnTheWindow)
-{
-    const int slot = openChild();
     kit->setWindowTitle(slot, "Velmoran");
     char title[64] = {};
-    GetWindowTextA(kit->windowHandle(slot), title, sizeof(title));
+    GetWindowTextA(child, title, sizeof(title));
     EXPECT_STREQ(title, "Velmoran");
-}
 
-TEST_F(WindowKit, ResizeChangesTheDeviceSize)
-{
-    const int slot = openChild();
     kit->resize(slot, 321, 123);
     RECT client{};
-    GetClientRect(kit->windowHandle(slot), &client);
+    GetClientRect(child, &client);
     EXPECT_EQ(client.right, 321);
     EXPECT_EQ(client.bottom, 123);
 }
@@ -648,16 +558,14 @@ TEST_F(WindowKit, CursorsAreShownAndRestored)
     EXPECT_EQ(GetCursor(), arrow);
 }
 
-TEST_F(WindowKit, DisplayScaleIsMeasuredOnceWithinItsRange)
+// The display scale is measured once and kept in 1..2; the gamma table brightens but keeps its ends.
+TEST_F(WindowKit, DisplayScaleAndGammaTable)
 {
     const float scale = kit->displayScale();
     EXPECT_GE(scale, 1.0f);
     EXPECT_LE(scale, 2.0f);
     EXPECT_EQ(kit->displayScale(), scale);
-}
 
-TEST_F(WindowKit, GammaTableBrightensAndKeepsTheEnds)
-{
     const auto& table = kit->gammaTable();
     EXPECT_EQ(table[0], 0);
     EXPECT_EQ(table[255], 255);
@@ -687,8 +595,7 @@ TEST(WindowKitModuleHooks, CreateAndTearDownTheKit)
     CPlatformWindows* created = CPlatformWindows::instance(false);
     ASSERT_NE(created, nullptr);
     EXPECT_STREQ(created->uiClassName(), "00FF00FF00FF-UI");
-    HWND host = hostWindow();
-    const int slot = created->createChildWindow(0, 0, 10, 10, 1.0f, host, nullptr);
+    const int slot = created->createChildWindow(0, 0, 10, 10, 1.0f, testHostWindow(), nullptr);
     HWND child = created->windowHandle(slot);
     velmoran::platform::exitWindowKit();
     EXPECT_EQ(CPlatformWindows::instance(false), nullptr);
@@ -696,26 +603,18 @@ TEST(WindowKitModuleHooks, CreateAndTearDownTheKit)
     EXPECT_FALSE(UnregisterClassA("00FF00FF00FF-UI", CPlatformWindows::moduleInstance()));
 }
 
-struct DpiCase
+TEST(DisplayScaleForDpi, FollowsTheScreenResolutionWhenAware)
 {
-    bool aware;
-    int dpi;
-    float scale;
-};
-
-class DisplayScaleForDpi : public ::testing::TestWithParam<DpiCase>
-{
-};
-
-TEST_P(DisplayScaleForDpi, FollowsTheScreenResolution)
-{
-    EXPECT_FLOAT_EQ(CPlatformWindows::displayScaleForDpi(GetParam().aware, GetParam().dpi), GetParam().scale);
+    const struct
+    {
+        bool aware;
+        int dpi;
+        float scale;
+    } cases[] = {{true, 96, 1.0f},  {true, 72, 1.0f},  {true, 120, 1.25f}, {true, 144, 1.5f},
+                 {true, 240, 2.0f}, {true, 300, 2.0f}, {false, 120, 1.0f}};
+    for (const auto& screen : cases)
+        EXPECT_FLOAT_EQ(CPlatformWindows::displayScaleForDpi(screen.aware, screen.dpi), screen.scale)
+            << screen.dpi << " dpi, aware " << screen.aware;
 }
-
-INSTANTIATE_TEST_SUITE_P(Screens, DisplayScaleForDpi,
-                         ::testing::Values(DpiCase{true, 96, 1.0f}, DpiCase{true, 72, 1.0f},
-                                           DpiCase{true, 120, 1.25f}, DpiCase{true, 144, 1.5f},
-                                           DpiCase{true, 240, 2.0f}, DpiCase{true, 300, 2.0f},
-                                           DpiCase{false, 120, 1.0f}));
 
 } // namespace

@@ -1,5 +1,6 @@
+#include "RenderTestSupport.h"
+
 #include "tools/render/RenderArguments.h"
-#include "tools/render/RenderError.h"
 
 #include <gtest/gtest.h>
 
@@ -8,26 +9,23 @@ namespace velmoran::render
 namespace
 {
 
-TEST(RenderArguments, TakesInputOutputAndSettingsInOrder)
+using test::contains;
+
+TEST(RenderArguments, TakesFilesSettingsAndOptionsInOrder)
 {
-    const RenderRequest request =
-        parseArguments({"--preset", "03 - British EQ NV-3", "--set", "03 Gain=+6 dB",
-                        "--set=03 Filt Type=Peak +3dB", "in.wav", "out.flac"});
+    RenderRequest request = parseArguments({"--preset", "03 - British EQ NV-3", "--set", "03 Gain=+6 dB",
+                                            "--set=03 Filt Type=Peak +3dB", "in.wav", "out.flac"});
     EXPECT_EQ(request.inputPath, "in.wav");
     EXPECT_EQ(request.outputPath, "out.flac");
-    ASSERT_TRUE(request.preset.has_value());
-    EXPECT_EQ(*request.preset, "03 - British EQ NV-3");
+    EXPECT_EQ(request.preset.value_or(""), "03 - British EQ NV-3");
     ASSERT_EQ(request.assignments.size(), 2u);
     EXPECT_EQ(request.assignments[0].title, "03 Gain");
     EXPECT_EQ(request.assignments[0].value, "+6 dB");
     EXPECT_EQ(request.assignments[1].title, "03 Filt Type");
     EXPECT_EQ(request.assignments[1].value, "Peak +3dB");
     EXPECT_EQ(request.blockSize, 512);
-}
 
-TEST(RenderArguments, ReadsOutputFormatBlockSizeAndStateFiles)
-{
-    const RenderRequest request =
+    request =
         parseArguments({"--block-size", "64", "--format", "AIFF", "--sample-format", "float", "--load-state",
                         "a.state", "--save-state=b.state", "--response", "r.png", "-q", "in.wav", "out.aif"});
     EXPECT_EQ(request.blockSize, 64);
@@ -39,7 +37,7 @@ TEST(RenderArguments, ReadsOutputFormatBlockSizeAndStateFiles)
     EXPECT_TRUE(request.quiet);
 }
 
-TEST(RenderArguments, ResponseOrStateAloneNeedNoFiles)
+TEST(RenderArguments, ResponseStateHelpOrDemoAloneNeedNoFiles)
 {
     EXPECT_NO_THROW(parseArguments({"--preset", "1", "--response", "nv1.png"}));
     EXPECT_NO_THROW(parseArguments({"--preset", "1", "--save-state", "nv1.state"}));
@@ -47,53 +45,38 @@ TEST(RenderArguments, ResponseOrStateAloneNeedNoFiles)
     EXPECT_EQ(parseArguments({"--demo-signal", "demo.wav"}).demoSignalPath, "demo.wav");
 }
 
-struct BadCommandLine
+// A bad command line is a usage error whose message names the culprit.
+TEST(RenderArguments, RefusesBadCommandLines)
 {
-    std::vector<std::string> arguments;
-    std::string named;
-};
-
-class RenderArgumentsRefuse : public testing::TestWithParam<BadCommandLine>
-{
-};
-
-TEST_P(RenderArgumentsRefuse, WithAUsageErrorNamingTheCulprit)
-{
-    try
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{"--bogus", "a.wav", "b.wav"}, "--bogus"},
+        {{"--block-size", "0", "a.wav", "b.wav"}, "1 to 8192"},
+        {{"--block-size", "64k", "a.wav", "b.wav"}, "64k"},
+        {{"--format", "mp3", "a.wav", "b.wav"}, "wav, aiff or flac"},
+        {{"--sample-format", "12", "a.wav", "b.wav"}, "16, 24, 32 or float"},
+        {{"--set", "03 Gain", "a.wav", "b.wav"}, "TITLE=VALUE"},
+        {{"a.wav"}, "no output file"},
+        {{"a.wav", "b.wav", "c.wav"}, "c.wav"},
+        {{"a.wav", "a.wav"}, "overwrite the input"},
+        {{}, "--help"},
+        {{"a.wav", "b.wav", "--preset"}, "--preset needs a value"},
+    };
+    for (const auto& [arguments, named] : cases)
     {
-        parseArguments(GetParam().arguments);
-        FAIL() << "accepted a bad command line";
-    }
-    catch (const RenderError& error)
-    {
-        EXPECT_EQ(error.kind(), RenderError::Kind::usage);
-        EXPECT_NE(std::string(error.what()).find(GetParam().named), std::string::npos) << error.what();
+        SCOPED_TRACE(named);
+        const test::Thrown thrown = test::thrownBy([&] { parseArguments(arguments); });
+        EXPECT_EQ(thrown.kind, RenderError::Kind::usage);
+        EXPECT_TRUE(contains(thrown.message, named));
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RenderArgumentsRefuse,
-    testing::Values(BadCommandLine{{"--bogus", "a.wav", "b.wav"}, "--bogus"},
-                    BadCommandLine{{"--block-size", "0", "a.wav", "b.wav"}, "1 to 8192"},
-                    BadCommandLine{{"--block-size", "64k", "a.wav", "b.wav"}, "64k"},
-                    BadCommandLine{{"--format", "mp3", "a.wav", "b.wav"}, "wav, aiff or flac"},
-                    BadCommandLine{{"--sample-format", "12", "a.wav", "b.wav"}, "16, 24, 32 or float"},
-                    BadCommandLine{{"--set", "03 Gain", "a.wav", "b.wav"}, "TITLE=VALUE"},
-                    BadCommandLine{{"a.wav"}, "no output file"},
-                    BadCommandLine{{"a.wav", "b.wav", "c.wav"}, "c.wav"},
-                    BadCommandLine{{"a.wav", "a.wav"}, "overwrite the input"}, BadCommandLine{{}, "--help"},
-                    BadCommandLine{{"a.wav", "b.wav", "--preset"}, "--preset needs a value"}));
 
 TEST(RenderArguments, HelpShowsEveryOptionAndAnExample)
 {
     const std::string help = helpText("velmoran-render");
-    for (const char* option :
-         {"--preset", "--set", "--load-state", "--save-state", "--block-size", "--plugin", "--response",
-          "--format", "--sample-format", "--list-parameters", "--list-presets"})
-    {
-        EXPECT_NE(help.find(option), std::string::npos) << option;
-    }
-    EXPECT_NE(help.find("velmoran-render --preset 3 mix.wav mix-nv3.wav"), std::string::npos);
+    for (const char* option : {"--preset", "--set", "--load-state", "--save-state", "--block-size",
+                               "--plugin", "--response", "--format", "--sample-format", "--list-parameters",
+                               "--list-presets", "velmoran-render --preset 3 mix.wav mix-nv3.wav"})
+        EXPECT_TRUE(contains(help, option));
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "tools/render/AtomicFile.h"
 
-#include <dirent.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -76,18 +75,8 @@ std::string ScratchFolder::file(const std::string& name) const
 std::vector<std::string> ScratchFolder::names() const
 {
     std::vector<std::string> found;
-    if (DIR* folder = opendir(mPath.c_str()))
-    {
-        while (const dirent* entry = readdir(folder))
-        {
-            const std::string name = entry->d_name;
-            if (name != "." && name != "..")
-            {
-                found.push_back(name);
-            }
-        }
-        closedir(folder);
-    }
+    for (const auto& entry : std::filesystem::directory_iterator(mPath))
+        found.push_back(entry.path().filename().string());
     std::sort(found.begin(), found.end());
     return found;
 }
@@ -95,11 +84,7 @@ std::vector<std::string> ScratchFolder::names() const
 void writeSound(const std::string& path, const std::vector<float>& samples, int format, int sampleRate,
                 int channels)
 {
-    render::AudioInfo info;
-    info.sampleRate = sampleRate;
-    info.channels = channels;
-    info.format = format;
-    render::AudioWriter writer(path, info);
+    render::AudioWriter writer(path, render::AudioInfo{sampleRate, channels, 0, format});
     writer.write(samples.data(), static_cast<int64_t>(samples.size()) / channels);
     writer.commit();
 }

@@ -1,9 +1,12 @@
 #pragma once
 
 // Shared pieces of the render tests: a scratch folder, test signals written as sound files,
-// files read back, levels measured, and the command-line tool run as a user runs it.
+// files read back, levels measured, errors caught, and the command-line tool run as a user runs it.
 
 #include "tools/render/AudioFile.h"
+#include "tools/render/RenderError.h"
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -38,6 +41,19 @@ struct Sound
     std::vector<float> samples;
 };
 
+// A libsndfile format with a channel count and a rate, named for parameterised tests.
+struct SoundFormat
+{
+    const char* name;
+    int format;
+    int channels;
+    int sampleRate;
+};
+inline std::string soundFormatName(const ::testing::TestParamInfo<SoundFormat>& info)
+{
+    return info.param.name;
+}
+
 // Writes samples (interleaved) to path with the given libsndfile format, rate and channels.
 void writeSound(const std::string& path, const std::vector<float>& samples, int format, int sampleRate,
                 int channels);
@@ -50,7 +66,34 @@ std::vector<float> busySignal(double seconds, int sampleRate, int channels);
 // RMS level in dBFS of one channel from frame first to the end.
 double rmsDb(const Sound& sound, int channel, size_t first);
 
-// What a run of the tool gave: exit status and everything it wrote to standard error.
+// Whether text contains part, showing the whole text if not.
+inline ::testing::AssertionResult contains(const std::string& text, const std::string& part)
+{
+    if (text.find(part) != std::string::npos)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "\"" << part << "\" is not in: " << text;
+}
+
+// The kind and message of the render error a call throws; an empty message if it throws none.
+struct Thrown
+{
+    render::RenderError::Kind kind = render::RenderError::Kind::failure;
+    std::string message;
+};
+template <typename Call> Thrown thrownBy(Call call)
+{
+    try
+    {
+        call();
+    }
+    catch (const render::RenderError& error)
+    {
+        return {error.kind(), error.what()};
+    }
+    return {};
+}
+
+// What a run of the tool gave: exit status and everything it wrote to standard error and output.
 struct ToolRun
 {
     int exitCode = -1;

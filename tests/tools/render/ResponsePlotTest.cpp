@@ -1,6 +1,5 @@
 #include "RenderTestSupport.h"
 
-#include "tools/render/AtomicFile.h"
 #include "tools/render/RenderError.h"
 #include "tools/render/ResponsePlot.h"
 
@@ -49,27 +48,12 @@ TEST(ResponsePlot, ChannelsThatDifferGetACurveEach)
     EXPECT_NE(script.find("'it''s a title'"), std::string::npos);
 }
 
-TEST(ResponsePlot, WritesAPngImage)
-{
-    test::ScratchFolder folder;
-    writeResponsePlot(bellCurves(0.0), "Velmoran: bell", folder.file("bell.png"));
-    const std::vector<char> bytes = readFileBytes(folder.file("bell.png"));
-    ASSERT_GT(bytes.size(), 1000u);
-    EXPECT_EQ(std::string(bytes.begin() + 1, bytes.begin() + 4), "PNG");
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"bell.png"});
-}
-
+// Writing the image is tried end to end by the tool's own test; here only the refusal.
 TEST(ResponsePlot, AnUnwritablePathIsNamed)
 {
-    try
-    {
-        writeResponsePlot(bellCurves(0.0), "x", "/nonexistent-folder/plot.png");
-        FAIL();
-    }
-    catch (const RenderError& error)
-    {
-        EXPECT_NE(std::string(error.what()).find("/nonexistent-folder/plot.png"), std::string::npos);
-    }
+    const std::string path = "/nonexistent-folder/plot.png";
+    EXPECT_TRUE(
+        test::contains(test::thrownBy([&] { writeResponsePlot(bellCurves(0.0), "x", path); }).message, path));
 }
 
 } // namespace

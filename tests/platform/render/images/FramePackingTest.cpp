@@ -15,21 +15,6 @@ namespace
 
 constexpr int kDriverLimit = 8192;
 
-struct StripCase
-{
-    int width;
-    int height;
-    int frames;
-    int columns;
-    int rows;
-    int textureWidth;
-    int textureHeight;
-};
-
-class StripSizes : public ::testing::TestWithParam<StripCase>
-{
-};
-
 // A strip whose pixels say which frame they belong to (red = frame + 1) and where in the frame
 // they sit (green = column, blue = row), fully opaque.
 std::vector<std::uint8_t> numberedStrip(int width, int height, int frames)
@@ -50,25 +35,28 @@ std::vector<std::uint8_t> numberedStrip(int width, int height, int frames)
 
 } // namespace
 
-TEST_P(StripSizes, GivesColumnsRowsAndPowerOfTwoTexture)
+TEST(FramePacking, EditorStripsGetColumnsRowsAndAPowerOfTwoTexture)
 {
-    const StripCase& strip = GetParam();
-    const FramePacking packing = packFrames(strip.width, strip.height, strip.frames, kDriverLimit);
-    ASSERT_TRUE(packing.valid);
-    EXPECT_EQ(packing.columns, strip.columns);
-    EXPECT_EQ(packing.rows, strip.rows);
-    EXPECT_EQ(packing.textureWidth, strip.textureWidth);
-    EXPECT_EQ(packing.textureHeight, strip.textureHeight);
+    // Width, height, frames; columns, rows, texture width and height.
+    const int strips[][7] = {
+        {32, 160, 5, 3, 2, 128, 64},    // selector strip
+        {16, 16, 1, 1, 1, 64, 64},      // menu icon
+        {64, 86, 2, 2, 1, 128, 64},     // switch face
+        {32, 96, 3, 2, 2, 64, 64},      // three-state button
+        {256, 32, 1, 1, 1, 256, 64},    // wide frame piece
+        {884, 308, 1, 1, 1, 1024, 512}, // glyph atlas
+    };
+    for (const auto& strip : strips)
+    {
+        SCOPED_TRACE(::testing::Message() << strip[0] << " x " << strip[1] << " in " << strip[2]);
+        const FramePacking packing = packFrames(strip[0], strip[1], strip[2], kDriverLimit);
+        ASSERT_TRUE(packing.valid);
+        EXPECT_EQ(packing.columns, strip[3]);
+        EXPECT_EQ(packing.rows, strip[4]);
+        EXPECT_EQ(packing.textureWidth, strip[5]);
+        EXPECT_EQ(packing.textureHeight, strip[6]);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(EditorStrips, StripSizes,
-                         ::testing::Values(StripCase{32, 160, 5, 3, 2, 128, 64},   // selector strip
-                                           StripCase{16, 16, 1, 1, 1, 64, 64},     // menu icon
-                                           StripCase{64, 86, 2, 2, 1, 128, 64},    // switch face
-                                           StripCase{32, 96, 3, 2, 2, 64, 64},     // three-state button
-                                           StripCase{256, 32, 1, 1, 1, 256, 64},   // wide frame piece
-                                           StripCase{884, 308, 1, 1, 1, 1024, 512} // glyph atlas
-                                           ));
 
 TEST(FramePacking, FiveFrameStripFollowsTheTextureWidthNotTheColumnCount)
 {
@@ -102,29 +90,14 @@ TEST(FramePacking, CopiedFramesLandInTheirCellsAndTheRestStaysTransparent)
     EXPECT_EQ(pixelAt(40, 40)[0], 0);
 }
 
-TEST(FramePacking, SmallIconSitsInTheTopLeftCornerOfA64Texture)
-{
-    const std::vector<std::uint8_t> icon = numberedStrip(16, 16, 1);
-    const FramePacking packing = packFrames(16, 16, 1, kDriverLimit);
-    std::vector<std::uint8_t> texture(64 * 64 * 4);
-    copyFramesIntoTexture(packing, icon.data(), 16 * 4, texture.data());
-    EXPECT_EQ(texture[(15 * 64 + 15) * 4 + 3], 255);
-    EXPECT_EQ(texture[(15 * 64 + 16) * 4 + 3], 0);
-    EXPECT_EQ(texture[(16 * 64 + 15) * 4 + 3], 0);
-}
-
-TEST(FramePacking, SizeBeyondTheDriverLimitIsRefused)
-{
-    // 64 -> 128 -> 256 against a limit of 128: the step from 256 starts above the limit.
-    EXPECT_FALSE(packFrames(300, 16, 1, 128).valid);
-    // The last doubling may start at the limit itself.
-    EXPECT_TRUE(packFrames(200, 16, 1, 128).valid);
-}
-
-TEST(FramePacking, EmptyOrNonsenseStripsAreRefused)
+TEST(FramePacking, EmptyNonsenseOrTooLargeStripsAreRefused)
 {
     EXPECT_FALSE(packFrames(0, 16, 1, kDriverLimit).valid);
     EXPECT_FALSE(packFrames(16, 16, 0, kDriverLimit).valid);
     EXPECT_FALSE(packFrames(16, 4, 5, kDriverLimit).valid);
     EXPECT_FALSE(packFrames(16, -16, 1, kDriverLimit).valid);
+    // 64 -> 128 -> 256 against a limit of 128: the step from 256 starts above the limit, but the
+    // last doubling may start at the limit itself.
+    EXPECT_FALSE(packFrames(300, 16, 1, 128).valid);
+    EXPECT_TRUE(packFrames(200, 16, 1, 128).valid);
 }
