@@ -137,6 +137,11 @@ void CPlugController::loadProgram(int index)
 
 tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue value)
 {
+    // A value that is no number would be kept as it is and shown to the host and the editor.
+    if (!std::isfinite(value))
+    {
+        return kInvalidArgument;
+    }
     tresult result = EditControllerEx1::setParamNormalized(tag, value);
     if (tag != kPresetTag || result != kResultOk || !std::isfinite(value))
     {
@@ -168,10 +173,12 @@ tresult PLUGIN_API CPlugController::setComponentState(IBStream* state)
 tresult PLUGIN_API CPlugController::getParamStringByValue(ParamID tag, ParamValue valueNormalized,
                                                           String128 string)
 {
-    if (!string)
+    if (!string || !std::isfinite(valueNormalized))
     {
         return kInvalidArgument;
     }
+    // Codes and counts are taken from the value: outside 0..1 they would not fit their types.
+    valueNormalized = std::clamp(valueNormalized, 0.0, 1.0);
     std::string text;
     if (tag < kTagTableSize && valueText(tag, static_cast<float>(valueNormalized), text))
     {
@@ -236,7 +243,31 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         }
         return kResultOk;
     }
+    // The SDK reads the attributes of a "TextMessage" without asking whether there are any.
+    if (!attributes)
+    {
+        return kResultFalse;
+    }
     return EditControllerEx1::notify(message);
+}
+
+tresult PLUGIN_API CPlugController::getParameterInfo(int32 paramIndex, ParameterInfo& info)
+{
+    // The SDK's containers throw for an index out of range; a host gets a refusal instead.
+    if (paramIndex < 0 || paramIndex >= getParameterCount())
+    {
+        return kInvalidArgument;
+    }
+    return EditControllerEx1::getParameterInfo(paramIndex, info);
+}
+
+tresult PLUGIN_API CPlugController::getUnitInfo(int32 unitIndex, UnitInfo& info)
+{
+    if (unitIndex < 0 || unitIndex >= getUnitCount())
+    {
+        return kInvalidArgument;
+    }
+    return EditControllerEx1::getUnitInfo(unitIndex, info);
 }
 
 tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex*/, int16 /*channel*/,

@@ -38,6 +38,9 @@ public:
     tresult PLUGIN_API getParamValueByString(ParamID tag, TChar* string,
                                              ParamValue& valueNormalized) SMTG_OVERRIDE;
 
+    tresult PLUGIN_API getParameterInfo(int32 paramIndex, ParameterInfo& info) SMTG_OVERRIDE;
+    tresult PLUGIN_API getUnitInfo(int32 unitIndex, UnitInfo& info) SMTG_OVERRIDE;
+
     tresult PLUGIN_API getMidiControllerAssignment(int32 busIndex, int16 channel,
                                                    CtrlNumber midiControllerNumber,
                                                    ParamID& id) SMTG_OVERRIDE;
