@@ -175,9 +175,7 @@ TEST(PlugLoad, ThirtyTwoInstancesOnTwoThreadsWithTheirSenders)
     EXPECT_EQ(failures.load(), 0);
     for (auto& instance : instances)
     {
-        instance->disconnect();
-        ASSERT_NE(instance->controllerFrame(), nullptr);
-        EXPECT_NE(instance->controllerFrame()->transformSize, 0) << "every controller received frames";
+        EXPECT_NE(instance->received().transformSize, 0) << "every controller receives frames";
     }
     std::printf(
         "[ figures  ] load: %d instances x %.1f s of 48 kHz audio on 2 threads with %d sender threads: "

@@ -1,16 +1,58 @@
 #include "RunningInstance.h"
 
-#include "plugin/PlugController.h"
+#include "plugin/SpectrumFrame.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace velmoran::test
 {
 
+namespace Plug = Vst::Velmoran;
+
+FrameRelay::FrameRelay(IConnectionPoint* controller)
+    : mController(controller){FUNKNOWN_CTOR}
+
+      FrameRelay::~FrameRelay(){FUNKNOWN_DTOR}
+
+      IMPLEMENT_FUNKNOWN_METHODS(FrameRelay, IConnectionPoint, IConnectionPoint::iid)
+
+          ReceivedFrames FrameRelay::received()
+{
+    std::lock_guard<std::mutex> guard(mLock);
+    return mReceived;
+}
+
+tresult PLUGIN_API FrameRelay::notify(IMessage* message)
+{
+    const void* data = nullptr;
+    uint32 size = 0;
+    if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
+        message->getAttributes() && message->getAttributes()->getBinary("FFTData", data, size) == kResultOk &&
+        size == sizeof(Plug::SpectrumFrame))
+    {
+        const auto* frame = static_cast<const Plug::SpectrumFrame*>(data);
+        std::lock_guard<std::mutex> guard(mLock);
+        ++mReceived.count;
+        mReceived.sampleRate = frame->sampleRate;
+        mReceived.transformSize = frame->transformSize;
+        mReceived.loudestBin =
+            *std::max_element(frame->magnitudes, frame->magnitudes + Plug::kAnalyserMagnitudeCount);
+    }
+    return mController->notify(message);
+}
+
 RunningInstance::RunningInstance(int32 maxBlockLength)
 {
-    if (!plugin.valid())
+    FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
+    FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
+    if (!plugin.valid() || !componentPoint || !controllerPoint)
     {
         return;
     }
+    mRelay = owned(new FrameRelay(controllerPoint));
+    componentPoint->connect(mRelay);
+    controllerPoint->connect(componentPoint);
     for (size_t channel = 0; channel < 2; ++channel)
     {
         inputs[channel].assign(static_cast<size_t>(maxBlockLength), 0.0f);
@@ -39,6 +81,20 @@ RunningInstance::~RunningInstance()
     {
         plugin.component->setActive(false);
     }
+    disconnect();
+}
+
+void RunningInstance::disconnect()
+{
+    FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
+    FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
+    if (!mRelay || !componentPoint || !controllerPoint)
+    {
+        return;
+    }
+    componentPoint->disconnect(mRelay);
+    controllerPoint->disconnect(componentPoint);
+    mRelay = nullptr;
 }
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
@@ -46,13 +102,6 @@ tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
     mData.numSamples = sampleCount;
     mData.inputParameterChanges = changes;
     return plugin.processor->process(mData);
-}
-
-const Vst::Velmoran::SpectrumFrame* RunningInstance::controllerFrame() const
-{
-    // The module is built from the same sources as this program, so the class is the same.
-    auto* controller = static_cast<Vst::Velmoran::CPlugController*>(plugin.controller.get());
-    return controller ? controller->spectrumFrame() : nullptr;
 }
 
 } // namespace velmoran::test
