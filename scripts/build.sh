@@ -12,5 +12,9 @@ for preset in linux windows; do
 done
 mkdir -p dist
 build/linux/tools/design-deviation/velmoran-design-deviation >dist/filter-deviation.txt
+# The first picture of the graphics platform: one frame drawn by the OpenGL renderer in a window of
+# the window kit, run under Wine on a virtual display.
+build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.exe dist/velmoran-gl-snapshot.png
+build/windows/wine-run.sh --remove-prefix
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort

@@ -1,0 +1,158 @@
+#pragma once
+
+#include "BandFilter.h"
+#include "GainRamp.h"
+#include "SpectrumAnalyser.h"
+#include "SwitchRamp.h"
+
+#include <array>
+#include <cstddef>
+
+namespace velmoran::dsp
+{
+
+// The signal path of the equaliser: input gain, polarity, ten bands on each of two channels,
+// output gain, the effect in/out cross-fade, solo listening and the analyser's capture.
+// Setters store plain values; updateBlock moves the running settings towards them once per chunk
+// and processFrame filters one stereo frame. Everything runs on the audio thread; nothing
+// allocates after construction.
+class BandEngine
+{
+public:
+    static constexpr int kBandCount = 10;
+    static constexpr int kMaxChunkLength = 64;
+
+    // All bands unity, effect out and settled, analyser off and sized for 48 kHz.
+    BandEngine();
+
+    // Takes a new sample rate in Hz, designs all twenty filters afresh and re-sizes the analyser
+    // (not on the audio thread while it processes). Non-finite or non-positive rates are ignored.
+    void setSampleRate(float sampleRateHz);
+
+    // Band centre or corner frequency in Hz (band 1..10), kept within 20 .. 20000 Hz.
+    void setBandFrequency(int band, float hz);
+    // Band gain in dB, kept within -18 .. +18 dB.
+    void setBandGain(int band, float db);
+    // Band Q, kept within 0.3 .. 5.
+    void setBandQ(int band, float q);
+    // Band filter type code 0..20 (other codes are ignored).
+    void setBandType(int band, int typeCode);
+    // Band switch; a band switched off fades out over the cross-fade.
+    void setBandEnabled(int band, bool enabled);
+    // Band channel mode: 0 both channels, 1 first only, 2 second only (others ignored).
+    void setBandMode(int band, int mode);
+    // Band to listen to (0 none, else 1..10; others ignored).
+    void setSoloBand(int band);
+    // Input gain in dB, kept within -24 .. +24 dB.
+    void setInputGainDb(float db);
+    // Output gain in dB, kept within -24 .. +24 dB.
+    void setOutputGainDb(float db);
+    // Polarity of both channels; applied with a 20 ms ramp while the effect is in.
+    void setPolarityInverted(bool inverted);
+    // Effect in (true) or out; either way a 50 ms cross-fade with the dry signal.
+    void setEffectOn(bool on);
+    // Analyser running or not; switching it on clears its display.
+    void setAnalyserOn(bool on);
+    // Analyser fed with the output (true) or the input after polarity (false).
+    void setAnalyserSourceOutput(bool output);
+
+    // Moves gains and band settings on and redesigns what changed; call before each chunk of
+    // 1 .. 64 frames (audio thread).
+    void updateBlock(int frameCount) noexcept;
+
+    // Processes one stereo frame (audio thread).
+    void processFrame(float inL, float inR, float& outL, float& outR) noexcept;
+
+    // Clears every filter history and cross-fade and settles all ramps on their targets; the
+    // settings are kept (called on deactivation).
+    void reset() noexcept;
+
+    // Frequency in Hz that band 1..10 is designed with now (gliding towards the set value); 0 for
+    // any other band number.
+    float currentBandFrequency(int band) const noexcept
+    {
+        return IsValidBand(band) ? mBands[static_cast<std::size_t>(band - 1)].current.frequencyHz : 0.0f;
+    }
+    // Gain in dB that band 1..10 is designed with now; 0 for any other band number.
+    float currentBandGain(int band) const noexcept
+    {
+        return IsValidBand(band) ? mBands[static_cast<std::size_t>(band - 1)].current.gainDb : 0.0f;
+    }
+
+    // Rate in Hz the analyser's bins refer to.
+    float analyserSampleRate() const noexcept { return mAnalyser.sampleRate(); }
+    // Analyser transform size N; bin k lies at k * analyserSampleRate() / N Hz.
+    int analyserSize() const noexcept { return mAnalyser.size(); }
+    // SpectrumAnalyser::kBinCount smoothed linear magnitudes.
+    const float* analyserMagnitudes() const noexcept { return mAnalyser.magnitudes(); }
+
+private:
+    struct BandSettings
+    {
+        float frequencyHz = 1000.0f;
+        float gainDb = 0.0f;
+        float q = 1.0f;
+        int type = 0;
+        bool enabled = true;
+        int mode = 0;
+    };
+
+    struct Band
+    {
+        BandSettings target;               // as last set
+        BandSettings current;              // as designed into the filters
+        std::array<BandFilter, 2> filters; // first and second channel
+    };
+
+    enum class DesignMode
+    {
+        CrossFade,
+        Direct
+    };
+
+    static bool IsValidBand(int band) noexcept { return band >= 1 && band <= kBandCount; }
+    Band& bandAt(int band) noexcept { return mBands[static_cast<std::size_t>(band - 1)]; }
+
+    BiquadSection designChannel(int bandIndex, int channel) const noexcept;
+    void designBand(int bandIndex, DesignMode mode) noexcept;
+    bool isBandFading(const Band& band) const noexcept;
+    bool isAnyBandFading() const noexcept;
+    void updateGain(float& currentDb, float targetDb, std::array<GainRamp, 2>& ramps,
+                    int frameCount) noexcept;
+    void updateBandSwitches() noexcept;
+    void updateSolo() noexcept;
+    void glideBands() noexcept;
+    void updateEffectSwitch() noexcept;
+    void updateAnalyser() noexcept;
+    void updatePolarity() noexcept;
+    void takeOverAllSettings() noexcept;
+    void feedAnalyser(float inputMean, float outputMean) noexcept;
+
+    float mSampleRate = 48000.0f;
+    std::array<Band, kBandCount> mBands;
+    int mSoloSet = 0;
+    int mSoloApplied = 0;
+
+    float mInputGainTargetDb = 0.0f;
+    float mInputGainDb = 0.0f;
+    float mOutputGainTargetDb = 0.0f;
+    float mOutputGainDb = 0.0f;
+    std::array<GainRamp, 2> mInputGainRamps;
+    std::array<GainRamp, 2> mOutputGainRamps;
+
+    bool mPolaritySet = false;
+    bool mPolarityApplied = false;
+    std::array<GainRamp, 2> mPolarityRamps;
+
+    bool mEffectSet = false;
+    bool mEffectApplied = false;
+    std::array<SwitchRamp, 2> mSwitchRamps;
+
+    bool mAnalyserSet = false;
+    bool mAnalyserOn = false;
+    bool mAnalyserSourceSet = false;
+    bool mAnalyserSourceOutput = false;
+    SpectrumAnalyser mAnalyser;
+};
+
+} // namespace velmoran::dsp

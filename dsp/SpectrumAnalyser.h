@@ -1,0 +1,68 @@
+#pragma once
+
+#include "FftStepper.h"
+
+#include <array>
+#include <vector>
+
+namespace velmoran::dsp
+{
+
+// Smoothed magnitude spectrum of a mono feed, for the display behind the response curve. Each
+// frame of N/4 windowed samples is transformed four times zero-padded while the next frame is
+// captured, a few butterflies per sample, so no audio callback ever carries a whole transform.
+// Used on the audio thread only; the buffers are allocated once, at the largest transform size.
+class SpectrumAnalyser
+{
+public:
+    static constexpr int kBinCount = 2048;
+    static constexpr int kMaxLog2Size = 14;
+    static constexpr int kMaxSize = 1 << kMaxLog2Size;
+
+    // Sized for 48 kHz; allocates every buffer it will ever need.
+    SpectrumAnalyser();
+
+    // Chooses the transform size for the rate in Hz (4096 up to ~66 kHz, 8192 up to ~110 kHz,
+    // 16384 above), rebuilds the window and clears the display. Does not allocate.
+    void setSampleRate(float sampleRateHz) noexcept;
+
+    // Clears the display and the frame being captured (used when the analyser is switched on).
+    void reset() noexcept;
+
+    // Takes one mono sample and does this sample's share of the running transform (audio thread).
+    void feed(float sample) noexcept;
+
+    // The rate in Hz the analyser was sized for.
+    float sampleRate() const noexcept { return mSampleRate; }
+
+    // Transform size N; bin k of the magnitudes lies at k * sampleRate() / N Hz.
+    int size() const noexcept { return 1 << mLog2Size; }
+
+    // Butterflies run after each of the four writes per sample.
+    int stepBudget() const noexcept { return mStepBudget; }
+
+    // kBinCount smoothed linear magnitudes (a full-scale sine at a bin centre reads about 0.18).
+    const float* magnitudes() const noexcept { return mMagnitudes.data(); }
+
+private:
+    void finishFrame() noexcept;
+    void runSteps() noexcept;
+
+    float mSampleRate = 48000.0f;
+    int mLog2Size = 12;
+    int mFrameLength = 1024;
+    int mStepBudget = 6;
+    int mWritePosition = 0;
+    double mAttack = 0.0;
+    double mRelease = 0.0;
+
+    std::vector<double> mFillReal;
+    std::vector<double> mFillImag;
+    std::vector<double> mTransformReal;
+    std::vector<double> mTransformImag;
+    std::vector<double> mWindow;
+    std::array<float, kBinCount> mMagnitudes{};
+    FftStepper mStepper;
+};
+
+} // namespace velmoran::dsp

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+namespace velmoran::platform
+{
+
+// Event callbacks of one window. Every callback gets the slot index and the window's user pointer
+// (the editor view) last; positions are client pixels, button codes 0 left, 1 right, 2 wheel up,
+// 3 wheel down.
+using PaintCallback = void (*)(int left, int top, int width, int height, int slot, void* user);
+using MouseCallback = void (*)(int x, int y, int button, int slot, void* user);
+using KeyCallback = void (*)(int unused, int virtualKey, int down, int slot, void* user);
+using FileDropCallback = void (*)(const char* path, int slot, void* user);
+using CloseQueryCallback = bool (*)(int slot, void* user);
+using TimerCallback = bool (*)(void* user);
+using NotifyCallback = void (*)(int slot, void* user);
+using IdleCallback = bool (*)();
+
+// Mouse button codes handed to the mouse callbacks.
+enum MouseButton : int
+{
+    kButtonLeft = 0,
+    kButtonRight = 1,
+    kButtonWheelUp = 2,
+    kButtonWheelDown = 3
+};
+
+// One entry of the window table: the native handles of a window and the callbacks its messages
+// are turned into.
+struct WindowSlot
+{
+    HWND window = nullptr;
+    HDC windowDc = nullptr;
+    HDC memoryDc = nullptr;
+    HDC memoryDcSecond = nullptr;
+
+    NotifyCallback spare = nullptr; // kept for the caller, never called by the kit
+    PaintCallback paint = nullptr;
+    MouseCallback mouseDown = nullptr;
+    MouseCallback mouseUp = nullptr;
+    MouseCallback mouseMove = nullptr;
+    MouseCallback doubleClick = nullptr;
+    NotifyCallback destroyNotify = nullptr; // kept for the caller, never called by the kit
+    CloseQueryCallback closeQuery = nullptr;
+    KeyCallback keyDown = nullptr;
+    KeyCallback keyUp = nullptr;
+    FileDropCallback fileDrop = nullptr;
+    TimerCallback timer = nullptr;
+
+    void* user = nullptr;
+
+    float scale = 1.0f;
+    int32_t reciprocalScaleFixed = 65536; // 1 / scale in 16.16 fixed point
+    int32_t width = 0;                    // device pixels
+    int32_t height = 0;                   // device pixels
+    int32_t x = 0;
+    int32_t y = 0;
+    int32_t isSplash = 0;
+
+    uint8_t inUse = 0;
+    uint8_t erasePending = 1;
+    uint8_t trackMoves = 0;
+};
+
+} // namespace velmoran::platform

@@ -1,0 +1,758 @@
+#include "dsp/BandEngine.h"
+
+#include "support/Signals.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using velmoran::dsp::BandEngine;
+using velmoran::testing::GainDb;
+using velmoran::testing::kPi;
+using velmoran::testing::LargestStep;
+using velmoran::testing::MakeSine;
+using velmoran::testing::Rms;
+
+constexpr double kRate = 48000.0;
+constexpr int kChunk = BandEngine::kMaxChunkLength;
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+// Type codes as the band menu offers them.
+constexpr int kNoBand = 0;
+constexpr int kPeak = 2;
+constexpr int kPeakMinus3 = 3;
+constexpr int kPeakPlus3 = 4;
+constexpr int kPeakAsym = 5;
+constexpr int kPeakInv = 6;
+constexpr int kLowShelf = 7;
+constexpr int kHighShelf = 8;
+constexpr int kLowPass = 9;
+constexpr int kHighPass = 10;
+constexpr int kBandPass = 11;
+
+constexpr int kStereo = 0;
+constexpr int kLeft = 1;
+constexpr int kRight = 2;
+
+struct Stereo
+{
+    std::vector<float> left;
+    std::vector<float> right;
+};
+
+// Runs the engine as the processor does: chunks of 64 frames, each after a block update.
+Stereo Process(BandEngine& engine, const std::vector<float>& left, const std::vector<float>& right)
+{
+    Stereo output{std::vector<float>(left.size()), std::vector<float>(left.size())};
+    for (std::size_t start = 0; start < left.size(); start += kChunk)
+    {
+        const std::size_t end = std::min(left.size(), start + kChunk);
+        engine.updateBlock(static_cast<int>(end - start));
+        for (std::size_t i = start; i < end; ++i)
+        {
+            engine.processFrame(left[i], right[i], output.left[i], output.right[i]);
+        }
+    }
+    return output;
+}
+
+Stereo Process(BandEngine& engine, const std::vector<float>& mono)
+{
+    return Process(engine, mono, mono);
+}
+
+void ProcessSilence(BandEngine& engine, double seconds)
+{
+    Process(engine, std::vector<float>(static_cast<std::size_t>(seconds * kRate), 0.0f));
+}
+
+using Configure = std::function<void(BandEngine&)>;
+
+// An engine set up by `configure` while switched out, then switched in and settled.
+std::unique_ptr<BandEngine> MakeEngine(const Configure& configure = [](BandEngine&) {})
+{
+    auto engine = std::make_unique<BandEngine>();
+    configure(*engine);
+    engine->setEffectOn(true);
+    ProcessSilence(*engine, 0.5);
+    return engine;
+}
+
+void SetBand(BandEngine& engine, int band, int type, float hz, float db, float q = 1.0f, int mode = kStereo)
+{
+    engine.setBandType(band, type);
+    engine.setBandFrequency(band, hz);
+    engine.setBandGain(band, db);
+    engine.setBandQ(band, q);
+    engine.setBandMode(band, mode);
+    engine.setBandEnabled(band, true);
+}
+
+struct ChannelGains
+{
+    double left;
+    double right;
+};
+
+// Steady-state gain in dB of each channel for a sine at `hz` (probe frequencies are whole
+// multiples of 4 Hz, so the quarter-second measurement holds whole periods).
+ChannelGains MeasureGain(BandEngine& engine, double hz, double rate = kRate)
+{
+    const std::size_t length = static_cast<std::size_t>(rate / 2);
+    const auto sine = MakeSine(hz, rate, length, 0.25);
+    const auto output = Process(engine, sine);
+    return {GainDb(sine, output.left, length / 2, length), GainDb(sine, output.right, length / 2, length)};
+}
+
+std::vector<float> Concatenate(const std::vector<float>& first, const std::vector<float>& second)
+{
+    std::vector<float> joined = first;
+    joined.insert(joined.end(), second.begin(), second.end());
+    return joined;
+}
+
+// Runs `signal`, applying `change` at the chunk boundary `changeAt`; returns both channels.
+Stereo ProcessWithChange(BandEngine& engine, const std::vector<float>& signal, std::size_t changeAt,
+                         const Configure& change)
+{
+    const std::vector<float> before(signal.begin(), signal.begin() + static_cast<long>(changeAt));
+    const std::vector<float> after(signal.begin() + static_cast<long>(changeAt), signal.end());
+    const Stereo first = Process(engine, before);
+    change(engine);
+    const Stereo second = Process(engine, after);
+    return {Concatenate(first.left, second.left), Concatenate(first.right, second.right)};
+}
+
+TEST(BandEngineTest, SwitchedOutEngineReturnsTheInputExactly)
+{
+    BandEngine engine;
+    SetBand(engine, 4, kPeak, 1000.0f, 12.0f);
+    const auto left = MakeSine(440.0, kRate, 9600, 0.7);
+    const auto right = MakeSine(3000.0, kRate, 9600, 0.2);
+    const Stereo output = Process(engine, left, right);
+    EXPECT_EQ(output.left, left);
+    EXPECT_EQ(output.right, right);
+}
+
+TEST(BandEngineTest, SwitchedInWithoutBandsIsTransparent)
+{
+    auto engine = MakeEngine();
+    const auto left = MakeSine(440.0, kRate, 9600, 0.7);
+    const auto right = MakeSine(3000.0, kRate, 9600, 0.2);
+    const Stereo output = Process(*engine, left, right);
+    EXPECT_EQ(output.left, left);
+    EXPECT_EQ(output.right, right);
+}
+
+struct ResponseCase
+{
+    const char* name;
+    int type;
+    float bandHz;
+    float gainDb;
+    double probeHz;
+    double expectedDb;
+    double toleranceDb;
+};
+
+void PrintTo(const ResponseCase& c, std::ostream* stream)
+{
+    *stream << c.name;
+}
+
+class BandResponseTest : public ::testing::TestWithParam<ResponseCase>
+{
+};
+
+TEST_P(BandResponseTest, GainAtProbeFrequency)
+{
+    const ResponseCase& c = GetParam();
+    auto engine = MakeEngine([&](BandEngine& e) { SetBand(e, 4, c.type, c.bandHz, c.gainDb); });
+    const ChannelGains gains = MeasureGain(*engine, c.probeHz);
+    EXPECT_NEAR(gains.left, c.expectedDb, c.toleranceDb);
+    EXPECT_NEAR(gains.right, c.expectedDb, c.toleranceDb);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, BandResponseTest,
+    ::testing::Values(ResponseCase{"PeakBoostAtCentre", kPeak, 1000.0f, 12.0f, 1000.0, 12.0, 0.3},
+                      ResponseCase{"PeakCutAtCentre", kPeak, 1000.0f, -12.0f, 1000.0, -12.0, 0.3},
+                      ResponseCase{"PeakFarBelow", kPeak, 1000.0f, 12.0f, 40.0, 0.0, 0.3},
+                      ResponseCase{"LowShelfBelow", kLowShelf, 300.0f, 12.0f, 32.0, 12.0, 0.8},
+                      ResponseCase{"LowShelfAbove", kLowShelf, 300.0f, 12.0f, 12000.0, 0.0, 0.3},
+                      ResponseCase{"HighShelfAbove", kHighShelf, 2000.0f, -12.0f, 16000.0, -12.0, 1.0},
+                      ResponseCase{"HighShelfBelow", kHighShelf, 2000.0f, -12.0f, 100.0, 0.0, 0.3},
+                      ResponseCase{"LowPassPassband", kLowPass, 1000.0f, 0.0f, 100.0, 0.0, 0.3},
+                      ResponseCase{"LowPassDecadeAbove", kLowPass, 1000.0f, 0.0f, 10000.0, -40.0, 3.0},
+                      ResponseCase{"HighPassPassband", kHighPass, 1000.0f, 0.0f, 10000.0, 0.0, 0.3},
+                      ResponseCase{"HighPassDecadeBelow", kHighPass, 1000.0f, 0.0f, 100.0, -40.0, 3.0},
+                      ResponseCase{"BandPassCentre", kBandPass, 1000.0f, 0.0f, 1000.0, 0.0, 0.3},
+                      ResponseCase{"BandPassDecadeBelow", kBandPass, 1000.0f, 0.0f, 100.0, -20.0, 1.5}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct ModeCase
+{
+    int mode;
+    double leftDb;
+    double rightDb;
+};
+
+class ChannelModeTest : public ::testing::TestWithParam<ModeCase>
+{
+};
+
+TEST_P(ChannelModeTest, BandActsOnlyOnItsChannels)
+{
+    auto engine =
+        MakeEngine([](BandEngine& e) { SetBand(e, 4, kPeak, 1000.0f, 12.0f, 1.0f, GetParam().mode); });
+    const ChannelGains gains = MeasureGain(*engine, 1000.0);
+    EXPECT_NEAR(gains.left, GetParam().leftDb, 0.3);
+    EXPECT_NEAR(gains.right, GetParam().rightDb, 0.3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, ChannelModeTest,
+                         ::testing::Values(ModeCase{kStereo, 12.0, 12.0}, ModeCase{kLeft, 12.0, 0.0},
+                                           ModeCase{kRight, 0.0, 12.0}));
+
+struct ListenCase
+{
+    const char* name;
+    int type;
+    int mode;
+    double passHz; // heard at about 0 dB on the band's channels
+    double stopHz; // at least 15 dB down there
+};
+
+void PrintTo(const ListenCase& c, std::ostream* stream)
+{
+    *stream << c.name;
+}
+
+class SoloListenTest : public ::testing::TestWithParam<ListenCase>
+{
+};
+
+TEST_P(SoloListenTest, SoloedBandPlaysWhatItActsOn)
+{
+    const ListenCase& c = GetParam();
+    auto engine = MakeEngine(
+        [&](BandEngine& e)
+        {
+            SetBand(e, 6, c.type, 1000.0f, 9.0f, 1.0f, c.mode);
+            e.setSoloBand(6);
+        });
+    const ChannelGains pass = MeasureGain(*engine, c.passHz);
+    const ChannelGains stop = MeasureGain(*engine, c.stopHz);
+    const auto checkHeard = [&](double passDb, double stopDb)
+    {
+        EXPECT_NEAR(passDb, 0.0, 1.0);
+        EXPECT_LT(stopDb, -15.0);
+    };
+    const auto checkSilent = [&](double passDb, double stopDb)
+    {
+        EXPECT_EQ(passDb, -std::numeric_limits<double>::infinity());
+        EXPECT_EQ(stopDb, -std::numeric_limits<double>::infinity());
+    };
+    if (c.mode == kRight)
+    {
+        checkSilent(pass.left, stop.left);
+    }
+    else
+    {
+        checkHeard(pass.left, stop.left);
+    }
+    if (c.mode == kLeft)
+    {
+        checkSilent(pass.right, stop.right);
+    }
+    else
+    {
+        checkHeard(pass.right, stop.right);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ListenTypes, SoloListenTest,
+    ::testing::Values(ListenCase{"PeakLeftIsBandPassLeftOnly", kPeak, kLeft, 1000.0, 100.0},
+                      ListenCase{"PeakRightIsBandPassRightOnly", kPeakMinus3, kRight, 1000.0, 100.0},
+                      ListenCase{"PeakPlus3IsBandPass", kPeakPlus3, kStereo, 1000.0, 10000.0},
+                      ListenCase{"PeakAsymIsBandPass", kPeakAsym, kStereo, 1000.0, 100.0},
+                      ListenCase{"PeakInvIsBandPass", kPeakInv, kStereo, 1000.0, 10000.0},
+                      ListenCase{"BandPassStaysBandPass", kBandPass, kLeft, 1000.0, 100.0},
+                      ListenCase{"LowShelfIsLowPass", kLowShelf, kStereo, 100.0, 10000.0},
+                      ListenCase{"HighPassIsLowPass", kHighPass, kRight, 100.0, 10000.0},
+                      ListenCase{"HighShelfIsHighPass", kHighShelf, kStereo, 10000.0, 100.0},
+                      ListenCase{"LowPassIsHighPass", kLowPass, kStereo, 10000.0, 100.0}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(BandEngineTest, SoloHoldsTheOtherBandsAtUnity)
+{
+    auto engine = MakeEngine(
+        [](BandEngine& e)
+        {
+            SetBand(e, 1, kPeak, 1000.0f, 12.0f);
+            SetBand(e, 4, kPeak, 1000.0f, 6.0f);
+            e.setSoloBand(4);
+        });
+    EXPECT_NEAR(MeasureGain(*engine, 1000.0).left, 0.0, 0.3);
+}
+
+TEST(BandEngineTest, ClearingSoloRestoresEveryBand)
+{
+    auto engine = MakeEngine(
+        [](BandEngine& e)
+        {
+            SetBand(e, 1, kPeak, 1000.0f, 6.0f);
+            SetBand(e, 4, kPeak, 1000.0f, 6.0f);
+            e.setSoloBand(4);
+        });
+    ASSERT_NEAR(MeasureGain(*engine, 1000.0).left, 0.0, 0.3);
+    engine->setSoloBand(0);
+    EXPECT_NEAR(MeasureGain(*engine, 1000.0).left, 12.0, 0.3);
+}
+
+TEST(BandEngineTest, SwitchingInTakesEverySettingAtOnce)
+{
+    BandEngine engine;
+    SetBand(engine, 4, kPeak, 2000.0f, -9.0f);
+    engine.setEffectOn(true);
+    engine.updateBlock(kChunk);
+    EXPECT_EQ(engine.currentBandFrequency(4), 2000.0f);
+    EXPECT_EQ(engine.currentBandGain(4), -9.0f);
+}
+
+// Each move covers a tenth of the remaining way, one move per finished 512-sample cross-fade
+// (every eighth chunk of 64), until the step would be below 0.001, when it snaps.
+TEST(BandEngineTest, FrequencyChangeGlidesByTenthsAndSnaps)
+{
+    auto engine = MakeEngine([](BandEngine& e) { SetBand(e, 4, kPeak, 100.0f, 6.0f); });
+    engine->setBandFrequency(4, 1000.0f);
+    std::vector<float> frame(kChunk, 0.0f);
+    float previous = engine->currentBandFrequency(4);
+    int moves = 0;
+    int lastMoveChunk = -8;
+    bool snapped = false;
+    for (int chunk = 0; chunk < 2000 && !snapped; ++chunk)
+    {
+        Process(*engine, frame);
+        const float current = engine->currentBandFrequency(4);
+        if (current == previous)
+        {
+            continue;
+        }
+        ++moves;
+        EXPECT_EQ(chunk - lastMoveChunk, 8) << "move " << moves;
+        lastMoveChunk = chunk;
+        const double gap = 1000.0 - previous;
+        if (current == 1000.0f && std::fabs(gap * 0.1) < 0.0011)
+        {
+            snapped = true;
+        }
+        else
+        {
+            ASSERT_NEAR(current - previous, gap * 0.1, 2e-4 + 1e-5 * gap) << "move " << moves;
+        }
+        previous = current;
+    }
+    EXPECT_TRUE(snapped);
+    EXPECT_EQ(engine->currentBandFrequency(4), 1000.0f);
+    EXPECT_GT(moves, 100);
+    EXPECT_LT(moves, 115);
+}
+
+// Each chunk ramps linearly to a level a tenth of the remaining way closer, which the next chunk
+// starts from.
+TEST(BandEngineTest, OutputGainGlidesATenthPerChunkWithLinearRamps)
+{
+    auto engine = MakeEngine();
+    engine->setOutputGainDb(6.0f);
+    const std::vector<float> dc(kChunk, 0.25f);
+    std::vector<Stereo> chunks;
+    for (int chunk = 0; chunk < 41; ++chunk)
+    {
+        chunks.push_back(Process(*engine, dc));
+    }
+    const auto startDb = [&](int chunk) { return 20.0 * std::log10(chunks[chunk].left.front() / 0.25); };
+    EXPECT_EQ(startDb(0), 0.0);
+    for (int chunk = 1; chunk < 41; ++chunk)
+    {
+        EXPECT_NEAR((6.0 - startDb(chunk)) / (6.0 - startDb(chunk - 1)), 0.9, 1e-5) << "chunk " << chunk;
+        const Stereo& previous = chunks[static_cast<std::size_t>(chunk - 1)];
+        EXPECT_NEAR(previous.left[kChunk / 2], (previous.left.front() + chunks[chunk].left.front()) / 2.0,
+                    1e-6);
+    }
+    ProcessSilence(*engine, 0.5);
+    const Stereo settled = Process(*engine, dc);
+    EXPECT_NEAR(20.0 * std::log10(settled.left.back() / 0.25), 6.0, 1e-5);
+    EXPECT_EQ(settled.left.front(), settled.left.back());
+}
+
+struct JumpCase
+{
+    const char* name;
+    Configure configure; // before switching in
+    Configure prepare;   // after settling, before the tone
+    Configure change;
+};
+
+void PrintTo(const JumpCase& c, std::ostream* stream)
+{
+    *stream << c.name;
+}
+
+class SettingJumpTest : public ::testing::TestWithParam<JumpCase>
+{
+};
+
+// A 1 kHz tone of amplitude A changes by at most 2 sin(pi f / fs) A between samples; anything
+// much steeper during a change is a click.
+TEST_P(SettingJumpTest, NoStepInTheOutput)
+{
+    const JumpCase& c = GetParam();
+    auto engine = MakeEngine(c.configure);
+    c.prepare(*engine);
+    const auto tone = MakeSine(1000.0, kRate, static_cast<std::size_t>(kRate * 2), 0.25);
+    // 24064 is a chunk boundary a third of a period into the tone, where it is far from zero.
+    const Stereo output = ProcessWithChange(*engine, tone, 24064, c.change);
+    const double sineSlope = 2.0 * std::sin(kPi * 1000.0 / kRate);
+    for (const std::vector<float>* channel : {&output.left, &output.right})
+    {
+        double peak = 0.0;
+        for (const float sample : *channel)
+        {
+            ASSERT_TRUE(std::isfinite(sample));
+            peak = std::max(peak, std::fabs(static_cast<double>(sample)));
+        }
+        EXPECT_LE(LargestStep(*channel), 1.2 * sineSlope * peak + 1e-4);
+    }
+}
+
+const Configure kNothing = [](BandEngine&) {};
+const Configure kBoost = [](BandEngine& e) { SetBand(e, 4, kPeak, 1000.0f, 12.0f); };
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, SettingJumpTest,
+    ::testing::Values(
+        JumpCase{"TypePeakToHighShelf", kBoost, kNothing,
+                 [](BandEngine& e) { e.setBandType(4, kHighShelf); }},
+        JumpCase{"TypePeakToLowPass", kBoost, kNothing, [](BandEngine& e) { e.setBandType(4, kLowPass); }},
+        JumpCase{"TypeToNone", kBoost, kNothing, [](BandEngine& e) { e.setBandType(4, kNoBand); }},
+        JumpCase{"TypeFromNone", [](BandEngine& e) { SetBand(e, 4, kNoBand, 1000.0f, 12.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandType(4, kPeak); }},
+        JumpCase{"GainCutToBoost", [](BandEngine& e) { SetBand(e, 4, kPeak, 1000.0f, -18.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandGain(4, 18.0f); }},
+        JumpCase{"FrequencyAcrossTheTone", [](BandEngine& e) { SetBand(e, 4, kPeak, 200.0f, 12.0f); },
+                 kNothing, [](BandEngine& e) { e.setBandFrequency(4, 5000.0f); }},
+        JumpCase{"QNarrowToWide", [](BandEngine& e) { SetBand(e, 4, kPeak, 1200.0f, 12.0f, 5.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandQ(4, 0.3f); }},
+        JumpCase{"ResonantLowPassDown", [](BandEngine& e) { SetBand(e, 4, kLowPass, 2000.0f, 0.0f, 5.0f); },
+                 kNothing, [](BandEngine& e) { e.setBandFrequency(4, 300.0f); }},
+        JumpCase{"AllAtOnce", kBoost, kNothing,
+                 [](BandEngine& e)
+                 {
+                     e.setBandType(4, kLowShelf);
+                     e.setBandFrequency(4, 3000.0f);
+                     e.setBandGain(4, -15.0f);
+                     e.setBandQ(4, 4.0f);
+                 }},
+        JumpCase{"ModeStereoToLeft", kBoost, kNothing, [](BandEngine& e) { e.setBandMode(4, kLeft); }},
+        JumpCase{"BandSwitchedOff", kBoost, kNothing, [](BandEngine& e) { e.setBandEnabled(4, false); }},
+        JumpCase{"BandSwitchedOn", kBoost, [](BandEngine& e) { e.setBandEnabled(4, false); },
+                 [](BandEngine& e) { e.setBandEnabled(4, true); }},
+        JumpCase{"SoloOn", kBoost, kNothing, [](BandEngine& e) { e.setSoloBand(4); }},
+        JumpCase{"SoloOff", kBoost, [](BandEngine& e) { e.setSoloBand(4); },
+                 [](BandEngine& e) { e.setSoloBand(0); }},
+        JumpCase{"InputGain", [](BandEngine& e) { e.setInputGainDb(-6.0f); }, kNothing,
+                 [](BandEngine& e) { e.setInputGainDb(6.0f); }},
+        JumpCase{"OutputGain", [](BandEngine& e) { e.setOutputGainDb(6.0f); }, kNothing,
+                 [](BandEngine& e) { e.setOutputGainDb(-6.0f); }},
+        JumpCase{"EffectOff", kBoost, kNothing, [](BandEngine& e) { e.setEffectOn(false); }},
+        JumpCase{"EffectOn", kBoost, [](BandEngine& e) { e.setEffectOn(false); },
+                 [](BandEngine& e) { e.setEffectOn(true); }},
+        JumpCase{"PolarityFlip", kBoost, kNothing, [](BandEngine& e) { e.setPolarityInverted(true); }}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(BandEngineTest, EffectSwitchedOffSettlesToTheExactInputIn50Ms)
+{
+    auto engine = MakeEngine(kBoost);
+    const auto tone = MakeSine(1000.0, kRate, 24000 + 9600, 0.25);
+    const Stereo output =
+        ProcessWithChange(*engine, tone, 24000, [](BandEngine& e) { e.setEffectOn(false); });
+    std::size_t firstExact = output.left.size();
+    while (firstExact > 0 && output.left[firstExact - 1] == tone[firstExact - 1])
+    {
+        --firstExact;
+    }
+    const double settleSeconds = (static_cast<double>(firstExact) - 24000.0) / kRate;
+    EXPECT_GT(settleSeconds, 0.04);
+    EXPECT_LT(settleSeconds, 0.06);
+    EXPECT_TRUE(std::equal(output.right.begin() + static_cast<long>(firstExact), output.right.end(),
+                           tone.begin() + static_cast<long>(firstExact)));
+}
+
+class PolarityRampTest : public ::testing::TestWithParam<float>
+{
+};
+
+// A constant input shows the sign as it is: +0.5 turning linearly into -0.5 over 20 ms.
+TEST_P(PolarityRampTest, InversionRampsOverTwentyMilliseconds)
+{
+    const float rate = GetParam();
+    auto engine = std::make_unique<BandEngine>();
+    engine->setSampleRate(rate);
+    engine->setEffectOn(true);
+    ProcessSilence(*engine, 0.5);
+    engine->setPolarityInverted(true);
+    const Stereo output = Process(*engine, std::vector<float>(static_cast<std::size_t>(rate / 10), 0.5f));
+    const int rampLength = static_cast<int>(rate * 0.02f);
+    EXPECT_FLOAT_EQ(output.left[0], 0.5f);
+    EXPECT_NEAR(output.left[static_cast<std::size_t>(rampLength / 2)], 0.0, 1e-3);
+    EXPECT_GT(output.left[static_cast<std::size_t>(rampLength - 1)], -0.5f);
+    for (int i = 1; i < rampLength; ++i)
+    {
+        ASSERT_LT(output.left[static_cast<std::size_t>(i)], output.left[static_cast<std::size_t>(i - 1)]);
+    }
+    for (std::size_t i = static_cast<std::size_t>(rampLength); i < output.left.size(); ++i)
+    {
+        ASSERT_EQ(output.left[i], -0.5f) << i;
+        ASSERT_EQ(output.right[i], -0.5f) << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, PolarityRampTest, ::testing::Values(48000.0f, 44100.0f, 96000.0f));
+
+TEST(BandEngineTest, At48KilohertzThePolarityRampIs960Samples)
+{
+    auto engine = MakeEngine();
+    engine->setPolarityInverted(true);
+    const Stereo output = Process(*engine, std::vector<float>(2000, 0.5f));
+    EXPECT_GT(output.left[959], -0.5f);
+    EXPECT_EQ(output.left[960], -0.5f);
+}
+
+TEST(BandEngineTest, PolarityChangedWhileSwitchedOutWaitsForTheEffect)
+{
+    auto engine = MakeEngine();
+    engine->setEffectOn(false);
+    ProcessSilence(*engine, 0.2);
+    engine->setPolarityInverted(true);
+    const std::vector<float> dc(48000, 0.5f);
+    const Stereo whileOut = Process(*engine, dc);
+    EXPECT_EQ(whileOut.left, dc);
+
+    engine->setEffectOn(true);
+    const Stereo afterIn = Process(*engine, dc);
+    EXPECT_NEAR(afterIn.left[0], 0.5, 1e-6);
+    EXPECT_NEAR(afterIn.left[480], 0.0, 1e-3);
+    EXPECT_NEAR(afterIn.left[960], -0.5, 1e-6);
+    EXPECT_NEAR(afterIn.right.back(), -0.5, 1e-6);
+}
+
+TEST(BandEngineTest, PolarityInvertedBeforeSwitchingOutStaysInverted)
+{
+    auto engine = MakeEngine();
+    engine->setPolarityInverted(true);
+    ProcessSilence(*engine, 0.1);
+    engine->setEffectOn(false);
+    ProcessSilence(*engine, 0.2);
+    const auto tone = MakeSine(700.0, kRate, 4800, 0.5);
+    const Stereo output = Process(*engine, tone);
+    for (std::size_t i = 0; i < tone.size(); ++i)
+    {
+        ASSERT_EQ(output.left[i], -tone[i]);
+    }
+}
+
+TEST(BandEngineTest, DisabledBandFadesOutOver512Samples)
+{
+    auto engine = MakeEngine(kBoost);
+    const auto tone = MakeSine(1000.0, kRate, 24000 + 4800, 0.25);
+    const Stereo output =
+        ProcessWithChange(*engine, tone, 24000, [](BandEngine& e) { e.setBandEnabled(4, false); });
+    // Halfway through the fade the boost is still partly there, on the last faded sample barely.
+    const auto deviation = [&](std::size_t from, std::size_t count)
+    { return Rms(output.left, from, from + count) / Rms(tone, from, from + count); };
+    EXPECT_GT(deviation(24000, 48), 3.0);
+    EXPECT_GT(deviation(24000 + 240, 48), 1.5);
+    EXPECT_NE(output.left[24000 + 511], tone[24000 + 511]);
+    for (std::size_t i = 24000 + 512; i < tone.size(); ++i)
+    {
+        ASSERT_EQ(output.left[i], tone[i]) << i;
+        ASSERT_EQ(output.right[i], tone[i]) << i;
+    }
+}
+
+TEST(BandEngineTest, NonFiniteInputIsTakenAsSilence)
+{
+    auto engine = MakeEngine(
+        [](BandEngine& e)
+        {
+            SetBand(e, 4, kPeak, 1000.0f, 12.0f);
+            SetBand(e, 7, kLowPass, 8000.0f, 0.0f, 5.0f);
+            e.setAnalyserOn(true);
+            e.setAnalyserSourceOutput(true);
+        });
+    auto left = MakeSine(1000.0, kRate, 9600, 0.25);
+    auto right = left;
+    left[100] = kNaN;
+    left[200] = kInfinity;
+    right[300] = -kInfinity;
+    right[400] = kNaN;
+    const Stereo output = Process(*engine, left, right);
+    for (std::size_t i = 0; i < output.left.size(); ++i)
+    {
+        ASSERT_TRUE(std::isfinite(output.left[i]) && std::isfinite(output.right[i])) << i;
+    }
+    const ChannelGains gains = MeasureGain(*engine, 1000.0);
+    EXPECT_NEAR(gains.left, 12.0, 0.5);
+    EXPECT_NEAR(gains.right, 12.0, 0.5);
+    for (int bin = 0; bin < 2048; ++bin)
+    {
+        ASSERT_TRUE(std::isfinite(engine->analyserMagnitudes()[bin]));
+    }
+}
+
+struct BadCall
+{
+    const char* name;
+    Configure call;
+};
+
+void PrintTo(const BadCall& c, std::ostream* stream)
+{
+    *stream << c.name;
+}
+
+class BadSetterTest : public ::testing::TestWithParam<BadCall>
+{
+};
+
+TEST_P(BadSetterTest, IsIgnored)
+{
+    auto engine = MakeEngine(kBoost);
+    GetParam().call(*engine);
+    ProcessSilence(*engine, 0.5);
+    const ChannelGains atCentre = MeasureGain(*engine, 1000.0);
+    EXPECT_NEAR(atCentre.left, 12.0, 0.3);
+    EXPECT_NEAR(atCentre.right, 12.0, 0.3);
+    EXPECT_NEAR(MeasureGain(*engine, 100.0).left, 0.0, 0.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Calls, BadSetterTest,
+    ::testing::Values(BadCall{"BandZero", [](BandEngine& e) { SetBand(e, 0, kLowPass, 100.0f, 0.0f); }},
+                      BadCall{"BandEleven", [](BandEngine& e) { SetBand(e, 11, kLowPass, 100.0f, 0.0f); }},
+                      BadCall{"BandNegative", [](BandEngine& e) { SetBand(e, -4, kLowPass, 100.0f, 0.0f); }},
+                      BadCall{"FrequencyNaN", [](BandEngine& e) { e.setBandFrequency(4, kNaN); }},
+                      BadCall{"GainNaN", [](BandEngine& e) { e.setBandGain(4, kNaN); }},
+                      BadCall{"GainInfinite", [](BandEngine& e) { e.setBandGain(4, -kInfinity); }},
+                      BadCall{"QNaN", [](BandEngine& e) { e.setBandQ(4, kNaN); }},
+                      BadCall{"QInfinite", [](BandEngine& e) { e.setBandQ(4, kInfinity); }},
+                      BadCall{"TypeTooLarge", [](BandEngine& e) { e.setBandType(4, 55); }},
+                      BadCall{"TypeNegative", [](BandEngine& e) { e.setBandType(4, -1); }},
+                      BadCall{"ModeUnknown", [](BandEngine& e) { e.setBandMode(4, 3); }},
+                      BadCall{"SoloEleven", [](BandEngine& e) { e.setSoloBand(11); }},
+                      BadCall{"SoloNegative", [](BandEngine& e) { e.setSoloBand(-1); }},
+                      BadCall{"InputGainNaN", [](BandEngine& e) { e.setInputGainDb(kNaN); }},
+                      BadCall{"OutputGainInfinite", [](BandEngine& e) { e.setOutputGainDb(kInfinity); }},
+                      BadCall{"SampleRateNaN", [](BandEngine& e) { e.setSampleRate(kNaN); }},
+                      BadCall{"SampleRateZero", [](BandEngine& e) { e.setSampleRate(0.0f); }}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(BandEngineTest, OutOfRangeSettingsAreKeptInRange)
+{
+    auto engine = MakeEngine(
+        [](BandEngine& e)
+        {
+            SetBand(e, 4, kPeak, 1000.0f, 1000.0f);
+            e.setBandFrequency(5, 1e9f);
+            e.setBandQ(5, -3.0f);
+        });
+    EXPECT_NEAR(MeasureGain(*engine, 1000.0).left, 18.0, 0.3);
+    EXPECT_EQ(engine->currentBandFrequency(5), 20000.0f);
+}
+
+TEST(BandEngineTest, SampleRateChangeRedesignsTheBandsAndResizesTheAnalyser)
+{
+    auto engine = MakeEngine(kBoost);
+    engine->setSampleRate(96000.0f);
+    EXPECT_EQ(engine->analyserSampleRate(), 96000.0f);
+    EXPECT_EQ(engine->analyserSize(), 8192);
+    const ChannelGains gains = MeasureGain(*engine, 1000.0, 96000.0);
+    EXPECT_NEAR(gains.left, 12.0, 0.3);
+    EXPECT_NEAR(MeasureGain(*engine, 100.0, 96000.0).left, 0.0, 0.5);
+}
+
+// Bin 86 of the 4096-point transform at 48 kHz lies at 1007.8 Hz; a sine of amplitude A there
+// reads 0.179 A.
+float AnalyserLevelAt1008Hz(bool sourceOutput)
+{
+    auto engine = MakeEngine(
+        [&](BandEngine& e)
+        {
+            SetBand(e, 4, kPeak, 1007.8125f, -18.0f);
+            e.setAnalyserOn(true);
+            e.setAnalyserSourceOutput(sourceOutput);
+        });
+    Process(*engine, MakeSine(1007.8125, kRate, 96000, 0.5));
+    return engine->analyserMagnitudes()[86];
+}
+
+TEST(BandEngineTest, AnalyserShowsInputOrOutput)
+{
+    const double inputLevel = AnalyserLevelAt1008Hz(false);
+    const double outputLevel = AnalyserLevelAt1008Hz(true);
+    EXPECT_NEAR(inputLevel, 0.5 * 0.35875 / 2.0, 0.002);
+    EXPECT_NEAR(20.0 * std::log10(outputLevel / inputLevel), -18.0, 0.5);
+}
+
+TEST(BandEngineTest, AnalyserOffKeepsItsLastSpectrumAndSwitchingOnClearsIt)
+{
+    auto engine = MakeEngine([](BandEngine& e) { e.setAnalyserOn(true); });
+    Process(*engine, MakeSine(1000.0, kRate, 48000, 0.5));
+    const std::vector<float> shown(engine->analyserMagnitudes(), engine->analyserMagnitudes() + 2048);
+    ASSERT_GT(*std::max_element(shown.begin(), shown.end()), 0.05f);
+
+    engine->setAnalyserOn(false);
+    Process(*engine, MakeSine(5000.0, kRate, 48000, 0.5));
+    EXPECT_TRUE(std::equal(shown.begin(), shown.end(), engine->analyserMagnitudes()));
+
+    engine->setAnalyserOn(true);
+    engine->updateBlock(kChunk);
+    EXPECT_EQ(*std::max_element(engine->analyserMagnitudes(), engine->analyserMagnitudes() + 2048), 0.0f);
+}
+
+TEST(BandEngineTest, AnalyserIsFedWhileTheEffectIsOut)
+{
+    BandEngine engine;
+    engine.setAnalyserOn(true);
+    Process(engine, MakeSine(1007.8125, kRate, 96000, 0.5));
+    EXPECT_NEAR(engine.analyserMagnitudes()[86], 0.5 * 0.35875 / 2.0, 0.002);
+}
+
+TEST(BandEngineTest, ResetSilencesFilterTails)
+{
+    const Configure resonant = [](BandEngine& e) { SetBand(e, 4, kLowPass, 500.0f, 0.0f, 5.0f); };
+    auto withReset = MakeEngine(resonant);
+    auto withoutReset = MakeEngine(resonant);
+    const auto tone = MakeSine(500.0, kRate, 4800, 0.9);
+    Process(*withReset, tone);
+    Process(*withoutReset, tone);
+    withReset->reset();
+    const std::vector<float> silence(480, 0.0f);
+    EXPECT_EQ(Rms(Process(*withReset, silence).left, 0, 480), 0.0);
+    EXPECT_GT(Rms(Process(*withoutReset, silence).left, 0, 480), 0.01);
+}
+
+} // namespace

@@ -1,0 +1,254 @@
+#include "dsp/SpectrumAnalyser.h"
+
+#include "support/Signals.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+using velmoran::dsp::SpectrumAnalyser;
+using velmoran::testing::DirectDft;
+using velmoran::testing::kPi;
+using velmoran::testing::MakeSine;
+
+constexpr int kBins = SpectrumAnalyser::kBinCount;
+
+void Feed(SpectrumAnalyser& analyser, const std::vector<float>& signal)
+{
+    for (const float sample : signal)
+    {
+        analyser.feed(sample);
+    }
+}
+
+void FeedSilence(SpectrumAnalyser& analyser, std::size_t length)
+{
+    for (std::size_t i = 0; i < length; ++i)
+    {
+        analyser.feed(0.0f);
+    }
+}
+
+double Peak(const SpectrumAnalyser& analyser)
+{
+    return *std::max_element(analyser.magnitudes(), analyser.magnitudes() + kBins);
+}
+
+struct Sizing
+{
+    float sampleRate;
+    int size;
+    int stepBudget;
+};
+
+class AnalyserSizingTest : public ::testing::TestWithParam<Sizing>
+{
+};
+
+TEST_P(AnalyserSizingTest, PicksTransformSizeAndStepBudgetForTheRate)
+{
+    SpectrumAnalyser analyser;
+    analyser.setSampleRate(GetParam().sampleRate);
+    EXPECT_EQ(analyser.size(), GetParam().size);
+    EXPECT_EQ(analyser.stepBudget(), GetParam().stepBudget);
+    EXPECT_EQ(analyser.sampleRate(), GetParam().sampleRate);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, AnalyserSizingTest,
+                         ::testing::Values(Sizing{22050.0f, 4096, 6}, Sizing{44100.0f, 4096, 6},
+                                           Sizing{48000.0f, 4096, 6}, Sizing{88200.0f, 8192, 7},
+                                           Sizing{96000.0f, 8192, 7}, Sizing{176400.0f, 16384, 7},
+                                           Sizing{192000.0f, 16384, 7}, Sizing{384000.0f, 16384, 7}));
+
+TEST(SpectrumAnalyserTest, StartsAtFortyEightKilohertzWithAnEmptyDisplay)
+{
+    const auto analyser = std::make_unique<SpectrumAnalyser>();
+    EXPECT_EQ(analyser->sampleRate(), 48000.0f);
+    EXPECT_EQ(analyser->size(), 4096);
+    EXPECT_EQ(Peak(*analyser), 0.0);
+}
+
+class AnalyserTransformTest : public ::testing::TestWithParam<float>
+{
+};
+
+// One frame of a busy signal, then one more frame (during which its transform runs) and one
+// sample: the display has moved from zero towards the frame's spectrum by one attack step, so
+// its shape must match a direct transform of the same windowed, zero-padded frame.
+TEST_P(AnalyserTransformTest, SteppedTransformMatchesDirectTransformOfTheWindowedFrame)
+{
+    const float sampleRate = GetParam();
+    SpectrumAnalyser analyser;
+    analyser.setSampleRate(sampleRate);
+    const int size = analyser.size();
+    const int frameLength = size / 4;
+
+    std::vector<float> frame(static_cast<std::size_t>(frameLength));
+    for (int i = 0; i < frameLength; ++i)
+    {
+        const double t = i / static_cast<double>(sampleRate);
+        frame[i] = static_cast<float>(0.5 * std::sin(2.0 * kPi * 1000.0 * t) +
+                                      0.2 * std::sin(2.0 * kPi * 5123.0 * t) +
+                                      0.05 * std::cos(2.0 * kPi * 15000.0 * t) + 0.01);
+    }
+    Feed(analyser, frame);
+    FeedSilence(analyser, static_cast<std::size_t>(frameLength) + 1);
+
+    std::vector<std::complex<double>> windowed(static_cast<std::size_t>(frameLength));
+    for (int i = 0; i < frameLength; ++i)
+    {
+        const double phase = 2.0 * kPi * i / (frameLength - 1);
+        const double window = 0.35875 - 0.48829 * std::cos(phase) + 0.14128 * std::cos(2 * phase) -
+                              0.01168 * std::cos(3 * phase);
+        windowed[i] = frame[i] * window;
+    }
+    std::vector<double> reference(kBins);
+    for (int bin = 0; bin < kBins; ++bin)
+    {
+        reference[bin] =
+            std::abs(DirectDft(windowed, static_cast<std::size_t>(size), static_cast<std::size_t>(bin)));
+    }
+    const double referencePeak = *std::max_element(reference.begin(), reference.end());
+    const double measuredPeak = Peak(analyser);
+    ASSERT_GT(measuredPeak, 0.0);
+    for (int bin = 0; bin < kBins; ++bin)
+    {
+        ASSERT_NEAR(analyser.magnitudes()[bin] / measuredPeak, reference[bin] / referencePeak, 1e-5)
+            << "bin " << bin;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, AnalyserTransformTest, ::testing::Values(48000.0f, 96000.0f, 192000.0f));
+
+// Bin k lies at k * rate / N; a full-scale sine there reads half the window's mean (0.35875 / 2),
+// and ten bins of the unpadded frame away it is below the window's sidelobes.
+TEST(SpectrumAnalyserTest, FullScaleSineAtBinCentreSettlesAtHalfTheWindowMean)
+{
+    SpectrumAnalyser analyser;
+    const double frequency = 100.0 * 48000.0 / 4096.0;
+    Feed(analyser, MakeSine(frequency, 48000.0, 48000 * 3));
+    EXPECT_NEAR(analyser.magnitudes()[100], 0.35875 / 2.0, 0.001);
+    EXPECT_LT(analyser.magnitudes()[140], 1e-4);
+    EXPECT_LT(analyser.magnitudes()[60], 1e-4);
+}
+
+// Seconds from the first change of the bin until it has covered 63 % of the way to `finalLevel`.
+double TimeConstantSeconds(SpectrumAnalyser& analyser, const std::vector<float>& signal, int bin,
+                           double startLevel, double finalLevel)
+{
+    long firstChange = -1;
+    for (std::size_t i = 0; i < signal.size(); ++i)
+    {
+        analyser.feed(signal[i]);
+        const double level = analyser.magnitudes()[bin];
+        if (firstChange < 0 && level != startLevel)
+        {
+            firstChange = static_cast<long>(i);
+        }
+        if (std::fabs(level - finalLevel) <= std::fabs(startLevel - finalLevel) * std::exp(-1.0))
+        {
+            return (static_cast<long>(i) - firstChange) / 48000.0;
+        }
+    }
+    return std::numeric_limits<double>::infinity();
+}
+
+TEST(SpectrumAnalyserTest, SineRisesWithAttackAndFallsWithRelease)
+{
+    SpectrumAnalyser analyser;
+    const int bin = 200;
+    const double frequency = bin * 48000.0 / 4096.0;
+    // Whole frames, so the sine starts and stops at a frame boundary.
+    const auto sine = MakeSine(frequency, 48000.0, 1024 * 150, 0.5);
+    const double settled = 0.5 * 0.35875 / 2.0;
+
+    const double rise = TimeConstantSeconds(analyser, sine, bin, 0.0, settled);
+    EXPECT_GT(rise, 0.06);
+    EXPECT_LT(rise, 0.14);
+
+    SpectrumAnalyser settledAnalyser;
+    Feed(settledAnalyser, sine);
+    ASSERT_NEAR(settledAnalyser.magnitudes()[bin], settled, 1e-4);
+    const std::vector<float> silence(48000 * 3, 0.0f);
+    const double fall =
+        TimeConstantSeconds(settledAnalyser, silence, bin, settledAnalyser.magnitudes()[bin], 0.0);
+    EXPECT_GT(fall, 0.4);
+    EXPECT_LT(fall, 0.6);
+}
+
+TEST(SpectrumAnalyserTest, SilenceDecaysToExactlyZero)
+{
+    SpectrumAnalyser analyser;
+    Feed(analyser, MakeSine(1000.0, 48000.0, 48000));
+    ASSERT_GT(Peak(analyser), 0.1);
+    FeedSilence(analyser, 48000 * 40);
+    for (int bin = 0; bin < kBins; ++bin)
+    {
+        ASSERT_EQ(analyser.magnitudes()[bin], 0.0f) << "bin " << bin;
+    }
+}
+
+TEST(SpectrumAnalyserTest, RateChangeFrom48To96KilohertzDoublesTheSizeAndClearsTheDisplay)
+{
+    SpectrumAnalyser analyser;
+    Feed(analyser, MakeSine(1000.0, 48000.0, 48000));
+    ASSERT_GT(Peak(analyser), 0.1);
+    analyser.setSampleRate(96000.0f);
+    EXPECT_EQ(analyser.size(), 8192);
+    EXPECT_EQ(Peak(analyser), 0.0);
+
+    // The same tone now lands at twice the bin spacing's index: 1 kHz at 96000 / 8192 Hz a bin.
+    Feed(analyser, MakeSine(1000.0, 96000.0, 96000));
+    const float* levels = analyser.magnitudes();
+    const long peakBin = std::max_element(levels, levels + kBins) - levels;
+    EXPECT_NEAR(static_cast<double>(peakBin), 1000.0 * 8192.0 / 96000.0, 1.0);
+}
+
+TEST(SpectrumAnalyserTest, ResetClearsTheDisplay)
+{
+    SpectrumAnalyser analyser;
+    Feed(analyser, MakeSine(3000.0, 48000.0, 24000));
+    ASSERT_GT(Peak(analyser), 0.1);
+    analyser.reset();
+    EXPECT_EQ(Peak(analyser), 0.0);
+    // The frame captured before the reset does not come back.
+    FeedSilence(analyser, 4096);
+    EXPECT_EQ(Peak(analyser), 0.0);
+}
+
+TEST(SpectrumAnalyserTest, NonFiniteSamplesLeaveTheDisplayFinite)
+{
+    SpectrumAnalyser analyser;
+    auto signal = MakeSine(1000.0, 48000.0, 48000);
+    signal[5000] = std::numeric_limits<float>::quiet_NaN();
+    signal[9000] = std::numeric_limits<float>::infinity();
+    signal[13000] = -std::numeric_limits<float>::infinity();
+    Feed(analyser, signal);
+    for (int bin = 0; bin < kBins; ++bin)
+    {
+        ASSERT_TRUE(std::isfinite(analyser.magnitudes()[bin])) << "bin " << bin;
+    }
+    EXPECT_GT(Peak(analyser), 0.1);
+}
+
+TEST(SpectrumAnalyserTest, NonsenseRatesAreIgnored)
+{
+    SpectrumAnalyser analyser;
+    analyser.setSampleRate(96000.0f);
+    analyser.setSampleRate(std::numeric_limits<float>::quiet_NaN());
+    analyser.setSampleRate(-44100.0f);
+    analyser.setSampleRate(0.0f);
+    analyser.setSampleRate(std::numeric_limits<float>::infinity());
+    EXPECT_EQ(analyser.sampleRate(), 96000.0f);
+    EXPECT_EQ(analyser.size(), 8192);
+}
+
+} // namespace

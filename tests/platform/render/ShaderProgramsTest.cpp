@@ -1,0 +1,144 @@
+#include "RenderTestWindow.h"
+
+#include "platform/render/ShaderPrograms.h"
+
+#include <gtest/gtest.h>
+
+using velmoran::platform::CGLRenderer;
+using velmoran::platform::ProgramDescription;
+using velmoran::platform::ProgramRecord;
+
+namespace
+{
+
+constexpr const char* kAdvice =
+    "This could be a graphics driver compatibility issue or lack of driver / hardware "
+    "support for OpenGL3.x GLSL 1.5 or later.";
+
+constexpr const char* kGoodVertex = "#version 150\n"
+                                    "in vec2 pos;\n"
+                                    "in vec4 colour;\n"
+                                    "out vec4 VertColour;\n"
+                                    "void main ()\n"
+                                    "{\n"
+                                    "VertColour = colour;\n"
+                                    "gl_Position = vec4(pos, 0.0, 1.0);\n"
+                                    "}";
+
+class ShaderPrograms : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        previousBox = velmoran::platform::setErrorBoxFunction(velmoran::test::recordBox);
+        velmoran::test::recordedBoxes().clear();
+        HWND window = velmoran::test::openChildWindow(64, 64);
+        ASSERT_EQ(renderer.initialise(window, 64, 64, 64, 64), 0);
+        renderer.makeCurrent();
+    }
+
+    void TearDown() override
+    {
+        renderer.teardown();
+        velmoran::test::closeAllWindows();
+        velmoran::platform::setErrorBoxFunction(previousBox);
+    }
+
+    velmoran::platform::ErrorBoxFunction previousBox = nullptr;
+    CGLRenderer renderer;
+};
+
+TEST_F(ShaderPrograms, EveryProgramLinksWithItsBindings)
+{
+    EXPECT_TRUE(velmoran::test::recordedBoxes().empty());
+    const ProgramRecord* textured = velmoran::platform::sharedProgram(velmoran::platform::kProgramTextured);
+    EXPECT_GE(textured->texture, 0);
+    EXPECT_GE(textured->gamma, 0);
+    EXPECT_NE(textured->texCoordBuffer, 0u);
+    EXPECT_EQ(textured->colourBuffer, 0u);
+    const ProgramRecord* circle = velmoran::platform::sharedProgram(velmoran::platform::kProgramCircle);
+    EXPECT_GE(circle->circleCentre, 0);
+    EXPECT_GE(circle->circleRadiusInner, 0);
+    EXPECT_NE(circle->colourBuffer, 0u);
+    EXPECT_GE(velmoran::platform::sharedProgram(velmoran::platform::kProgramScanline)->lineWidth, 0);
+    EXPECT_GE(velmoran::platform::sharedProgram(velmoran::platform::kProgramGrid)->gridSize, 0);
+    for (int number = 1; number <= 5; ++number)
+    {
+        const ProgramRecord* record = velmoran::platform::sharedProgram(number);
+        EXPECT_GE(record->projectionMatrix, 0) << number;
+        EXPECT_GE(record->modelViewMatrix, 0) << number;
+        EXPECT_GE(record->saturation, 0) << number;
+        EXPECT_NE(record->vertexArray, 0u) << number;
+    }
+}
+
+TEST_F(ShaderPrograms, ScanlineGridAndFlatShareOneVertexSource)
+{
+    using velmoran::platform::programDescription;
+    EXPECT_EQ(programDescription(2).vertexSource, programDescription(4).vertexSource);
+    EXPECT_EQ(programDescription(2).vertexSource, programDescription(5).vertexSource);
+    EXPECT_STREQ(programDescription(3).fragmentOutput, "finalColour");
+    EXPECT_STREQ(programDescription(1).fragmentOutput, "CircleFragColour");
+}
+
+TEST_F(ShaderPrograms, BrokenShaderIsReportedWithItsNameAndTheDriverLog)
+{
+    const ProgramDescription broken{3,
+                                    kGoodVertex,
+                                    "#version 150\nout vec4 FragColour;\nvoid main ()\n{\n"
+                                    "    FragColour = undefinedColour;\n}",
+                                    "FragColour",
+                                    "pos",
+                                    "colour",
+                                    4};
+    ProgramRecord record;
+    EXPECT_FALSE(velmoran::platform::buildProgram(broken, record));
+    const auto& boxes = velmoran::test::recordedBoxes();
+    ASSERT_EQ(boxes.size(), 2u);
+    const std::string compileBox = boxes[0];
+    EXPECT_EQ(compileBox.rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-PXSHDR-03 failed to compile\n", 0),
+              0u)
+        << compileBox;
+    EXPECT_NE(compileBox.find("undefinedColour"), std::string::npos) << compileBox;
+    EXPECT_EQ(compileBox.substr(compileBox.size() - std::string(kAdvice).size() - 1),
+              std::string("\n") + kAdvice);
+    EXPECT_EQ(boxes[1].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-UNSHDR-03 failed to link\n", 0), 0u)
+        << boxes[1];
+    velmoran::platform::gGL.glDeleteProgram(record.program);
+}
+
+TEST_F(ShaderPrograms, StagesThatCompileButCannotRunFailAtLink)
+{
+    const ProgramDescription unmatched{5,
+                                       "#version 150\nin vec2 pos;\nvoid helper ()\n{\n}",
+                                       "#version 150\nout vec4 FragColour;\nvoid main ()\n{\n"
+                                       "    FragColour = vec4(1.0);\n}",
+                                       "FragColour",
+                                       "pos",
+                                       "colour",
+                                       4};
+    ProgramRecord record;
+    EXPECT_FALSE(velmoran::platform::buildProgram(unmatched, record));
+    const auto& boxes = velmoran::test::recordedBoxes();
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_EQ(boxes[0].rfind("Velmoran: OpenGL Error|Velmoran:Error: GFX-UNSHDR-05 failed to link\n", 0), 0u)
+        << boxes[0];
+    EXPECT_NE(boxes[0].find("main"), std::string::npos) << boxes[0];
+    velmoran::platform::gGL.glDeleteProgram(record.program);
+}
+
+TEST_F(ShaderPrograms, ReleaseDeletesAProgramOnlyAtTheLastUse)
+{
+    const ProgramRecord* flat = velmoran::platform::sharedProgram(velmoran::platform::kProgramFlat);
+    const GLuint program = flat->program;
+    EXPECT_EQ(velmoran::platform::buildPrograms(), 0);
+    EXPECT_EQ(flat->useCount, 2);
+    EXPECT_TRUE(velmoran::test::recordedBoxes().empty());
+    for (int number = 1; number <= 5; ++number)
+        velmoran::platform::releaseProgram(number);
+    EXPECT_EQ(velmoran::platform::sharedProgram(velmoran::platform::kProgramFlat), flat);
+    EXPECT_EQ(flat->useCount, 1);
+    EXPECT_EQ(flat->program, program);
+}
+
+} // namespace
