@@ -32,18 +32,25 @@ public:
     // Factory function: a new processor as its IAudioProcessor, null if it cannot be made.
     static FUnknown* createInstance(void* context);
 
+    // Takes the host context and adds the stereo buses and the event input (UI thread).
     tresult PLUGIN_API initialize(FUnknown* context) SMTG_OVERRIDE;
     tresult PLUGIN_API terminate() SMTG_OVERRIDE;
+    // Connection to the controller, guarded against the sender thread (UI thread).
     tresult PLUGIN_API connect(IConnectionPoint* other) SMTG_OVERRIDE;
     tresult PLUGIN_API disconnect(IConnectionPoint* other) SMTG_OVERRIDE;
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
 
+    // Accepts mono to mono and stereo to stereo only (UI thread).
     tresult PLUGIN_API setBusArrangements(SpeakerArrangement* inputs, int32 numIns,
                                           SpeakerArrangement* outputs, int32 numOuts) SMTG_OVERRIDE;
+    // Takes the sample rate in Hz; the engine redesigns only when it changed (UI thread).
     tresult PLUGIN_API setupProcessing(ProcessSetup& setup) SMTG_OVERRIDE;
+    // On: tells the controller the sample rate; off: clears the engine's running state (UI thread).
     tresult PLUGIN_API setActive(TBool state) SMTG_OVERRIDE;
+    // Applies the block's last parameter values and filters the block in chunks (audio thread).
     tresult PLUGIN_API process(ProcessData& data) SMTG_OVERRIDE;
 
+    // The 69 normalised values as floats; 57 are enough to load (UI thread).
     tresult PLUGIN_API setState(IBStream* state) SMTG_OVERRIDE;
     tresult PLUGIN_API getState(IBStream* state) SMTG_OVERRIDE;
 

@@ -27,12 +27,17 @@ public:
     // Factory function: a new controller as its IEditController, null if it cannot be made.
     static FUnknown* createInstance(void* context);
 
+    // Registers parameters, unit, program list and the frame buffer (UI thread).
     tresult PLUGIN_API initialize(FUnknown* context) SMTG_OVERRIDE;
     tresult PLUGIN_API terminate() SMTG_OVERRIDE;
+    // Keeps spectrum frames and the sample rate sent by the processor.
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
 
+    // Reads the processor's state stream into the parameters (UI thread).
     tresult PLUGIN_API setComponentState(IBStream* state) SMTG_OVERRIDE;
+    // A change of "Preset" loads a factory program and reports every value as an edit.
     tresult PLUGIN_API setParamNormalized(ParamID tag, ParamValue value) SMTG_OVERRIDE;
+    // Value texts as the host shows them, and their inverse.
     tresult PLUGIN_API getParamStringByValue(ParamID tag, ParamValue valueNormalized,
                                              String128 string) SMTG_OVERRIDE;
     tresult PLUGIN_API getParamValueByString(ParamID tag, TChar* string,

@@ -51,10 +51,12 @@ PClassInfo2 extendedFrom(const PClassInfoW& info)
 
 } // namespace
 
-CPluginFactory::CPluginFactory(const PFactoryInfo& info)
-    : factoryInfo(info){FUNKNOWN_CTOR}
+CPluginFactory::CPluginFactory(const PFactoryInfo& info) : factoryInfo(info)
+{
+    FUNKNOWN_CTOR;
+}
 
-      CPluginFactory::~CPluginFactory()
+CPluginFactory::~CPluginFactory()
 {
     if (gPluginFactory == this)
     {
@@ -64,7 +66,7 @@ CPluginFactory::CPluginFactory(const PFactoryInfo& info)
     {
         hostContext->release();
     }
-    FUNKNOWN_DTOR
+    FUNKNOWN_DTOR;
 }
 
 IMPLEMENT_REFCOUNT(CPluginFactory)

@@ -5,11 +5,14 @@ namespace Steinberg
 namespace Vst
 {
 
-ComponentHandler::ComponentHandler(){FUNKNOWN_CTOR}
+ComponentHandler::ComponentHandler()
+{
+    FUNKNOWN_CTOR;
+}
 
 IMPLEMENT_FUNKNOWN_METHODS(ComponentHandler, IComponentHandler, IComponentHandler::iid)
 
-    tresult PLUGIN_API ComponentHandler::beginEdit(ParamID /*id*/)
+tresult PLUGIN_API ComponentHandler::beginEdit(ParamID /*id*/)
 {
     ++mOpenEdits;
     return kResultOk;

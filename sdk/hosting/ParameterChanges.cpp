@@ -5,12 +5,14 @@ namespace Steinberg
 namespace Vst
 {
 
-ParameterValueQueue::ParameterValueQueue(ParamID paramID)
-    : mParamID(paramID){FUNKNOWN_CTOR}
+ParameterValueQueue::ParameterValueQueue(ParamID paramID) : mParamID(paramID)
+{
+    FUNKNOWN_CTOR;
+}
 
-      IMPLEMENT_FUNKNOWN_METHODS(ParameterValueQueue, IParamValueQueue, IParamValueQueue::iid)
+IMPLEMENT_FUNKNOWN_METHODS(ParameterValueQueue, IParamValueQueue, IParamValueQueue::iid)
 
-          void ParameterValueQueue::clear(ParamID paramID)
+void ParameterValueQueue::clear(ParamID paramID)
 {
     mParamID = paramID;
     mPoints.clear();
@@ -55,7 +57,7 @@ tresult PLUGIN_API ParameterValueQueue::addPoint(int32 sampleOffset, ParamValue 
 
 ParameterChanges::ParameterChanges()
 {
-    FUNKNOWN_CTOR
+    FUNKNOWN_CTOR;
 }
 
 ParameterChanges::~ParameterChanges()

@@ -26,13 +26,10 @@ using Clock = std::chrono::steady_clock;
 class ListeningPeer : public IConnectionPoint
 {
 public:
-    ListeningPeer() { FUNKNOWN_CTOR }
-    virtual ~ListeningPeer(){FUNKNOWN_DTOR}
+    ListeningPeer() { FUNKNOWN_CTOR; }
+    virtual ~ListeningPeer() { FUNKNOWN_DTOR; }
 
-    tresult PLUGIN_API connect(IConnectionPoint*) SMTG_OVERRIDE
-    {
-        return kResultOk;
-    }
+    tresult PLUGIN_API connect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
     tresult PLUGIN_API disconnect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE
     {
