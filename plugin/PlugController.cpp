@@ -143,7 +143,7 @@ tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue v
         return kInvalidArgument;
     }
     tresult result = EditControllerEx1::setParamNormalized(tag, value);
-    if (tag != kPresetTag || result != kResultOk || !std::isfinite(value))
+    if (tag != kPresetTag || result != kResultOk)
     {
         return result;
     }

@@ -43,6 +43,7 @@ public:
     tresult PLUGIN_API getParamValueByString(ParamID tag, TChar* string,
                                              ParamValue& valueNormalized) SMTG_OVERRIDE;
 
+    // Parameter and unit information by index; an index out of range is refused (UI thread).
     tresult PLUGIN_API getParameterInfo(int32 paramIndex, ParameterInfo& info) SMTG_OVERRIDE;
     tresult PLUGIN_API getUnitInfo(int32 unitIndex, UnitInfo& info) SMTG_OVERRIDE;
 
