@@ -209,7 +209,14 @@ tresult PLUGIN_API CPlugController::getParamValueByString(ParamID tag, TChar* st
         valueNormalized = value;
         return kResultOk;
     }
-    return EditControllerEx1::getParamValueByString(tag, string, valueNormalized);
+    // The SDK reads "nan" and "inf" as numbers, and any number as a normalised value.
+    ParamValue value = 0.0;
+    if (EditControllerEx1::getParamValueByString(tag, string, value) != kResultOk || !std::isfinite(value))
+    {
+        return kResultFalse;
+    }
+    valueNormalized = std::clamp(value, 0.0, 1.0);
+    return kResultOk;
 }
 
 tresult PLUGIN_API CPlugController::notify(IMessage* message)
