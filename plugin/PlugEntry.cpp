@@ -13,6 +13,10 @@
 
 #include <new>
 
+#if defined(_WIN32)
+#include "platform/window/CPlatformWindows.h"
+#endif
+
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
@@ -50,14 +54,20 @@ const PClassInfo2& controllerClassInfo()
 } // namespace
 
 // Module-wide objects that all instances share are made here, before any factory call, and
-// released in DeinitModule.
+// released in DeinitModule. On Windows that is the window kit that owns the editors' windows.
 bool InitModule()
 {
+#if defined(_WIN32)
+    velmoran::platform::initWindowKit(kProductIdentityToken);
+#endif
     return true;
 }
 
 bool DeinitModule()
 {
+#if defined(_WIN32)
+    velmoran::platform::exitWindowKit();
+#endif
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "SpectrumSender.h"
 
+#include "pluginterfaces/vst/ivsthostapplication.h"
 #include "pluginterfaces/vst/ivstmessage.h"
 
 #include <chrono>
@@ -55,9 +56,23 @@ void SpectrumSender::run()
 
 void SpectrumSender::sendFrame()
 {
-    std::lock_guard<std::recursive_mutex> guard(mLinkLock);
+    // The lock is held only while the host context and the peer are taken, each with a reference
+    // of its own. A host may pass the message to its main thread and wait there, and that thread
+    // may be inside disconnect or terminate waiting for the lock: sending under it could deadlock.
+    IPtr<FUnknown> host;
+    IPtr<IConnectionPoint> peer;
+    {
+        std::lock_guard<std::recursive_mutex> guard(mLinkLock);
+        host = mComponent.getHostContext();
+        peer = mComponent.getPeer();
+    }
     // Without a host context no message can be made; the frame is simply not sent.
-    IMessage* message = mComponent.allocateMessage();
+    FUnknownPtr<IHostApplication> application(host);
+    if (!application || !peer)
+    {
+        return;
+    }
+    IPtr<IMessage> message = owned(allocateMessage(application));
     if (!message)
     {
         return;
@@ -66,9 +81,8 @@ void SpectrumSender::sendFrame()
     if (IAttributeList* attributes = message->getAttributes())
     {
         attributes->setBinary("FFTData", &mFrame, kSpectrumFrameBytes);
-        mComponent.sendMessage(message);
+        peer->notify(message);
     }
-    message->release();
 }
 
 } // namespace Velmoran

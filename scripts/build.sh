@@ -12,6 +12,18 @@ for preset in linux windows; do
 done
 mkdir -p dist
 build/linux/tools/design-deviation/velmoran-design-deviation >dist/filter-deviation.txt
+
+# The demo: a generated mix through every factory program, each with its response plot.
+render=dist/bin/velmoran-render
+mkdir -p dist/demo
+"$render" --quiet --demo-signal dist/demo/demo-input.wav
+"$render" --list-presets | sed -n 's/^  \([0-9]*\)  "\([^"]*\)".*/\1 \2/p' |
+    while read -r number name; do
+        slug=$(tr 'A-Z' 'a-z' <<<"$name" | sed -E 's/^[0-9]+ - //; s/[^a-z0-9]+/-/g')
+        "$render" --quiet --preset "$number" --response "dist/demo/$number-$slug.png" \
+            dist/demo/demo-input.wav "dist/demo/$number-$slug.wav"
+    done
+
 # The first picture of the graphics platform: one frame drawn by the OpenGL renderer in a window of
 # the window kit, run under Wine on a virtual display.
 build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.exe dist/velmoran-gl-snapshot.png

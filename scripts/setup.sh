@@ -10,6 +10,7 @@ packages=(
   googletest libgtest-dev libbenchmark-dev
   juce-modules-source-data
   python3 librsvg2-bin libfreetype-dev
+  libsndfile1-dev gnuplot-nox
   clang-14 libclang-rt-14-dev
   fonts-dejavu-core fonts-play fonts-routed-gothic fonts-liberation
 )

@@ -14,18 +14,6 @@ namespace
 
 std::string gModulePath;
 
-// The class identifier of the factory's class at index.
-bool classIdAt(IPluginFactory* factory, int32 index, TUID cid)
-{
-    PClassInfo info;
-    if (factory->getClassInfo(index, &info) != kResultOk)
-    {
-        return false;
-    }
-    std::memcpy(cid, info.cid, sizeof(TUID));
-    return true;
-}
-
 } // namespace
 
 void setModulePath(const std::string& path)
@@ -49,95 +37,8 @@ VST3::Hosting::Module* sharedModule()
 }
 
 PluginInstance::PluginInstance(bool connectNow)
+    : Steinberg::Vst::PluginInstance(sharedModule() ? sharedModule()->factory() : nullptr, connectNow)
 {
-    VST3::Hosting::Module* module = sharedModule();
-    if (!module)
-    {
-        return;
-    }
-    IPtr<IPluginFactory> factory = module->factory();
-    TUID processorId;
-    TUID controllerId;
-    if (!factory || !classIdAt(factory, 0, processorId) || !classIdAt(factory, 1, controllerId))
-    {
-        return;
-    }
-    host = std::make_unique<HostApplication>();
-    IComponent* newComponent = nullptr;
-    if (factory->createInstance(processorId, IComponent::iid, reinterpret_cast<void**>(&newComponent)) ==
-        kResultOk)
-    {
-        component = owned(newComponent);
-    }
-    IEditController* newController = nullptr;
-    if (factory->createInstance(controllerId, IEditController::iid,
-                                reinterpret_cast<void**>(&newController)) == kResultOk)
-    {
-        controller = owned(newController);
-    }
-    if (!component || !controller)
-    {
-        return;
-    }
-    processor = FUnknownPtr<IAudioProcessor>(component);
-    component->initialize(host.get());
-    controller->initialize(host.get());
-    handler = owned(new ComponentHandler());
-    controller->setComponentHandler(handler);
-    if (connectNow)
-    {
-        connect();
-    }
-}
-
-PluginInstance::~PluginInstance()
-{
-    disconnect();
-    if (controller)
-    {
-        controller->setComponentHandler(nullptr);
-        controller->terminate();
-    }
-    if (component)
-    {
-        component->terminate();
-    }
-}
-
-void PluginInstance::connect()
-{
-    FUnknownPtr<IConnectionPoint> componentPoint(component);
-    FUnknownPtr<IConnectionPoint> controllerPoint(controller);
-    if (mConnected || !componentPoint || !controllerPoint)
-    {
-        return;
-    }
-    componentPoint->connect(controllerPoint);
-    controllerPoint->connect(componentPoint);
-    mConnected = true;
-}
-
-void PluginInstance::disconnect()
-{
-    FUnknownPtr<IConnectionPoint> componentPoint(component);
-    FUnknownPtr<IConnectionPoint> controllerPoint(controller);
-    if (!mConnected || !componentPoint || !controllerPoint)
-    {
-        return;
-    }
-    componentPoint->disconnect(controllerPoint);
-    controllerPoint->disconnect(componentPoint);
-    mConnected = false;
-}
-
-std::vector<char> stateBytes(IComponent* component)
-{
-    MemoryStream stream;
-    if (component->getState(&stream) != kResultOk)
-    {
-        return {};
-    }
-    return std::vector<char>(stream.getData(), stream.getData() + stream.getSize());
 }
 
 std::vector<float> stateValues(IComponent* component)
@@ -146,18 +47,6 @@ std::vector<float> stateValues(IComponent* component)
     std::vector<float> values(bytes.size() / sizeof(float));
     std::memcpy(values.data(), bytes.data(), values.size() * sizeof(float));
     return values;
-}
-
-IPtr<IBStream> streamOf(const std::vector<char>& bytes)
-{
-    auto stream = owned(new MemoryStream());
-    int32 written = 0;
-    if (!bytes.empty())
-    {
-        stream->write(const_cast<char*>(bytes.data()), static_cast<int32>(bytes.size()), &written);
-    }
-    stream->seek(0, IBStream::kIBSeekSet, nullptr);
-    return stream;
 }
 
 IPtr<IBStream> streamOf(const std::vector<float>& values)

@@ -6,6 +6,7 @@
 #include "sdk/hosting/ComponentHandler.h"
 #include "sdk/hosting/Module.h"
 #include "sdk/hosting/ParameterChanges.h"
+#include "sdk/hosting/PluginInstance.h"
 
 #include "pluginterfaces/base/ibstream.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
@@ -32,38 +33,19 @@ const std::string& modulePath();
 // The module, loaded and entered once for the whole test program; null if it cannot be loaded.
 VST3::Hosting::Module* sharedModule();
 
-// A processor and a controller as a host holds them: made by the factory, initialised with a
-// host application, controller given a component handler, both connected through their
-// connection points. The destructor undoes it all in the host's order.
-class PluginInstance
+// A processor and a controller of the shared module as a host holds them: the hosting library's
+// instance, made from the shared module's factory.
+class PluginInstance : public Steinberg::Vst::PluginInstance
 {
 public:
     explicit PluginInstance(bool connect = true);
-    ~PluginInstance();
-
-    // True when both classes were made and initialised.
-    bool valid() const { return component && processor && controller; }
-    // Connects or disconnects the two connection points.
-    void connect();
-    void disconnect();
-
-    // The SDK's host application is not reference counted: the instance owns it.
-    std::unique_ptr<HostApplication> host;
-    IPtr<IComponent> component;
-    IPtr<IAudioProcessor> processor;
-    IPtr<IEditController> controller;
-    IPtr<ComponentHandler> handler;
-
-private:
-    bool mConnected = false;
 };
 
-// The processor's state stream as bytes.
-std::vector<char> stateBytes(IComponent* component);
+using Steinberg::Vst::stateBytes;
+using Steinberg::Vst::streamOf;
+
 // The processor's state as floats (one per normalised value).
 std::vector<float> stateValues(IComponent* component);
-// A stream over the given bytes, positioned at its start.
-IPtr<IBStream> streamOf(const std::vector<char>& bytes);
 // A stream holding the given floats.
 IPtr<IBStream> streamOf(const std::vector<float>& values);
 

@@ -1,0 +1,182 @@
+#include "RenderTestSupport.h"
+
+#include "tools/render/PluginSettings.h"
+#include "tools/render/RenderError.h"
+#include "tools/render/RenderHost.h"
+#include "tools/render/ResponseMeasurement.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace velmoran::render
+{
+namespace
+{
+
+class PluginSettingsTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        mModule = loadModule(test::renderModulePath());
+        mHost = std::make_unique<RenderHost>(*mModule, test::renderModulePath());
+        mCatalogue = std::make_unique<ParameterCatalogue>(mHost->controller());
+    }
+
+    // The text the controller shows for a parameter's current value.
+    std::string shown(const std::string& title)
+    {
+        const ParameterEntry& entry = mCatalogue->find(title);
+        return mCatalogue->text(entry.tag, mHost->controller().getParamNormalized(entry.tag));
+    }
+
+    // The message of the usage error that a call throws, empty if it throws none.
+    template <typename Call> std::string usageMessage(Call call)
+    {
+        try
+        {
+            call();
+        }
+        catch (const RenderError& error)
+        {
+            EXPECT_EQ(error.kind(), RenderError::Kind::usage);
+            return error.what();
+        }
+        return {};
+    }
+
+    std::unique_ptr<VST3::Hosting::Module> mModule;
+    std::unique_ptr<RenderHost> mHost;
+    std::unique_ptr<ParameterCatalogue> mCatalogue;
+};
+
+TEST_F(PluginSettingsTest, TitlesAreFoundWhateverTheirCase)
+{
+    EXPECT_EQ(mCatalogue->entries().size(), 70u);
+    EXPECT_EQ(mCatalogue->find("03 Gain").title, "03 Gain");
+    EXPECT_EQ(mCatalogue->find("  03 gain ").title, "03 Gain");
+    const std::string message = usageMessage([this] { mCatalogue->find("03 Gian"); });
+    EXPECT_NE(message.find("\"03 Gian\""), std::string::npos) << message;
+    EXPECT_NE(message.find("03 Filt Type"), std::string::npos) << message;
+}
+
+struct TypedValue
+{
+    const char* title;
+    const char* typed;
+    const char* shown;
+};
+
+class PluginSettingsValues : public PluginSettingsTest, public testing::WithParamInterface<TypedValue>
+{
+};
+
+TEST_P(PluginSettingsValues, ReadInThePluginsOwnTexts)
+{
+    const ParameterEntry& entry = mCatalogue->find(GetParam().title);
+    const ParamValue value = mCatalogue->valueOf(entry, GetParam().typed);
+    EXPECT_EQ(mCatalogue->text(entry.tag, value), GetParam().shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, PluginSettingsValues,
+    testing::Values(TypedValue{"03 Gain", "+6 dB", "6.00 dB"}, TypedValue{"03 Gain", "-18", "-18.00 dB"},
+                    TypedValue{"03 Filt Type", "Peak +3dB", "Peak +3dB"},
+                    TypedValue{"03 Filt Type", "lf shelf", "LF Shelf"},
+                    TypedValue{"03 Freq", "1000 Hz", "1000.00 Hz"}, TypedValue{"03 Q", "2", "2.00"},
+                    TypedValue{"03 Mode", "Left", "Left"}, TypedValue{"EQ", "Out", "Out"},
+                    TypedValue{"Output Gain", "0 dB", "0.00 dB"}));
+
+TEST_F(PluginSettingsTest, ValuesOutsideTheRangeNameTheRange)
+{
+    const ParameterEntry& gain = mCatalogue->find("03 Gain");
+    std::string message = usageMessage([&] { mCatalogue->valueOf(gain, "+30 dB"); });
+    EXPECT_NE(message.find("from -18.00 dB to 18.00 dB"), std::string::npos) << message;
+    message = usageMessage([&] { mCatalogue->valueOf(mCatalogue->find("03 Freq"), "25 kHz"); });
+    EXPECT_NE(message.find("from 20.00 Hz to 20000.00 Hz"), std::string::npos) << message;
+    message = usageMessage([&] { mCatalogue->valueOf(mCatalogue->find("03 Filt Type"), "Peak +6dB"); });
+    EXPECT_NE(message.find("one of: [ --- ], No Filter, Pk dB/2, Peak -3dB"), std::string::npos) << message;
+    message = usageMessage([&] { mCatalogue->valueOf(mCatalogue->find("EQ"), "maybe"); });
+    EXPECT_NE(message.find("one of: Out, In"), std::string::npos) << message;
+}
+
+TEST_F(PluginSettingsTest, ProgramsByNumberAndByEitherName)
+{
+    const std::vector<FactoryProgram> programs = factoryPrograms(mHost->controller());
+    ASSERT_EQ(programs.size(), 6u);
+    EXPECT_EQ(programs[3].name, "03 - British EQ NV-3");
+    EXPECT_EQ(programs[3].hostName, "Factory Preset 03");
+    EXPECT_EQ(programIndexOf("3", programs), 3);
+    EXPECT_EQ(programIndexOf("03 - british eq nv-3", programs), 3);
+    EXPECT_EQ(programIndexOf("Factory Defaults", programs), 0);
+    const std::string message = usageMessage([&] { programIndexOf("6", programs); });
+    EXPECT_NE(message.find("5 \"05 - British EQ SL-2\""), std::string::npos) << message;
+}
+
+TEST_F(PluginSettingsTest, SettingsReachTheProcessorInOrder)
+{
+    RenderRequest request;
+    request.preset = "03 - British EQ NV-3";
+    request.assignments = {{"02 Gain", "-3 dB"}};
+    applySettings(*mHost, request);
+    EXPECT_EQ(shown("01 Gain"), "6.00 dB");
+    EXPECT_EQ(shown("02 Gain"), "-3.00 dB");
+    mHost->start(48000.0, 2, 256);
+    const std::vector<char> state = mHost->saveState();
+    ASSERT_EQ(state.size(), 276u);
+
+    auto other = std::make_unique<RenderHost>(*mModule, test::renderModulePath());
+    other->loadState(state, "memory");
+    other->start(48000.0, 2, 256);
+    EXPECT_EQ(other->saveState(), state);
+}
+
+TEST_F(PluginSettingsTest, NothingIsAppliedWhenOneSettingIsWrong)
+{
+    RenderRequest request;
+    request.assignments = {{"02 Gain", "-3 dB"}, {"02 Gain", "loud"}};
+    EXPECT_THROW(applySettings(*mHost, request), RenderError);
+    EXPECT_EQ(shown("02 Gain"), "0.00 dB");
+}
+
+struct BandSetting
+{
+    const char* type;
+    const char* gain;
+    const char* frequency;
+};
+
+class PluginResponse : public PluginSettingsTest, public testing::WithParamInterface<BandSetting>
+{
+};
+
+TEST_P(PluginResponse, MeasuredThroughTheModuleMatchesTheDesign)
+{
+    RenderRequest request;
+    request.assignments = {{"Input Gain", "0 dB"},
+                           {"Output Gain", "0 dB"},
+                           {"05 Filt Type", GetParam().type},
+                           {"05 Gain", GetParam().gain},
+                           {"05 Freq", GetParam().frequency}};
+    applySettings(*mHost, request);
+    mHost->start(48000.0, 2, 512);
+    const std::vector<double> frequencies = logFrequencies(30.0, 18000.0, 12);
+    const auto measured = measureResponseDb(*mHost, 48000.0, 512, frequencies);
+    std::string note;
+    const auto designed = designedResponseDb(mHost->saveState(), 48000.0, frequencies, note);
+    for (size_t point = 0; point < frequencies.size(); ++point)
+    {
+        EXPECT_NEAR(measured[0][point], designed[0][point], 0.05) << frequencies[point] << " Hz";
+        EXPECT_NEAR(measured[1][point], designed[1][point], 0.05) << frequencies[point] << " Hz";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Bands, PluginResponse,
+                         testing::Values(BandSetting{"Pk dB/2", "+9 dB", "800 Hz"},
+                                         BandSetting{"LF Shelf", "-6 dB", "200 Hz"},
+                                         BandSetting{"HF Shelf", "+4 dB", "6000 Hz"},
+                                         BandSetting{"Band Pass", "0 dB", "2000 Hz"}));
+
+} // namespace
+} // namespace velmoran::render

@@ -1,0 +1,204 @@
+#include "RenderTestSupport.h"
+
+#include "tools/render/AtomicFile.h"
+
+#include <dirent.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <stdexcept>
+
+namespace velmoran::test
+{
+
+namespace
+{
+
+constexpr double kPi = 3.141592653589793;
+
+std::string gModulePath;
+std::string gToolPath;
+
+std::string fileText(const std::string& path)
+{
+    const std::vector<char> bytes = render::readFileBytes(path);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+} // namespace
+
+void setRenderPaths(const std::string& modulePath, const std::string& toolPath)
+{
+    gModulePath = modulePath;
+    gToolPath = toolPath;
+}
+
+const std::string& renderModulePath()
+{
+    return gModulePath;
+}
+
+const std::string& renderToolPath()
+{
+    return gToolPath;
+}
+
+ScratchFolder::ScratchFolder()
+{
+    const char* base = std::getenv("TMPDIR");
+    std::string pattern = std::string(base ? base : "/tmp") + "/velmoran-render-test.XXXXXX";
+    std::vector<char> buffer(pattern.begin(), pattern.end());
+    buffer.push_back('\0');
+    if (!mkdtemp(buffer.data()))
+    {
+        throw std::runtime_error("cannot make a scratch folder");
+    }
+    mPath = buffer.data();
+}
+
+ScratchFolder::~ScratchFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+}
+
+std::string ScratchFolder::file(const std::string& name) const
+{
+    return mPath + "/" + name;
+}
+
+std::vector<std::string> ScratchFolder::names() const
+{
+    std::vector<std::string> found;
+    if (DIR* folder = opendir(mPath.c_str()))
+    {
+        while (const dirent* entry = readdir(folder))
+        {
+            const std::string name = entry->d_name;
+            if (name != "." && name != "..")
+            {
+                found.push_back(name);
+            }
+        }
+        closedir(folder);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+void writeSound(const std::string& path, const std::vector<float>& samples, int format, int sampleRate,
+                int channels)
+{
+    render::AudioInfo info;
+    info.sampleRate = sampleRate;
+    info.channels = channels;
+    info.format = format;
+    render::AudioWriter writer(path, info);
+    writer.write(samples.data(), static_cast<int64_t>(samples.size()) / channels);
+    writer.commit();
+}
+
+Sound readSound(const std::string& path)
+{
+    render::AudioReader reader(path);
+    Sound sound;
+    sound.info = reader.info();
+    reader.read(sound.samples, reader.info().frames);
+    return sound;
+}
+
+std::vector<float> sine(double frequencyHz, double levelDb, double seconds, int sampleRate, int channels)
+{
+    const auto frames = static_cast<size_t>(seconds * sampleRate);
+    const double amplitude = std::sqrt(2.0) * std::pow(10.0, levelDb / 20.0);
+    std::vector<float> samples(frames * static_cast<size_t>(channels));
+    for (size_t frame = 0; frame < frames; ++frame)
+    {
+        const double value =
+            amplitude * std::sin(2.0 * kPi * frequencyHz * static_cast<double>(frame) / sampleRate);
+        for (int channel = 0; channel < channels; ++channel)
+        {
+            samples[frame * static_cast<size_t>(channels) + static_cast<size_t>(channel)] =
+                static_cast<float>(value);
+        }
+    }
+    return samples;
+}
+
+std::vector<float> busySignal(double seconds, int sampleRate, int channels)
+{
+    const auto frames = static_cast<size_t>(seconds * sampleRate);
+    std::vector<float> samples(frames * static_cast<size_t>(channels));
+    uint32_t noise = 12345u;
+    for (size_t index = 0; index < samples.size(); ++index)
+    {
+        noise = noise * 1664525u + 1013904223u;
+        const double tone = 0.4 * std::sin(2.0 * kPi * 441.0 * static_cast<double>(index / 2) / sampleRate);
+        // Whole 16-bit steps, so that every integer encoding holds the signal exactly.
+        const double value = tone + 0.5 * (static_cast<double>(noise >> 8) / 16777216.0 - 0.5);
+        samples[index] = static_cast<float>(std::round(value * 32767.0) / 32768.0);
+    }
+    return samples;
+}
+
+double rmsDb(const Sound& sound, int channel, size_t first)
+{
+    const auto channels = static_cast<size_t>(sound.info.channels);
+    double sum = 0.0;
+    size_t count = 0;
+    for (size_t index = first * channels + static_cast<size_t>(channel); index < sound.samples.size();
+         index += channels)
+    {
+        sum += static_cast<double>(sound.samples[index]) * sound.samples[index];
+        ++count;
+    }
+    return 10.0 * std::log10(std::max(sum / std::max<size_t>(count, 1), 1e-30));
+}
+
+ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
+{
+    std::vector<std::string> all = {gToolPath};
+    if (givePlugin)
+    {
+        all.push_back("--plugin");
+        all.push_back(gModulePath);
+    }
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    char errorsPath[] = "/tmp/velmoran-render-stderr.XXXXXX";
+    char outputPath[] = "/tmp/velmoran-render-stdout.XXXXXX";
+    const int errors = mkstemp(errorsPath);
+    const int output = mkstemp(outputPath);
+    ToolRun run;
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        dup2(errors, STDERR_FILENO);
+        dup2(output, STDOUT_FILENO);
+        std::vector<char*> argv;
+        for (std::string& argument : all)
+        {
+            argv.push_back(argument.data());
+        }
+        argv.push_back(nullptr);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(errors);
+    close(output);
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.errors = fileText(errorsPath);
+    run.output = fileText(outputPath);
+    unlink(errorsPath);
+    unlink(outputPath);
+    return run;
+}
+
+} // namespace velmoran::test
