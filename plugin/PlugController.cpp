@@ -64,7 +64,10 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
 
 tresult PLUGIN_API CPlugController::terminate()
 {
-    mSpectrumFrame.reset();
+    {
+        std::lock_guard<std::mutex> guard(mFrameLock);
+        mSpectrumFrame.reset();
+    }
     return EditControllerEx1::terminate();
 }
 
@@ -234,6 +237,7 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         if (attributes->getBinary("FFTData", data, size) == kResultOk)
         {
             // A frame larger than ours is dropped, not cut; a shorter one overwrites its own length.
+            std::lock_guard<std::mutex> guard(mFrameLock);
             if (data && mSpectrumFrame && size <= static_cast<uint32>(kSpectrumFrameBytes))
             {
                 std::memcpy(mSpectrumFrame.get(), data, size);

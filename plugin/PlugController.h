@@ -8,6 +8,7 @@
 
 #include <array>
 #include <memory>
+#include <mutex>
 
 namespace Steinberg
 {
@@ -71,6 +72,9 @@ private:
 
     std::unique_ptr<std::array<CPlugProgram, kFactoryProgramCount>> mPrograms;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    // Held while a frame is copied in and while the buffer is freed: the processor's sender may
+    // still be delivering a frame when the host terminates the controller after disconnecting.
+    std::mutex mFrameLock;
     double mSampleRate = 44100.0;
 };
 

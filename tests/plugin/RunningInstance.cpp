@@ -10,14 +10,11 @@ namespace velmoran::test
 
 namespace Plug = Vst::Velmoran;
 
-FrameRelay::FrameRelay(IConnectionPoint* controller)
-    : mController(controller){FUNKNOWN_CTOR}
+FrameRelay::FrameRelay(IConnectionPoint* controller) : mController(controller) {}
 
-      FrameRelay::~FrameRelay(){FUNKNOWN_DTOR}
+FrameRelay::~FrameRelay() = default;
 
-      IMPLEMENT_FUNKNOWN_METHODS(FrameRelay, IConnectionPoint, IConnectionPoint::iid)
-
-          ReceivedFrames FrameRelay::received()
+ReceivedFrames FrameRelay::received()
 {
     std::lock_guard<std::mutex> guard(mLock);
     return mReceived;

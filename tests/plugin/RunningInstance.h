@@ -6,6 +6,7 @@
 // controller, which notes what the frames held.
 
 #include "PluginHost.h"
+#include "support/AtomicReferences.h"
 
 #include <array>
 #include <mutex>
@@ -38,7 +39,7 @@ public:
     tresult PLUGIN_API disconnect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
 
-    DECLARE_FUNKNOWN_METHODS
+    VELMORAN_ATOMIC_REFERENCES(IConnectionPoint)
 
 private:
     IPtr<IConnectionPoint> mController;

@@ -1,6 +1,7 @@
 // The spectrum link: frames and the sample rate travelling from processor to controller.
 
 #include "PluginHost.h"
+#include "support/AtomicReferences.h"
 
 #include "plugin/PlugParameters.h"
 #include "plugin/SpectrumFrame.h"
@@ -26,8 +27,8 @@ using Clock = std::chrono::steady_clock;
 class ListeningPeer : public IConnectionPoint
 {
 public:
-    ListeningPeer() { FUNKNOWN_CTOR; }
-    virtual ~ListeningPeer() { FUNKNOWN_DTOR; }
+    ListeningPeer() = default;
+    virtual ~ListeningPeer() = default;
 
     tresult PLUGIN_API connect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
     tresult PLUGIN_API disconnect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
@@ -75,7 +76,7 @@ public:
         return mLastFrame;
     }
 
-    DECLARE_FUNKNOWN_METHODS
+    VELMORAN_ATOMIC_REFERENCES(IConnectionPoint)
 
 private:
     std::mutex mLock;
@@ -83,8 +84,6 @@ private:
     std::vector<double> mSampleRates;
     std::vector<char> mLastFrame;
 };
-
-IMPLEMENT_FUNKNOWN_METHODS(ListeningPeer, IConnectionPoint, IConnectionPoint::iid)
 
 class SpectrumLink : public testing::Test
 {
