@@ -9,19 +9,22 @@
 #include <atomic>
 
 // Inside a class implementing exactly one interface: addRef, release and queryInterface for it.
-#define VELMORAN_ATOMIC_REFERENCES(Interface)                                                                 \
+#define VELMORAN_ATOMIC_REFERENCES(Interface)                                                                \
 public:                                                                                                      \
-    Steinberg::uint32 PLUGIN_API addRef() SMTG_OVERRIDE { return ++mAtomicReferences; }                     \
+    Steinberg::uint32 PLUGIN_API addRef() SMTG_OVERRIDE                                                      \
+    {                                                                                                        \
+        return ++mAtomicReferences;                                                                          \
+    }                                                                                                        \
     Steinberg::uint32 PLUGIN_API release() SMTG_OVERRIDE                                                     \
     {                                                                                                        \
-        const Steinberg::uint32 left = --mAtomicReferences;                                                 \
+        const Steinberg::uint32 left = --mAtomicReferences;                                                  \
         if (left == 0)                                                                                       \
         {                                                                                                    \
             delete this;                                                                                     \
         }                                                                                                    \
         return left;                                                                                         \
     }                                                                                                        \
-    Steinberg::tresult PLUGIN_API queryInterface(const Steinberg::TUID iid, void** object) SMTG_OVERRIDE   \
+    Steinberg::tresult PLUGIN_API queryInterface(const Steinberg::TUID iid, void** object) SMTG_OVERRIDE     \
     {                                                                                                        \
         QUERY_INTERFACE(iid, object, Steinberg::FUnknown::iid, Interface)                                    \
         QUERY_INTERFACE(iid, object, Interface::iid, Interface)                                              \
