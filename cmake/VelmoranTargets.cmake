@@ -15,6 +15,16 @@ if(VELMORAN_SANITIZE)
     add_link_options(-fsanitize=${velmoran_sanitizers})
 endif()
 
+# Fuzzing (clang only): every target is built with libFuzzer's coverage instrumentation, and the
+# fuzz targets in fuzz/ link libFuzzer's driver.
+option(VELMORAN_FUZZ "Build the libFuzzer targets in fuzz/ (needs clang)" OFF)
+if(VELMORAN_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        message(FATAL_ERROR "VELMORAN_FUZZ needs clang (the linux-fuzz preset uses clang++-14).")
+    endif()
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # Windows test programs run under Wine in one throw-away prefix per build tree. The prefix is
 # made once per test run by a fixture and removed after it; wine-run.sh also makes it on demand,
 # so a test program can be run by hand.

@@ -207,6 +207,11 @@ tresult PLUGIN_API CPlug::notify(IMessage* message)
             return kResultOk;
         }
     }
+    // The SDK reads the attributes of a "TextMessage" without asking whether there are any.
+    if (message && !message->getAttributes())
+    {
+        return kResultFalse;
+    }
     return AudioEffect::notify(message);
 }
 

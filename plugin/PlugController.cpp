@@ -64,7 +64,10 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
 
 tresult PLUGIN_API CPlugController::terminate()
 {
-    mSpectrumFrame.reset();
+    {
+        std::lock_guard<std::mutex> guard(mFrameLock);
+        mSpectrumFrame.reset();
+    }
     return EditControllerEx1::terminate();
 }
 
@@ -137,8 +140,13 @@ void CPlugController::loadProgram(int index)
 
 tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue value)
 {
+    // A value that is no number would be kept as it is and shown to the host and the editor.
+    if (!std::isfinite(value))
+    {
+        return kInvalidArgument;
+    }
     tresult result = EditControllerEx1::setParamNormalized(tag, value);
-    if (tag != kPresetTag || result != kResultOk || !std::isfinite(value))
+    if (tag != kPresetTag || result != kResultOk)
     {
         return result;
     }
@@ -168,10 +176,12 @@ tresult PLUGIN_API CPlugController::setComponentState(IBStream* state)
 tresult PLUGIN_API CPlugController::getParamStringByValue(ParamID tag, ParamValue valueNormalized,
                                                           String128 string)
 {
-    if (!string)
+    if (!string || !std::isfinite(valueNormalized))
     {
         return kInvalidArgument;
     }
+    // Codes and counts are taken from the value: outside 0..1 they would not fit their types.
+    valueNormalized = std::clamp(valueNormalized, 0.0, 1.0);
     std::string text;
     if (tag < kTagTableSize && valueText(tag, static_cast<float>(valueNormalized), text))
     {
@@ -202,7 +212,14 @@ tresult PLUGIN_API CPlugController::getParamValueByString(ParamID tag, TChar* st
         valueNormalized = value;
         return kResultOk;
     }
-    return EditControllerEx1::getParamValueByString(tag, string, valueNormalized);
+    // The SDK reads "nan" and "inf" as numbers, and any number as a normalised value.
+    ParamValue value = 0.0;
+    if (EditControllerEx1::getParamValueByString(tag, string, value) != kResultOk || !std::isfinite(value))
+    {
+        return kResultFalse;
+    }
+    valueNormalized = std::clamp(value, 0.0, 1.0);
+    return kResultOk;
 }
 
 tresult PLUGIN_API CPlugController::notify(IMessage* message)
@@ -220,6 +237,7 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         if (attributes->getBinary("FFTData", data, size) == kResultOk)
         {
             // A frame larger than ours is dropped, not cut; a shorter one overwrites its own length.
+            std::lock_guard<std::mutex> guard(mFrameLock);
             if (data && mSpectrumFrame && size <= static_cast<uint32>(kSpectrumFrameBytes))
             {
                 std::memcpy(mSpectrumFrame.get(), data, size);
@@ -236,7 +254,31 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         }
         return kResultOk;
     }
+    // The SDK reads the attributes of a "TextMessage" without asking whether there are any.
+    if (!attributes)
+    {
+        return kResultFalse;
+    }
     return EditControllerEx1::notify(message);
+}
+
+tresult PLUGIN_API CPlugController::getParameterInfo(int32 paramIndex, ParameterInfo& info)
+{
+    // The SDK's containers throw for an index out of range; a host gets a refusal instead.
+    if (paramIndex < 0 || paramIndex >= getParameterCount())
+    {
+        return kInvalidArgument;
+    }
+    return EditControllerEx1::getParameterInfo(paramIndex, info);
+}
+
+tresult PLUGIN_API CPlugController::getUnitInfo(int32 unitIndex, UnitInfo& info)
+{
+    if (unitIndex < 0 || unitIndex >= getUnitCount())
+    {
+        return kInvalidArgument;
+    }
+    return EditControllerEx1::getUnitInfo(unitIndex, info);
 }
 
 tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex*/, int16 /*channel*/,

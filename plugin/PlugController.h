@@ -8,6 +8,7 @@
 
 #include <array>
 #include <memory>
+#include <mutex>
 
 namespace Steinberg
 {
@@ -43,6 +44,10 @@ public:
     tresult PLUGIN_API getParamValueByString(ParamID tag, TChar* string,
                                              ParamValue& valueNormalized) SMTG_OVERRIDE;
 
+    // Parameter and unit information by index; an index out of range is refused (UI thread).
+    tresult PLUGIN_API getParameterInfo(int32 paramIndex, ParameterInfo& info) SMTG_OVERRIDE;
+    tresult PLUGIN_API getUnitInfo(int32 unitIndex, UnitInfo& info) SMTG_OVERRIDE;
+
     tresult PLUGIN_API getMidiControllerAssignment(int32 busIndex, int16 channel,
                                                    CtrlNumber midiControllerNumber,
                                                    ParamID& id) SMTG_OVERRIDE;
@@ -67,6 +72,9 @@ private:
 
     std::unique_ptr<std::array<CPlugProgram, kFactoryProgramCount>> mPrograms;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    // Held while a frame is copied in and while the buffer is freed: the processor's sender may
+    // still be delivering a frame when the host terminates the controller after disconnecting.
+    std::mutex mFrameLock;
     double mSampleRate = 44100.0;
 };
 

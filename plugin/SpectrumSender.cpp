@@ -56,18 +56,29 @@ void SpectrumSender::run()
 
 void SpectrumSender::sendFrame()
 {
-    // The lock is held only while the host context and the peer are taken, each with a reference
-    // of its own. A host may pass the message to its main thread and wait there, and that thread
-    // may be inside disconnect or terminate waiting for the lock: sending under it could deadlock.
-    IPtr<FUnknown> host;
+    // The lock is held only while the host application and the peer are taken, each with a
+    // reference of its own. A host may pass the message to its main thread and wait there, and
+    // that thread may be inside disconnect or terminate waiting for the lock: sending under it
+    // could deadlock.
+    IPtr<IHostApplication> application;
     IPtr<IConnectionPoint> peer;
     {
         std::lock_guard<std::recursive_mutex> guard(mLinkLock);
-        host = mComponent.getHostContext();
+        application = FUnknownPtr<IHostApplication>(mComponent.getHostContext());
         peer = mComponent.getPeer();
     }
+    postFrame(application, peer);
+    // The SDK's reference count on Linux reads the count back without atomicity, so two threads
+    // must not release one object at once: the references go under the lock that disconnect and
+    // terminate release theirs under.
+    std::lock_guard<std::recursive_mutex> guard(mLinkLock);
+    application = nullptr;
+    peer = nullptr;
+}
+
+void SpectrumSender::postFrame(IHostApplication* application, IConnectionPoint* peer)
+{
     // Without a host context no message can be made; the frame is simply not sent.
-    FUnknownPtr<IHostApplication> application(host);
     if (!application || !peer)
     {
         return;

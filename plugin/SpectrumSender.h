@@ -2,6 +2,7 @@
 
 #include "SpectrumFrame.h"
 
+#include "pluginterfaces/vst/ivsthostapplication.h"
 #include "public.sdk/source/vst/vstcomponentbase.h"
 
 #include <atomic>
@@ -36,6 +37,7 @@ public:
 private:
     void run();
     void sendFrame();
+    void postFrame(IHostApplication* application, IConnectionPoint* peer);
 
     ComponentBase& mComponent;
     const SpectrumFrame& mFrame;

@@ -11,6 +11,7 @@ packages=(
   juce-modules-source-data
   python3 librsvg2-bin libfreetype-dev
   libsndfile1-dev gnuplot-nox
+  clang-14 libclang-rt-14-dev
   fonts-dejavu-core fonts-play fonts-routed-gothic fonts-liberation
 )
 

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Builds every target (native, native with sanitizers, Windows) and runs all tests: natively, and
-# the Windows programs under Wine. The last line counts the tests of all three runs.
+# the Windows programs under Wine; then the threading tests under ThreadSanitizer and each fuzz
+# target for a few seconds. The last line counts the tests of all runs.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
 bash scripts/setup.sh || exit 1
 
-presets=(linux linux-asan windows)
+presets=(linux linux-asan windows linux-tsan linux-fuzz)
 passed=0
 failed=0
 status=0

@@ -1,6 +1,7 @@
 // The spectrum link: frames and the sample rate travelling from processor to controller.
 
 #include "PluginHost.h"
+#include "support/AtomicReferences.h"
 
 #include "plugin/PlugParameters.h"
 #include "plugin/SpectrumFrame.h"
@@ -34,8 +35,8 @@ struct Received
 class ListeningPeer : public IConnectionPoint
 {
 public:
-    ListeningPeer() { FUNKNOWN_CTOR; }
-    virtual ~ListeningPeer() { FUNKNOWN_DTOR; }
+    ListeningPeer() = default;
+    virtual ~ListeningPeer() = default;
 
     tresult PLUGIN_API connect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
     tresult PLUGIN_API disconnect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
@@ -67,7 +68,7 @@ public:
         return mReceived;
     }
 
-    DECLARE_FUNKNOWN_METHODS
+    VELMORAN_ATOMIC_REFERENCES(IConnectionPoint)
 
 private:
     std::mutex mLock;
@@ -83,8 +84,6 @@ std::pair<float, int32> headerOf(const std::vector<char>& frame)
     std::memcpy(&size, frame.data() + 4, 4);
     return {rate, size};
 }
-
-IMPLEMENT_FUNKNOWN_METHODS(ListeningPeer, IConnectionPoint, IConnectionPoint::iid)
 
 class SpectrumLink : public testing::Test
 {

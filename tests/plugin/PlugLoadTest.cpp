@@ -1,0 +1,348 @@
+// Long use, as a host gives it: many instances processing at once with their sender threads,
+// instances made and taken down over and over, and a soak of full-scale noise with random
+// automation on every block. The test command runs short versions; scripts/soak.sh sets the
+// lengths through VELMORAN_LOAD_SECONDS, VELMORAN_LOAD_CYCLES and VELMORAN_SOAK_SECONDS. Times
+// are printed as figures, never asserted.
+
+#include "RunningInstance.h"
+
+#include "plugin/PlugParameters.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <thread>
+#include <utility>
+
+namespace velmoran::test
+{
+namespace
+{
+
+namespace Plug = Vst::Velmoran;
+using Clock = std::chrono::steady_clock;
+
+constexpr int32 kBlock = 512;
+constexpr double kSampleRate = 48000.0;
+// +60 dBFS: no setting may take a full-scale input beyond this.
+constexpr float kLoudestOutput = 1000.0f;
+
+// A length from the environment, or the short default of the test command.
+double setting(const char* name, double shortDefault)
+{
+    const char* text = std::getenv(name);
+    const double value = text ? std::atof(text) : 0.0;
+    return value > 0.0 ? value : shortDefault;
+}
+
+double secondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Processor time the calling thread has used, in microseconds: unlike the wall clock it does not
+// count the time the thread waited for a core on a busy machine. The wall clock where there is
+// no such clock.
+double threadMicroseconds()
+{
+#if defined(__linux__)
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return 1e6 * static_cast<double>(now.tv_sec) + 1e-3 * static_cast<double>(now.tv_nsec);
+#else
+    return std::chrono::duration<double, std::micro>(Clock::now().time_since_epoch()).count();
+#endif
+}
+
+// A small, fast generator of reproducible noise and choices.
+class Random
+{
+public:
+    explicit Random(uint64_t seed) : mState(seed * 0x9E3779B97F4A7C15ull + 1) {}
+
+    uint64_t next()
+    {
+        mState ^= mState << 13;
+        mState ^= mState >> 7;
+        mState ^= mState << 17;
+        return mState;
+    }
+    // Uniform in 0..1.
+    double unit() { return static_cast<double>(next() >> 11) / 9007199254740992.0; }
+    // Uniform in -1..1: full-scale noise.
+    float sample() { return static_cast<float>(2.0 * unit() - 1.0); }
+
+private:
+    uint64_t mState;
+};
+
+// Every tag a host can automate: all band and global parameters, the effect switch and bypass.
+std::vector<ParamID> automatedTags()
+{
+    std::vector<ParamID> tags;
+    for (ParamID tag = 0; tag < static_cast<ParamID>(Plug::kProgramValueCount); ++tag)
+    {
+        if (tag != Plug::kUnusedTag)
+        {
+            tags.push_back(tag);
+        }
+    }
+    tags.push_back(Plug::kHostBypassTag);
+    return tags;
+}
+
+void fillNoise(RunningInstance& instance, Random& random, int32 sampleCount)
+{
+    for (auto& channel : instance.inputs)
+    {
+        for (int32 index = 0; index < sampleCount; ++index)
+        {
+            channel[static_cast<size_t>(index)] = random.sample();
+        }
+    }
+}
+
+// What went wrong in the output of a block, if anything: NaN, infinity, a denormal or a sample
+// beyond +60 dBFS. Tracks the loudest sample.
+const char* checkOutput(const RunningInstance& instance, int32 sampleCount, float& loudest)
+{
+    for (const auto& channel : instance.outputs)
+    {
+        for (int32 index = 0; index < sampleCount; ++index)
+        {
+            const float sample = channel[static_cast<size_t>(index)];
+            if (!std::isfinite(sample))
+            {
+                return "a sample that is no finite number";
+            }
+            if (std::fpclassify(sample) == FP_SUBNORMAL)
+            {
+                return "a denormal sample";
+            }
+            loudest = std::max(loudest, std::fabs(sample));
+            if (std::fabs(sample) > kLoudestOutput)
+            {
+                return "a sample beyond +60 dBFS";
+            }
+        }
+    }
+    return nullptr;
+}
+
+double decibels(float linear)
+{
+    return 20.0 * std::log10(std::max(linear, 1e-30f));
+}
+
+TEST(PlugLoad, ThirtyTwoInstancesOnTwoThreadsWithTheirSenders)
+{
+    constexpr int kInstances = 32;
+    const double seconds = setting("VELMORAN_LOAD_SECONDS", 1.0);
+    const int blocks = static_cast<int>(seconds * kSampleRate / kBlock);
+    std::vector<std::unique_ptr<RunningInstance>> instances;
+    for (int index = 0; index < kInstances; ++index)
+    {
+        instances.push_back(std::make_unique<RunningInstance>(kBlock));
+        ASSERT_TRUE(instances.back()->valid()) << "instance " << index;
+    }
+    const std::vector<ParamID> tags = automatedTags();
+    std::atomic<int> failures{0};
+    auto run = [&](int first, uint64_t seed)
+    {
+        Random random(seed);
+        auto changes = owned(new ParameterChanges());
+        for (int block = 0; block < blocks; ++block)
+        {
+            for (int index = first; index < first + kInstances / 2; ++index)
+            {
+                RunningInstance& instance = *instances[static_cast<size_t>(index)];
+                changes->clearQueue();
+                int32 queueIndex = 0;
+                // The analyser stays on so that every sender has a real frame to post.
+                changes->addParameterData(Plug::kFftTag, queueIndex)->addPoint(0, 1.0, queueIndex);
+                const ParamID tag = tags[random.next() % tags.size()];
+                if (tag != Plug::kFftTag && tag != Plug::kEqTag && tag != Plug::kHostBypassTag)
+                {
+                    changes->addParameterData(tag, queueIndex)->addPoint(0, random.unit(), queueIndex);
+                }
+                fillNoise(instance, random, kBlock);
+                float loudest = 0.0f;
+                if (instance.process(kBlock, changes) != kResultOk || checkOutput(instance, kBlock, loudest))
+                {
+                    ++failures;
+                }
+            }
+        }
+    };
+    const auto start = Clock::now();
+    std::thread firstHalf(run, 0, 1);
+    std::thread secondHalf(run, kInstances / 2, 2);
+    firstHalf.join();
+    secondHalf.join();
+    const double wall = secondsSince(start);
+    EXPECT_EQ(failures.load(), 0);
+    for (auto& instance : instances)
+    {
+        EXPECT_NE(instance->received().transformSize, 0) << "every controller receives frames";
+    }
+    std::printf(
+        "[ figures  ] load: %d instances x %.1f s of 48 kHz audio on 2 threads with %d sender threads: "
+        "%.2f s wall, %.1f x real time per thread\n",
+        kInstances, seconds, kInstances, wall, seconds * kInstances / 2.0 / wall);
+}
+
+TEST(PlugLoad, InstancesMadeUsedAndTakenDownOverAndOver)
+{
+    // On one thread: a host makes and takes down instances on its main thread only.
+    const int cycles = static_cast<int>(setting("VELMORAN_LOAD_CYCLES", 100.0));
+    Random random(3);
+    int failures = 0;
+    const auto start = Clock::now();
+    for (int cycle = 0; cycle < cycles; ++cycle)
+    {
+        RunningInstance instance(kBlock);
+        ASSERT_TRUE(instance.valid()) << "cycle " << cycle;
+        for (int block = 0; block < 4; ++block)
+        {
+            fillNoise(instance, random, kBlock);
+            float loudest = 0.0f;
+            if (instance.process(kBlock) != kResultOk || checkOutput(instance, kBlock, loudest))
+            {
+                ++failures;
+            }
+        }
+    }
+    EXPECT_EQ(failures, 0);
+    std::printf("[ figures  ] cycles: %d create, initialise, process, terminate, destroy cycles in %.2f s\n",
+                cycles, secondsSince(start));
+}
+
+// A fixed setting with every band at work and the analyser on: the soak returns to it at the
+// start of every round, so that block times taken there compare like with like.
+IPtr<ParameterChanges> referenceSetting()
+{
+    std::vector<std::pair<ParamID, ParamValue>> points = {
+        {Plug::kEqTag, 1.0},        {Plug::kHostBypassTag, 0.0}, {Plug::kFftTag, 1.0},
+        {Plug::kFftSourceTag, 1.0}, {Plug::kPolarityTag, 0.0},   {Plug::kSoloTag, 0.0},
+        {Plug::kInputGainTag, 0.5}, {Plug::kOutputGainTag, 0.5},
+    };
+    for (int band = 1; band <= Plug::kBandCount; ++band)
+    {
+        points.push_back({Plug::filterTypeTag(band), (2 + band % 10) / 20.0});
+        points.push_back({Plug::frequencyTag(band), band / 11.0});
+        points.push_back({Plug::gainTag(band), band % 2 == 0 ? 0.7 : 0.3});
+        points.push_back({Plug::qTag(band), 0.4});
+        points.push_back({Plug::enableTag(band), 1.0});
+        points.push_back({Plug::modeTag(band), 0.0});
+    }
+    return changesOf(points);
+}
+
+// The value below which the given share (0..1) of a series lies.
+float quantileOf(std::vector<float> values, double share)
+{
+    if (values.empty())
+    {
+        return 0.0f;
+    }
+    const auto index = static_cast<long>(share * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), values.begin() + index, values.end());
+    return values[static_cast<size_t>(index)];
+}
+
+float medianOf(std::vector<float> values)
+{
+    return quantileOf(std::move(values), 0.5);
+}
+
+// The median of the first or last tenth (at least one) of a series.
+float medianOfTenth(const std::vector<float>& values, bool last)
+{
+    const auto tenth = static_cast<long>(std::max<size_t>(1, values.size() / 10));
+    return last ? medianOf({values.end() - tenth, values.end()})
+                : medianOf({values.begin(), values.begin() + tenth});
+}
+
+TEST(PlugLoad, SoakWithRandomAutomationOnEveryBlock)
+{
+    // A round is 1,000 blocks (10.7 s): the reference setting (20 blocks to settle, 20 timed),
+    // then random automation of every parameter on every block over full-scale noise, then over
+    // 200 blocks of silence, where filter tails decay towards denormals.
+    constexpr int kRound = 1000;
+    constexpr int kReferenceFrom = 20;
+    constexpr int kAutomationFrom = 40;
+    constexpr int kSilentFrom = 800;
+    const double seconds = setting("VELMORAN_SOAK_SECONDS", 60.0);
+    const int blocks = static_cast<int>(seconds * kSampleRate / kBlock);
+    RunningInstance instance(kBlock);
+    ASSERT_TRUE(instance.valid());
+    const std::vector<ParamID> tags = automatedTags();
+    const IPtr<ParameterChanges> reference = referenceSetting();
+    Random random(5);
+    auto changes = owned(new ParameterChanges());
+    std::vector<float> referenceMicroseconds;
+    std::vector<float> allMicroseconds;
+    allMicroseconds.reserve(static_cast<size_t>(blocks));
+    float loudest = 0.0f;
+    for (int block = 0; block < blocks; ++block)
+    {
+        const int inRound = block % kRound;
+        IParameterChanges* blockChanges = inRound == 0 ? reference.get() : nullptr;
+        if (inRound >= kAutomationFrom)
+        {
+            changes->clearQueue();
+            const int changeCount = 1 + static_cast<int>(random.next() % 4);
+            for (int change = 0; change < changeCount; ++change)
+            {
+                int32 queueIndex = 0;
+                changes->addParameterData(tags[random.next() % tags.size()], queueIndex)
+                    ->addPoint(0, random.unit(), queueIndex);
+            }
+            blockChanges = changes;
+        }
+        if (inRound >= kSilentFrom)
+        {
+            for (auto& channel : instance.inputs)
+            {
+                std::fill(channel.begin(), channel.end(), 0.0f);
+            }
+        }
+        else
+        {
+            fillNoise(instance, random, kBlock);
+        }
+        const double start = threadMicroseconds();
+        const tresult result = instance.process(kBlock, blockChanges);
+        const auto microseconds = static_cast<float>(threadMicroseconds() - start);
+        ASSERT_EQ(result, kResultOk);
+        allMicroseconds.push_back(microseconds);
+        if (inRound >= kReferenceFrom && inRound < kAutomationFrom)
+        {
+            referenceMicroseconds.push_back(microseconds);
+        }
+        const char* problem = checkOutput(instance, kBlock, loudest);
+        ASSERT_EQ(problem, nullptr) << problem << " in block " << block << " ("
+                                    << block * static_cast<double>(kBlock) / kSampleRate << " s)";
+    }
+    std::printf(
+        "[ figures  ] soak: %.0f s of 48 kHz audio, %d blocks of %d, random automation on every block; "
+        "loudest output %.1f dBFS for full-scale noise; block processor time median %.1f us, 99.9th "
+        "percentile %.1f "
+        "us, "
+        "longest %.1f us (budget %.0f us); reference setting median %.1f us, late/early median ratio %.3f\n",
+        seconds, blocks, kBlock, decibels(loudest), medianOf(allMicroseconds),
+        quantileOf(allMicroseconds, 0.999), *std::max_element(allMicroseconds.begin(), allMicroseconds.end()),
+        1e6 * kBlock / kSampleRate, medianOf(referenceMicroseconds),
+        medianOfTenth(referenceMicroseconds, true) / medianOfTenth(referenceMicroseconds, false));
+}
+
+} // namespace
+} // namespace velmoran::test

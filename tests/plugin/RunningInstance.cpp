@@ -1,0 +1,104 @@
+#include "RunningInstance.h"
+
+#include "plugin/SpectrumFrame.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace velmoran::test
+{
+
+namespace Plug = Vst::Velmoran;
+
+FrameRelay::FrameRelay(IConnectionPoint* controller) : mController(controller) {}
+
+FrameRelay::~FrameRelay() = default;
+
+ReceivedFrames FrameRelay::received()
+{
+    std::lock_guard<std::mutex> guard(mLock);
+    return mReceived;
+}
+
+tresult PLUGIN_API FrameRelay::notify(IMessage* message)
+{
+    const void* data = nullptr;
+    uint32 size = 0;
+    if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
+        message->getAttributes() && message->getAttributes()->getBinary("FFTData", data, size) == kResultOk &&
+        size == sizeof(Plug::SpectrumFrame))
+    {
+        const auto* frame = static_cast<const Plug::SpectrumFrame*>(data);
+        std::lock_guard<std::mutex> guard(mLock);
+        ++mReceived.count;
+        mReceived.sampleRate = frame->sampleRate;
+        mReceived.transformSize = frame->transformSize;
+        mReceived.loudestBin =
+            *std::max_element(frame->magnitudes, frame->magnitudes + Plug::kAnalyserMagnitudeCount);
+    }
+    return mController->notify(message);
+}
+
+RunningInstance::RunningInstance(int32 maxBlockLength)
+{
+    FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
+    FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
+    if (!plugin.valid() || !componentPoint || !controllerPoint)
+    {
+        return;
+    }
+    mRelay = owned(new FrameRelay(controllerPoint));
+    componentPoint->connect(mRelay);
+    controllerPoint->connect(componentPoint);
+    for (size_t channel = 0; channel < 2; ++channel)
+    {
+        inputs[channel].assign(static_cast<size_t>(maxBlockLength), 0.0f);
+        outputs[channel].assign(static_cast<size_t>(maxBlockLength), 0.0f);
+        mInputChannels[channel] = inputs[channel].data();
+        mOutputChannels[channel] = outputs[channel].data();
+    }
+    mInputBus.numChannels = 2;
+    mInputBus.channelBuffers32 = mInputChannels.data();
+    mOutputBus.numChannels = 2;
+    mOutputBus.channelBuffers32 = mOutputChannels.data();
+    mData.processMode = kRealtime;
+    mData.symbolicSampleSize = kSample32;
+    mData.numInputs = 1;
+    mData.numOutputs = 1;
+    mData.inputs = &mInputBus;
+    mData.outputs = &mOutputBus;
+    ProcessSetup setup{kRealtime, kSample32, maxBlockLength, 48000.0};
+    mActive = plugin.processor->setupProcessing(setup) == kResultOk &&
+              plugin.component->setActive(true) == kResultOk;
+}
+
+RunningInstance::~RunningInstance()
+{
+    if (mActive)
+    {
+        plugin.component->setActive(false);
+    }
+    disconnect();
+}
+
+void RunningInstance::disconnect()
+{
+    FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
+    FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
+    if (!mRelay || !componentPoint || !controllerPoint)
+    {
+        return;
+    }
+    componentPoint->disconnect(mRelay);
+    controllerPoint->disconnect(componentPoint);
+    mRelay = nullptr;
+}
+
+tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
+{
+    mData.numSamples = sampleCount;
+    mData.inputParameterChanges = changes;
+    return plugin.processor->process(mData);
+}
+
+} // namespace velmoran::test

@@ -1,0 +1,83 @@
+#pragma once
+
+// A processor and controller running as in a host session: connected, set up for 48 kHz, active,
+// with stereo buffers made once, so that a block can be processed without the host side
+// allocating anything. The processor's messages pass through a relay on their way to the
+// controller, which notes what the frames held.
+
+#include "PluginHost.h"
+#include "support/AtomicReferences.h"
+
+#include <array>
+#include <mutex>
+#include <vector>
+
+namespace velmoran::test
+{
+
+// What the spectrum frames that reached the controller held.
+struct ReceivedFrames
+{
+    int count = 0;
+    float sampleRate = 0.0f;
+    int32 transformSize = 0;
+    float loudestBin = 0.0f; // of the last frame
+};
+
+// Passes the processor's messages on to the controller and notes the spectrum frames (on the
+// thread that sends them).
+class FrameRelay : public IConnectionPoint
+{
+public:
+    explicit FrameRelay(IConnectionPoint* controller);
+    virtual ~FrameRelay();
+
+    // What has arrived so far.
+    ReceivedFrames received();
+
+    tresult PLUGIN_API connect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
+    tresult PLUGIN_API disconnect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
+    tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
+
+    VELMORAN_ATOMIC_REFERENCES(IConnectionPoint)
+
+private:
+    IPtr<IConnectionPoint> mController;
+    std::mutex mLock;
+    ReceivedFrames mReceived;
+};
+
+class RunningInstance
+{
+public:
+    // Made, connected, set up for blocks of up to maxBlockLength samples and activated.
+    explicit RunningInstance(int32 maxBlockLength = 512);
+    // Deactivated and disconnected; the instance is then taken down in the host's order.
+    ~RunningInstance();
+    RunningInstance(const RunningInstance&) = delete;
+    RunningInstance& operator=(const RunningInstance&) = delete;
+
+    // True when the instance was made, connected and activated.
+    bool valid() const { return mActive; }
+    // Processes the first sampleCount samples of inputs into outputs (audio thread).
+    tresult process(int32 sampleCount, IParameterChanges* changes = nullptr);
+    // What the spectrum frames that reached the controller held.
+    ReceivedFrames received() { return mRelay ? mRelay->received() : ReceivedFrames{}; }
+    // Stops messages from reaching the controller.
+    void disconnect();
+
+    PluginInstance plugin{false};
+    std::array<std::vector<float>, 2> inputs;
+    std::array<std::vector<float>, 2> outputs;
+
+private:
+    bool mActive = false;
+    IPtr<FrameRelay> mRelay;
+    std::array<float*, 2> mInputChannels{};
+    std::array<float*, 2> mOutputChannels{};
+    AudioBusBuffers mInputBus{};
+    AudioBusBuffers mOutputBus{};
+    ProcessData mData{};
+};
+
+} // namespace velmoran::test
