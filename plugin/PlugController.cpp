@@ -73,11 +73,11 @@ tresult PLUGIN_API CPlugController::terminate()
 
 void CPlugController::registerParameters()
 {
-    for (const ParameterSpec& spec : parameterTable())
+    for (const ParameterDefinition& parameter : parameterTable())
     {
-        UString128 title(spec.title.c_str());
-        parameters.addParameter(title, STR16(""), spec.stepCount, spec.defaultValue, spec.flags, spec.tag,
-                                kRootUnitId);
+        UString128 title(parameter.title.c_str());
+        parameters.addParameter(title, STR16(""), parameter.stepCount, parameter.defaultValue,
+                                parameter.flags, parameter.tag, kRootUnitId);
     }
 }
 

@@ -32,9 +32,9 @@ std::string bandTitle(int band, const char* what)
     return title;
 }
 
-std::vector<ParameterSpec> makeParameterTable()
+std::vector<ParameterDefinition> makeParameterTable()
 {
-    std::vector<ParameterSpec> table;
+    std::vector<ParameterDefinition> table;
     table.push_back({kInputGainTag, "Input Gain", 0, 0.495f, kAutomate});
     for (int band = 1; band <= kBandCount; ++band)
     {
@@ -78,18 +78,18 @@ std::vector<ParameterSpec> makeParameterTable()
 std::array<float, kTagTableSize> makeDefaultValues()
 {
     std::array<float, kTagTableSize> values{};
-    for (const ParameterSpec& spec : parameterTable())
+    for (const ParameterDefinition& parameter : parameterTable())
     {
-        values[spec.tag] = static_cast<float>(spec.defaultValue);
+        values[parameter.tag] = static_cast<float>(parameter.defaultValue);
     }
     return values;
 }
 
 } // namespace
 
-const std::vector<ParameterSpec>& parameterTable()
+const std::vector<ParameterDefinition>& parameterTable()
 {
-    static const std::vector<ParameterSpec> table = makeParameterTable();
+    static const std::vector<ParameterDefinition> table = makeParameterTable();
     return table;
 }
 

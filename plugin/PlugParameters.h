@@ -65,7 +65,7 @@ constexpr ParamID modeTag(int band)
 }
 
 // One host-visible parameter as it is registered.
-struct ParameterSpec
+struct ParameterDefinition
 {
     ParamID tag;
     std::string title;
@@ -75,7 +75,7 @@ struct ParameterSpec
 };
 
 // Every host-visible parameter in the order of registration (the host's index order).
-const std::vector<ParameterSpec>& parameterTable();
+const std::vector<ParameterDefinition>& parameterTable();
 // The default normalised value of a tag as the processor keeps it; 0 for an unregistered tag.
 float defaultValue(ParamID tag);
 
