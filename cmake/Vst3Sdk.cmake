@@ -46,6 +46,10 @@ set_target_properties(vst3sdk PROPERTIES POSITION_INDEPENDENT_CODE ON)
 if(WIN32)
     target_link_libraries(vst3sdk PUBLIC ole32)
 else()
+    # On Linux the SDK's reference count is added atomically but read back plainly, so two threads
+    # releasing one object at once can both see the same count. Its std-atomic variant is whole.
+    target_compile_definitions(vst3sdk PRIVATE SMTG_USE_STDATOMIC_H=1)
+    target_include_directories(vst3sdk BEFORE PRIVATE "${PROJECT_SOURCE_DIR}/cmake/sdk-shims")
     find_package(Threads REQUIRED)
     target_link_libraries(vst3sdk PUBLIC Threads::Threads)
 endif()

@@ -5,6 +5,7 @@
 
 #include "pluginterfaces/vst/ivstmidicontrollers.h"
 #include "public.sdk/source/vst/vsteditcontroller.h"
+#include "sdk/ReferenceCount.h"
 
 #include <array>
 #include <memory>
@@ -63,7 +64,7 @@ public:
     DEFINE_INTERFACES
     DEF_INTERFACE(IMidiMapping)
     END_DEFINE_INTERFACES(EditControllerEx1)
-    REFCOUNT_METHODS(EditControllerEx1)
+    VELMORAN_REFCOUNT_METHODS(EditControllerEx1)
 
 private:
     void registerParameters();

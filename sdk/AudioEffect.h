@@ -2,6 +2,7 @@
 
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
 #include "public.sdk/source/vst/vstcomponent.h"
+#include "sdk/ReferenceCount.h"
 
 namespace Steinberg
 {
@@ -51,7 +52,7 @@ public:
     DEF_INTERFACE(IAudioProcessor)
     DEF_INTERFACE(IProcessContextRequirements)
     END_DEFINE_INTERFACES(Component)
-    REFCOUNT_METHODS(Component)
+    VELMORAN_REFCOUNT_METHODS(Component)
 
 protected:
     ProcessSetup processSetup;
