@@ -1,6 +1,7 @@
 #include "FuzzHost.h"
 
 #include "plugin/PlugIds.h"
+#include "sdk/hosting/ProcessBlock.h"
 
 #include "public.sdk/source/common/memorystream.h"
 
@@ -136,32 +137,7 @@ tresult SharedProcessor::process(std::vector<std::vector<float>>& inputs,
                                  std::vector<std::vector<float>>& outputs, int32 sampleCount,
                                  IParameterChanges* changes)
 {
-    std::vector<float*> inputPointers;
-    std::vector<float*> outputPointers;
-    for (auto& channel : inputs)
-    {
-        inputPointers.push_back(channel.data());
-    }
-    for (auto& channel : outputs)
-    {
-        outputPointers.push_back(channel.data());
-    }
-    AudioBusBuffers inputBus;
-    inputBus.numChannels = static_cast<int32>(inputs.size());
-    inputBus.channelBuffers32 = inputPointers.data();
-    AudioBusBuffers outputBus;
-    outputBus.numChannels = static_cast<int32>(outputs.size());
-    outputBus.channelBuffers32 = outputPointers.data();
-    ProcessData data;
-    data.processMode = kRealtime;
-    data.symbolicSampleSize = kSample32;
-    data.numSamples = sampleCount;
-    data.numInputs = 1;
-    data.numOutputs = 1;
-    data.inputs = &inputBus;
-    data.outputs = &outputBus;
-    data.inputParameterChanges = changes;
-    return mProcessor->process(data);
+    return processBlock(mProcessor, inputs, outputs, sampleCount, changes);
 }
 
 bool allFinite(const std::vector<std::vector<float>>& channels)

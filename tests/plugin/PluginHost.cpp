@@ -56,33 +56,6 @@ IPtr<IBStream> streamOf(const std::vector<float>& values)
     return streamOf(bytes);
 }
 
-tresult processBlock(IAudioProcessor* processor, std::vector<std::vector<float>>& inputs,
-                     std::vector<std::vector<float>>& outputs, int32 sampleCount, IParameterChanges* changes)
-{
-    std::vector<float*> inputPointers;
-    std::vector<float*> outputPointers;
-    for (auto& channel : inputs)
-        inputPointers.push_back(channel.data());
-    for (auto& channel : outputs)
-        outputPointers.push_back(channel.data());
-    AudioBusBuffers inputBus;
-    inputBus.numChannels = static_cast<int32>(inputs.size());
-    inputBus.channelBuffers32 = inputPointers.data();
-    AudioBusBuffers outputBus;
-    outputBus.numChannels = static_cast<int32>(outputs.size());
-    outputBus.channelBuffers32 = outputPointers.data();
-    ProcessData data;
-    data.processMode = kRealtime;
-    data.symbolicSampleSize = kSample32;
-    data.numSamples = sampleCount;
-    data.numInputs = 1;
-    data.numOutputs = 1;
-    data.inputs = &inputBus;
-    data.outputs = &outputBus;
-    data.inputParameterChanges = changes;
-    return processor->process(data);
-}
-
 IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue>>& points)
 {
     auto changes = owned(new ParameterChanges());

@@ -7,6 +7,7 @@
 #include "sdk/hosting/Module.h"
 #include "sdk/hosting/ParameterChanges.h"
 #include "sdk/hosting/PluginInstance.h"
+#include "sdk/hosting/ProcessBlock.h"
 
 #include "pluginterfaces/base/ibstream.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
@@ -49,10 +50,7 @@ std::vector<float> stateValues(IComponent* component);
 // A stream holding the given floats.
 IPtr<IBStream> streamOf(const std::vector<float>& values);
 
-// Runs one block through a processor: channel buffers of the given length, optional changes.
-tresult processBlock(IAudioProcessor* processor, std::vector<std::vector<float>>& inputs,
-                     std::vector<std::vector<float>>& outputs, int32 sampleCount,
-                     IParameterChanges* changes = nullptr);
+using Steinberg::Vst::processBlock;
 // A parameter-change list holding one point per (tag, value) pair, at offset 0.
 IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue>>& points);
 // Runs an empty stereo block carrying the given changes.

@@ -4,6 +4,7 @@
 
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
 #include "pluginterfaces/vst/vstspeaker.h"
+#include "sdk/hosting/ProcessBlock.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -178,23 +179,9 @@ void RenderHost::process(float* const* inputs, float* const* outputs, int frames
         throw RenderError("a block of " + std::to_string(frames) + " samples is longer than the " +
                           std::to_string(mMaxBlockSize) + " the plug-in was set up for");
     }
-    AudioBusBuffers inputBus;
-    inputBus.numChannels = mChannels;
-    inputBus.channelBuffers32 = const_cast<float**>(inputs);
-    AudioBusBuffers outputBus;
-    outputBus.numChannels = mChannels;
-    outputBus.channelBuffers32 = const_cast<float**>(outputs);
     ParameterChanges& changes = mInstance.handler->pendingChanges();
-    ProcessData data;
-    data.processMode = kOffline;
-    data.symbolicSampleSize = kSample32;
-    data.numSamples = frames;
-    data.numInputs = 1;
-    data.numOutputs = 1;
-    data.inputs = &inputBus;
-    data.outputs = &outputBus;
-    data.inputParameterChanges = changes.getParameterCount() > 0 ? &changes : nullptr;
-    const tresult result = mInstance.processor->process(data);
+    const tresult result = processBlock(mInstance.processor, inputs, mChannels, outputs, mChannels, frames,
+                                        changes.getParameterCount() > 0 ? &changes : nullptr, kOffline);
     changes.clearQueue();
     if (result != kResultOk)
     {
