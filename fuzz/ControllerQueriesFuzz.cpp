@@ -3,6 +3,7 @@
 // for any text, conversions both ways, and any value set on any tag. Nothing may throw or crash,
 // and a registered parameter keeps a value in 0..1 with a text.
 
+#include "AnyValue.h"
 #include "FuzzHost.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -32,31 +33,6 @@ int32 anyIndex(FuzzedDataProvider& input)
 {
     return input.ConsumeBool() ? input.ConsumeIntegralInRange<int32>(-2, 101)
                                : input.ConsumeIntegral<int32>();
-}
-
-// A normalised value as a careless host might send it.
-ParamValue anyValue(FuzzedDataProvider& input)
-{
-    switch (input.ConsumeIntegralInRange(0, 3))
-    {
-    case 0:
-        return input.ConsumeProbability<double>();
-    case 1:
-        return input.ConsumeFloatingPoint<double>();
-    case 2:
-        return input.PickValueInArray<double>(
-            {std::nan(""), INFINITY, -INFINITY, -0.0, 1e-310, 1.0000001, -1.0, 1e300});
-    default:
-    {
-        double value = 0.0;
-        const auto bytes = input.ConsumeBytes<uint8_t>(sizeof(value));
-        if (bytes.size() == sizeof(value))
-        {
-            std::memcpy(&value, bytes.data(), sizeof(value));
-        }
-        return value;
-    }
-    }
 }
 
 void askOnce(FuzzedDataProvider& input, IEditController& controller, IUnitInfo& units, IMidiMapping& midi)

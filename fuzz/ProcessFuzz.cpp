@@ -3,6 +3,7 @@
 // bit pattern (NaN, infinities, denormals, huge values). Whatever came before, a block of
 // ordinary audio afterwards comes out finite.
 
+#include "AnyValue.h"
 #include "FuzzHost.h"
 
 #include "sdk/hosting/ParameterChanges.h"
@@ -23,22 +24,6 @@ constexpr int32 kLongestBlock = 8192;
 constexpr int32 kSamplesPerInput = 3 * kLongestBlock;
 // Inputs up to this magnitude leave filter tails that still fit a float at the output.
 constexpr float kLargestOrdinaryInput = 1e30f;
-
-ParamValue anyValue(FuzzedDataProvider& input)
-{
-    switch (input.ConsumeIntegralInRange(0, 3))
-    {
-    case 0:
-        return input.ConsumeProbability<double>();
-    case 1:
-        return input.ConsumeFloatingPoint<double>();
-    case 2:
-        return input.PickValueInArray<double>(
-            {std::nan(""), INFINITY, -INFINITY, -0.0, 1e-310, 0.5, 1.0000001, -1e-9, 2.0});
-    default:
-        return input.PickValueInArray<double>({0.0, 0.05, 0.1, 0.25, 0.5, 0.75, 1.0});
-    }
-}
 
 ParamID anyTag(FuzzedDataProvider& input)
 {

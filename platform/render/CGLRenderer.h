@@ -171,6 +171,8 @@ public:
     HDC deviceContext() const { return mDc; }
 
 private:
+    // The dash texture over `positions`, `length` pixels from `phase` into its pattern.
+    void drawDashedQuad(const float positions[12], float length, float phase, bool vertical);
     bool contextExists() const;
     void buildSharedTextures();
     void releaseSharedTextures();

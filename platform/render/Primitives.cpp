@@ -317,31 +317,30 @@ void CGLRenderer::drawImageFrame(const GLTexture& texture, int frameWidth, int f
 
 void CGLRenderer::drawDashedLineHorizontal(float x, float y, float length, float thickness, float phase)
 {
-    const GLTexture* dash = dashTexture();
-    if (dash == nullptr)
-        return;
-    const float start = phase / kDashPeriod;
-    const float end = (phase + length) / kDashPeriod;
     float positions[12];
-    float texCoords[12];
     quadFromRect(x, y, length, thickness, positions);
-    quadFromRect(start, 0.0f, end - start, 1.0f, texCoords);
-    drawTexturedQuad(*dash, positions, texCoords, mColour, false);
+    drawDashedQuad(positions, length, phase, false);
 }
 
 void CGLRenderer::drawDashedLineVertical(float x, float y, float length, float thickness, float phase)
+{
+    float positions[12];
+    quadFromRect(x, y, thickness, length, positions);
+    drawDashedQuad(positions, length, phase, true);
+}
+
+void CGLRenderer::drawDashedQuad(const float positions[12], float length, float phase, bool vertical)
 {
     const GLTexture* dash = dashTexture();
     if (dash == nullptr)
         return;
     const float start = phase / kDashPeriod;
     const float end = (phase + length) / kDashPeriod;
-    float positions[12];
+    // The texture runs along the line: u follows x on a horizontal line and y on a vertical one.
+    const float alongX[8] = {start, 0.0f, end, 0.0f, end, 1.0f, start, 1.0f};
+    const float alongY[8] = {start, 0.0f, start, 1.0f, end, 1.0f, end, 0.0f};
     float texCoords[12];
-    quadFromRect(x, y, thickness, length, positions);
-    // The texture runs down the line: u follows y.
-    const float corners[8] = {start, 0.0f, start, 1.0f, end, 1.0f, end, 0.0f};
-    quadFromCorners(corners, texCoords);
+    quadFromCorners(vertical ? alongY : alongX, texCoords);
     drawTexturedQuad(*dash, positions, texCoords, mColour, false);
 }
 
