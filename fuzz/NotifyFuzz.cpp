@@ -204,13 +204,21 @@ IPtr<FuzzMessage> anyMessage(FuzzedDataProvider& input)
     return message;
 }
 
+// The controller's frame buffer as it is now.
+std::vector<uint8_t> currentFrame(Vst::Velmoran::CPlugController& controller)
+{
+    auto frame = Vst::Velmoran::makeSpectrumFrame();
+    uint64_t neverSeen = ~uint64_t{0};
+    require(controller.copySpectrumFrame(*frame, neverSeen), "the controller keeps its frame buffer");
+    const auto* bytes = reinterpret_cast<const uint8_t*>(frame.get());
+    return std::vector<uint8_t>(bytes, bytes + kFrameBytes);
+}
+
 // What the controller must hold after a message: a readable frame of up to 32776 bytes is kept.
-void checkFrame(const Vst::Velmoran::CPlugController& controller, const FuzzMessage& message,
+void checkFrame(Vst::Velmoran::CPlugController& controller, const FuzzMessage& message,
                 const std::vector<uint8_t>& frameBefore)
 {
-    const auto* frame = reinterpret_cast<const uint8_t*>(controller.spectrumFrame());
-    require(frame != nullptr, "the controller keeps its frame buffer");
-    std::vector<uint8_t> frameAfter(frame, frame + kFrameBytes);
+    const std::vector<uint8_t> frameAfter = currentFrame(controller);
     const FuzzAttributes::Value* fft = nullptr;
     if (message.hasId && message.id == "BinaryMessage" && message.attributes)
     {
@@ -257,8 +265,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         IPtr<FuzzMessage> message = anyMessage(input);
         if (toController)
         {
-            const auto* frame = reinterpret_cast<const uint8_t*>(plugController->spectrumFrame());
-            const std::vector<uint8_t> frameBefore(frame, frame + kFrameBytes);
+            const std::vector<uint8_t> frameBefore = currentFrame(*plugController);
             controllerPoint->notify(message);
             checkFrame(*plugController, *message, frameBefore);
         }

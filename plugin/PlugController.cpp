@@ -13,6 +13,12 @@
 #include <cstdio>
 #include <cstring>
 
+#if defined(_WIN32)
+#include "editor/CEditorShared.h"
+#include "editor/CPlugEditorView.h"
+#include "platform/window/CPlatformWindows.h"
+#endif
+
 namespace Steinberg
 {
 namespace Vst
@@ -24,6 +30,12 @@ namespace
 {
 
 constexpr ProgramListID kFactoryProgramListId = kPresetTag;
+// Tags kept free for the editor's own use: never parameters, never stored; a host that sends them
+// changes nothing.
+constexpr ParamID kFirstReservedEditorTag = 98;
+constexpr ParamID kLastReservedEditorTag = 99;
+constexpr float kEditorDesignWidth = 998.0f;
+constexpr float kEditorDesignHeight = 634.0f;
 
 } // namespace
 
@@ -53,17 +65,37 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
         registerParameters();
         mPrograms = std::make_unique<std::array<CPlugProgram, kFactoryProgramCount>>(makeFactoryPrograms());
         addFactoryProgramList();
+        mEditorWidth = kEditorDesignWidth;
+        mEditorHeight = kEditorDesignHeight;
+        mDisplayScale = 1.0f;
+#if defined(_WIN32)
+        if (auto* windows = velmoran::platform::CPlatformWindows::instance(false))
+            mDisplayScale = windows->displayScale();
+#endif
+        std::lock_guard<std::mutex> guard(mFrameLock);
         mSpectrumFrame = makeSpectrumFrame();
+        mFrameSequence = 0;
     }
     catch (...)
     {
         return kOutOfMemory;
     }
+#if defined(_WIN32)
+    CEditorShared::acquire();
+    mHoldsEditorShared = true;
+#endif
     return kResultOk;
 }
 
 tresult PLUGIN_API CPlugController::terminate()
 {
+#if defined(_WIN32)
+    if (mHoldsEditorShared)
+    {
+        CEditorShared::release();
+        mHoldsEditorShared = false;
+    }
+#endif
     {
         std::lock_guard<std::mutex> guard(mFrameLock);
         mSpectrumFrame.reset();
@@ -126,7 +158,7 @@ void CPlugController::loadProgram(int index)
             return;
         }
         const ParamValue value = source->values[tag];
-        EditControllerEx1::setParamNormalized(tag, value);
+        setValueAndShow(tag, value);
         beginEdit(tag);
         performEdit(tag, value);
         endEdit(tag);
@@ -145,7 +177,11 @@ tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue v
     {
         return kInvalidArgument;
     }
-    tresult result = EditControllerEx1::setParamNormalized(tag, value);
+    if (tag >= kFirstReservedEditorTag && tag <= kLastReservedEditorTag)
+    {
+        return kResultFalse;
+    }
+    tresult result = setValueAndShow(tag, value);
     if (tag != kPresetTag || result != kResultOk)
     {
         return result;
@@ -167,8 +203,7 @@ tresult PLUGIN_API CPlugController::setComponentState(IBStream* state)
     const auto& tags = stateTags();
     for (int index = 0; index < read.count; ++index)
     {
-        EditControllerEx1::setParamNormalized(tags[static_cast<size_t>(index)],
-                                              read.values[static_cast<size_t>(index)]);
+        setValueAndShow(tags[static_cast<size_t>(index)], read.values[static_cast<size_t>(index)]);
     }
     return kResultOk;
 }
@@ -241,6 +276,7 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
             if (data && mSpectrumFrame && size <= static_cast<uint32>(kSpectrumFrameBytes))
             {
                 std::memcpy(mSpectrumFrame.get(), data, size);
+                ++mFrameSequence;
             }
             return kResultOk;
         }
@@ -279,6 +315,61 @@ tresult PLUGIN_API CPlugController::getUnitInfo(int32 unitIndex, UnitInfo& info)
         return kInvalidArgument;
     }
     return EditControllerEx1::getUnitInfo(unitIndex, info);
+}
+
+tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
+{
+    const tresult result = EditControllerEx1::setParamNormalized(tag, value);
+#if defined(_WIN32)
+    if (result == kResultOk)
+    {
+        // A copy: an editor may close while it follows the change (a message box, for example).
+        const std::vector<CPlugEditorView*> views = mOpenViews;
+        for (CPlugEditorView* view : views)
+        {
+            view->parameterChanged(tag, getParamNormalized(tag));
+        }
+    }
+#endif
+    return result;
+}
+
+bool CPlugController::copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence)
+{
+    std::lock_guard<std::mutex> guard(mFrameLock);
+    if (!mSpectrumFrame || sequence == mFrameSequence)
+    {
+        return false;
+    }
+    std::memcpy(&frame, mSpectrumFrame.get(), sizeof(SpectrumFrame));
+    sequence = mFrameSequence;
+    return true;
+}
+
+IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
+{
+#if defined(_WIN32)
+    if (name && std::strcmp(name, ViewType::kEditor) == 0)
+    {
+        return new (std::nothrow) CPlugEditorView(this);
+    }
+#else
+    (void)name;
+#endif
+    return nullptr;
+}
+
+void CPlugController::editorOpened(CPlugEditorView* view)
+{
+    if (std::find(mOpenViews.begin(), mOpenViews.end(), view) == mOpenViews.end())
+    {
+        mOpenViews.push_back(view);
+    }
+}
+
+void CPlugController::editorClosed(CPlugEditorView* view)
+{
+    mOpenViews.erase(std::remove(mOpenViews.begin(), mOpenViews.end(), view), mOpenViews.end());
 }
 
 tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex*/, int16 /*channel*/,

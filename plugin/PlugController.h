@@ -8,8 +8,10 @@
 #include "sdk/ReferenceCount.h"
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace Steinberg
 {
@@ -17,6 +19,8 @@ namespace Vst
 {
 namespace Velmoran
 {
+
+class CPlugEditorView;
 
 // The edit controller: registers the parameters, the unit "Root" with the program list "Factory
 // Presets", turns a "Preset" change into a full program load reported to the host, shows values
@@ -53,12 +57,27 @@ public:
                                                    CtrlNumber midiControllerNumber,
                                                    ParamID& id) SMTG_OVERRIDE;
 
-    // The last spectrum frame received, null outside initialize..terminate (UI thread).
-    const SpectrumFrame* spectrumFrame() const { return mSpectrumFrame.get(); }
+    // The editor for "editor" (Windows), null for any other name or where there is no editor.
+    IPlugView* PLUGIN_API createView(FIDString name) SMTG_OVERRIDE;
+
+    // Copies the last spectrum frame received into `frame` if it is newer than `sequence`, the
+    // number of the frame the caller saw last, and updates that number. False when there is
+    // nothing new or no frame buffer (UI thread).
+    bool copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence);
     // The processor's sample rate in Hz as last reported, 44100 until then.
     double sampleRate() const { return mSampleRate; }
     // The factory program at index (0..5), null outside initialize..destruction.
     const CPlugProgram* program(int index) const;
+    // The editor's size at scale 1 in pixels, and the display scale read at initialize.
+    float editorWidth() const { return mEditorWidth; }
+    float editorHeight() const { return mEditorHeight; }
+    float displayScale() const { return mDisplayScale; }
+
+    // An editor opened or closed in the host's window: open editors follow every parameter change.
+    void editorOpened(CPlugEditorView* view);
+    void editorClosed(CPlugEditorView* view);
+    // Number of editors open now.
+    int openEditorCount() const { return static_cast<int>(mOpenViews.size()); }
 
     OBJ_METHODS(CPlugController, EditControllerEx1)
     DEFINE_INTERFACES
@@ -70,13 +89,21 @@ private:
     void registerParameters();
     void addFactoryProgramList();
     void loadProgram(int index);
+    // Sets a parameter's value and tells every open editor.
+    tresult setValueAndShow(ParamID tag, ParamValue value);
 
     std::unique_ptr<std::array<CPlugProgram, kFactoryProgramCount>> mPrograms;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
     // Held while a frame is copied in and while the buffer is freed: the processor's sender may
     // still be delivering a frame when the host terminates the controller after disconnecting.
     std::mutex mFrameLock;
+    uint64_t mFrameSequence = 0;
     double mSampleRate = 44100.0;
+    float mEditorWidth = 998.0f;
+    float mEditorHeight = 634.0f;
+    float mDisplayScale = 1.0f;
+    std::vector<CPlugEditorView*> mOpenViews;
+    bool mHoldsEditorShared = false;
 };
 
 } // namespace Velmoran

@@ -14,6 +14,8 @@
 #include <new>
 
 #if defined(_WIN32)
+#include "editor/CEditorShared.h"
+#include "editor/mbx/MBXManager.h"
 #include "platform/window/CPlatformWindows.h"
 #endif
 
@@ -54,11 +56,14 @@ const PClassInfo2& controllerClassInfo()
 } // namespace
 
 // Module-wide objects that all instances share are made here, before any factory call, and
-// released in DeinitModule. On Windows that is the window kit that owns the editors' windows.
+// released in DeinitModule. On Windows these are the window kit that owns the editors' windows,
+// the message-box manager and the images all editors share.
 bool InitModule()
 {
 #if defined(_WIN32)
     velmoran::platform::initWindowKit(kProductIdentityToken);
+    MBXManager::acquire();
+    CEditorShared::acquire();
 #endif
     return true;
 }
@@ -66,6 +71,11 @@ bool InitModule()
 bool DeinitModule()
 {
 #if defined(_WIN32)
+    CEditorShared::release();
+    if (velmoran::platform::CPlatformWindows::instance(false) != nullptr)
+    {
+        MBXManager::release();
+    }
     velmoran::platform::exitWindowKit();
 #endif
     return true;

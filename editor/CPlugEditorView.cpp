@@ -1,0 +1,410 @@
+#include "CPlugEditorView.h"
+
+#include "CEditorShared.h"
+#include "EditorLayout.h"
+#include "EditorScreen.h"
+#include "EditorSize.h"
+#include "GLPainter.h"
+#include "mbx/MBXAboutMessage.h"
+#include "plugin/PlugController.h"
+#include "plugin/PlugProgram.h"
+#include "plugin/SpectrumFrame.h"
+#include "platform/render/CGLRenderer.h"
+#include "platform/window/CPlatformWindows.h"
+#include "resources/ResourceIds.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+namespace
+{
+
+using velmoran::editor::Modifiers;
+using velmoran::editor::MouseButton;
+using velmoran::platform::CGLRenderer;
+using velmoran::platform::CPlatformWindows;
+
+constexpr uint32_t kTimerPeriodMs = 40;
+
+int startWithRenderer(CGLRenderer& renderer, HWND window, double logicalWidth, double logicalHeight,
+                      double viewportWidth, double viewportHeight)
+{
+    return renderer.initialise(window, logicalWidth, logicalHeight, viewportWidth, viewportHeight);
+}
+
+CPlugEditorView::RendererStart gRendererStart = startWithRenderer;
+
+const char* failureText(int result)
+{
+    switch (result)
+    {
+    case CGLRenderer::kMissingEntryPoints:
+        return "Missing required OpenGL extensions.";
+    case CGLRenderer::kShaderFailure:
+        return "Failed to compile OpenGL shaders.";
+    case CGLRenderer::kNoContext:
+        return "Failed to create compatible OpenGL context.";
+    default:
+        return "Failed to initialise OpenGL renderer.";
+    }
+}
+
+Modifiers heldModifiers()
+{
+    return {(GetKeyState(VK_SHIFT) & 0x8000) != 0};
+}
+
+CPlugEditorView* viewOf(void* user)
+{
+    return static_cast<CPlugEditorView*>(user);
+}
+
+} // namespace
+
+CPlugEditorView::RendererStart CPlugEditorView::setRendererStart(RendererStart start)
+{
+    const RendererStart previous = gRendererStart;
+    gRendererStart = start != nullptr ? start : startWithRenderer;
+    return previous;
+}
+
+CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : EditorView(controller, size)
+{
+    mWindows = CPlatformWindows::instance(false);
+    InitializeCriticalSection(&mFrameSection);
+    mSpectrumFrame = makeSpectrumFrame();
+    mSampleRate = static_cast<float>(controller != nullptr ? controller->sampleRate() : 44100.0);
+    mDisplayScale = mWindows != nullptr ? mWindows->displayScale() : 1.0f;
+    mScaleX = mScaleY = mDisplayScale;
+    const float defaultWidth = controller != nullptr ? controller->editorWidth() : velmoran::editor::kDesignWidth;
+    const float defaultHeight = controller != nullptr ? controller->editorHeight() : velmoran::editor::kDesignHeight;
+    const velmoran::editor::EditorSize editor =
+        velmoran::editor::editorSize(defaultWidth, defaultHeight, mDisplayScale, size != nullptr,
+                                     size != nullptr ? size->getWidth() : 0, size != nullptr ? size->getHeight() : 0);
+    mEditorWidth = editor.width;
+    mEditorHeight = editor.height;
+    mEditorWidthPixels = editor.widthPixels;
+    mEditorHeightPixels = editor.heightPixels;
+    rect = ViewRect(0, 0, mEditorWidthPixels, mEditorHeightPixels);
+}
+
+CPlugEditorView::~CPlugEditorView()
+{
+    close();
+    mSpectrumFrame.reset();
+    DeleteCriticalSection(&mFrameSection);
+}
+
+tresult PLUGIN_API CPlugEditorView::isPlatformTypeSupported(FIDString type)
+{
+    return type != nullptr && std::strcmp(type, kPlatformTypeHWND) == 0 ? kResultTrue : kResultFalse;
+}
+
+tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
+{
+    if (isPlatformTypeSupported(type) != kResultTrue || parent == nullptr)
+        return kResultFalse;
+    const tresult result = EditorView::attached(parent, type);
+    if (!mIsOpen)
+        open(static_cast<HWND>(parent));
+    return result;
+}
+
+tresult PLUGIN_API CPlugEditorView::removed()
+{
+    close();
+    return EditorView::removed();
+}
+
+void CPlugEditorView::open(HWND parent)
+{
+    mIsOpen = false;
+    if (mWindows == nullptr)
+        return;
+    mWindowSlot = mWindows->createChildWindow(0, 0, mEditorWidthPixels, mEditorHeightPixels, 1.0f, parent, this);
+    if (mWindowSlot < 0)
+        return;
+    mWindows->setWindowIcon(mWindowSlot, velmoran::resources::kWindowIcon);
+    mWindows->setWindowTitle(mWindowSlot, velmoran::editor::titleLine().c_str());
+    mWindows->acceptDroppedFiles(mWindowSlot);
+    if (!startRenderer(mWindows->windowHandle(mWindowSlot)))
+    {
+        mWindows->destroyWindow(mWindowSlot);
+        mWindowSlot = -1;
+        return;
+    }
+    CEditorShared* shared = CEditorShared::instance();
+    if (shared != nullptr)
+    {
+        shared->openImages(*mRenderer);
+        mImagesOpen = true;
+    }
+    const float designWidth = mEditorWidth / mDisplayScale;
+    const float designHeight = mEditorHeight / mDisplayScale;
+    try
+    {
+        mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, designWidth, designHeight, mSampleRate);
+        mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, mDisplayScale);
+    }
+    catch (...)
+    {
+        close();
+        return;
+    }
+    mScreen->synchronise();
+    mWindows->setWindowTimerPeriod(kTimerPeriodMs);
+    registerCallbacks();
+    mWindows->setTrackMouseMoves(mWindowSlot, true);
+    mWindows->showWindow(mWindowSlot);
+    mIsOpen = true;
+    MBXManager::instance().editorOpened(this);
+    if (CPlugController* controller = plugController())
+        controller->editorOpened(this);
+}
+
+bool CPlugEditorView::startRenderer(HWND window)
+{
+    if (!mRenderer)
+    {
+        mRenderer.reset(new (std::nothrow) CGLRenderer());
+        if (!mRenderer)
+            return false;
+    }
+    const float designWidth = mEditorWidth / mDisplayScale;
+    const float designHeight = mEditorHeight / mDisplayScale;
+    const int result = gRendererStart(*mRenderer, window, designWidth, designHeight, mEditorWidthPixels,
+                                      mEditorHeightPixels);
+    if (result != CGLRenderer::kOk)
+    {
+        // The half-started renderer is given up, so that the next attach starts afresh.
+        mRenderer->teardown();
+        mRenderer.reset();
+        showEditorError("Plug-In Editor Failed to Open", failureText(result));
+        return false;
+    }
+    mRenderer->setPixelScale(mDisplayScale);
+    mRenderer->setClearColour(0, 0, 0);
+    float drawableWidth = 0.0f;
+    float drawableHeight = 0.0f;
+    mRenderer->logicalSize(drawableWidth, drawableHeight);
+    RECT client{};
+    GetClientRect(window, &client);
+    const float clientWidth = static_cast<float>(client.right - client.left);
+    const float clientHeight = static_cast<float>(client.bottom - client.top);
+    mScaleX = clientWidth > 0.0f ? drawableWidth / clientWidth : 1.0f;
+    mScaleY = clientHeight > 0.0f ? drawableHeight / clientHeight : 1.0f;
+    return true;
+}
+
+void CPlugEditorView::registerCallbacks()
+{
+    mWindows->setPaintCallback(mWindowSlot, onPaint);
+    mWindows->setMouseDownCallback(mWindowSlot, onMouseDown);
+    mWindows->setMouseUpCallback(mWindowSlot, onMouseUp);
+    mWindows->setMouseMoveCallback(mWindowSlot, onMouseMove);
+    mWindows->setDoubleClickCallback(mWindowSlot, onDoubleClick);
+    mWindows->setKeyDownCallback(mWindowSlot, onKeyDown);
+    mWindows->setDestroyNotifyCallback(mWindowSlot, onDestroyed);
+    mWindows->setTimerCallback(mWindowSlot, onTimer);
+}
+
+void CPlugEditorView::close()
+{
+    const bool wasOpen = mIsOpen;
+    mIsOpen = false;
+    if (mRenderer)
+        mRenderer->makeCurrent();
+    if (mPainter)
+        mPainter->releaseTextures();
+    mPainter.reset();
+    mScreen.reset();
+    if (mImagesOpen)
+    {
+        if (CEditorShared* shared = CEditorShared::instance())
+            shared->closeImages();
+        mImagesOpen = false;
+    }
+    // The renderer object stays for the next attach; its share of the context goes now, so the
+    // context ends with the last open editor.
+    if (mRenderer)
+        mRenderer->teardown();
+    if (mWindows != nullptr && mWindowSlot >= 0 && mWindows->slot(mWindowSlot).user == this)
+        mWindows->destroyWindow(mWindowSlot);
+    mWindowSlot = -1;
+    if (wasOpen)
+    {
+        MBXManager::instance().editorClosed(this);
+        if (CPlugController* controller = plugController())
+            controller->editorClosed(this);
+    }
+}
+
+CPlugController* CPlugEditorView::plugController() const
+{
+    return static_cast<CPlugController*>(getController());
+}
+
+void CPlugEditorView::parameterChanged(ParamID tag, ParamValue value)
+{
+    if (mScreen)
+        mScreen->parameterChanged(tag, value);
+}
+
+void CPlugEditorView::tick()
+{
+    if (!mIsOpen || !mScreen)
+        return;
+    mScreen->tick();
+    mWindows->invalidate(mWindowSlot, 0, 0, mEditorWidthPixels, mEditorHeightPixels);
+}
+
+void CPlugEditorView::copySpectrumFrame()
+{
+    CPlugController* controller = plugController();
+    if (controller == nullptr)
+        return;
+    EnterCriticalSection(&mFrameSection);
+    // Only a frame the view has not seen yet is smoothed and drawn anew.
+    if (controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence))
+        mScreen->setSpectrum(mSpectrumFrame->magnitudes, kAnalyserMagnitudeCount, mSpectrumFrame->sampleRate,
+                             mSpectrumFrame->transformSize);
+    LeaveCriticalSection(&mFrameSection);
+}
+
+void CPlugEditorView::paint()
+{
+    if (!mIsOpen || !mRenderer || !mScreen)
+        return;
+    copySpectrumFrame();
+    mRenderer->makeCurrent();
+    mRenderer->beginFrame();
+    mRenderer->clear();
+    mPainter->beginFrame();
+    mScreen->draw(*mPainter);
+    mRenderer->setScissor(0, 0, 0, 0);
+    mRenderer->present();
+}
+
+double CPlugEditorView::parameter(unsigned tag) const
+{
+    return getController() != nullptr ? getController()->getParamNormalized(tag) : 0.0;
+}
+
+void CPlugEditorView::beginEdit(unsigned tag)
+{
+    if (getController() != nullptr)
+        getController()->beginEdit(tag);
+}
+
+void CPlugEditorView::performEdit(unsigned tag, double value)
+{
+    if (getController() == nullptr)
+        return;
+    getController()->setParamNormalized(tag, value);
+    getController()->performEdit(tag, value);
+}
+
+void CPlugEditorView::endEdit(unsigned tag)
+{
+    if (getController() != nullptr)
+        getController()->endEdit(tag);
+}
+
+std::string CPlugEditorView::programName(int index) const
+{
+    CPlugController* controller = plugController();
+    const CPlugProgram* program = controller != nullptr ? controller->program(index) : nullptr;
+    return program != nullptr ? std::string(program->name) : std::string();
+}
+
+void CPlugEditorView::showAbout()
+{
+    MBXAboutMessage about;
+    MBXManager::instance().show(about);
+}
+
+void CPlugEditorView::focusWindow()
+{
+    if (mWindows != nullptr && mWindowSlot >= 0)
+        mWindows->giveFocus(mWindowSlot);
+}
+
+void CPlugEditorView::messageBoxShown(bool shown)
+{
+    if (mScreen)
+        mScreen->setGreyedOut(shown);
+    if (mIsOpen)
+    {
+        paint();
+    }
+}
+
+void CPlugEditorView::onPaint(int, int, int, int, int, void* user)
+{
+    viewOf(user)->paint();
+}
+
+void CPlugEditorView::onMouseDown(int x, int y, int button, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen)
+    {
+        if (button == velmoran::platform::kButtonLeft)
+            view->mWindows->captureMouse(view->mWindowSlot);
+        view->mScreen->mouseDown(view->designX(x), view->designY(y), static_cast<MouseButton>(button), heldModifiers());
+    }
+}
+
+void CPlugEditorView::onMouseUp(int x, int y, int button, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen)
+    {
+        if (button == velmoran::platform::kButtonLeft)
+            view->mWindows->releaseCapture();
+        view->mScreen->mouseUp(view->designX(x), view->designY(y), static_cast<MouseButton>(button), heldModifiers());
+    }
+}
+
+void CPlugEditorView::onMouseMove(int x, int y, int, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen)
+        view->mScreen->mouseMove(view->designX(x), view->designY(y), heldModifiers());
+}
+
+void CPlugEditorView::onDoubleClick(int x, int y, int, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen)
+        view->mScreen->doubleClick(view->designX(x), view->designY(y), heldModifiers());
+}
+
+void CPlugEditorView::onKeyDown(int, int key, int, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen)
+        view->mScreen->keyDown(key, heldModifiers());
+}
+
+void CPlugEditorView::onDestroyed(int, void* user)
+{
+    viewOf(user)->mIsOpen = false;
+}
+
+bool CPlugEditorView::onTimer(void* user)
+{
+    viewOf(user)->tick();
+    return true;
+}
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg

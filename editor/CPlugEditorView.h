@@ -1,0 +1,132 @@
+#pragma once
+
+#include "EditorContext.h"
+#include "mbx/MBXManager.h"
+
+#include "public.sdk/source/vst/vsteditcontroller.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+namespace velmoran::platform
+{
+class CGLRenderer;
+class CPlatformWindows;
+} // namespace velmoran::platform
+
+namespace velmoran::editor
+{
+class EditorScreen;
+class GLPainter;
+} // namespace velmoran::editor
+
+namespace Steinberg
+{
+namespace Vst
+{
+namespace Velmoran
+{
+
+class CPlugController;
+struct SpectrumFrame;
+
+// The plug-in's editor in the host's window: a child window of the window kit with an OpenGL
+// renderer, the equaliser screen, a copy of the latest spectrum frame and a 40 ms repaint timer.
+// The host's UI thread makes every call.
+class CPlugEditorView : public EditorView, public velmoran::editor::EditorContext, public MBXEditorListener
+{
+public:
+    // How the renderer is started on the editor's window: the renderer's own initialise unless
+    // replaced (the tests replace it to see a failing driver). Gives the renderer's result code.
+    using RendererStart = int (*)(velmoran::platform::CGLRenderer& renderer, HWND window, double logicalWidth,
+                                  double logicalHeight, double viewportWidth, double viewportHeight);
+    static RendererStart setRendererStart(RendererStart start);
+
+    // An editor for `controller`, as large as the host's rectangle or, without one, the design
+    // size times the display scale.
+    CPlugEditorView(CPlugController* controller, ViewRect* size = nullptr);
+    ~CPlugEditorView() override;
+
+    tresult PLUGIN_API isPlatformTypeSupported(FIDString type) SMTG_OVERRIDE;
+    // Opens the editor in the host's window (HWND only).
+    tresult PLUGIN_API attached(void* parent, FIDString type) SMTG_OVERRIDE;
+    // Closes the editor; the renderer is kept for the next attach.
+    tresult PLUGIN_API removed() SMTG_OVERRIDE;
+
+    // A parameter changed in the controller: the widgets follow and the status line says so.
+    void parameterChanged(ParamID tag, ParamValue value);
+
+    // State for the tests and the controller.
+    bool isOpen() const { return mIsOpen; }
+    int windowSlot() const { return mWindowSlot; }
+    float displayScale() const { return mDisplayScale; }
+    int editorWidth() const { return mEditorWidthPixels; }
+    int editorHeight() const { return mEditorHeightPixels; }
+    float scaleX() const { return mScaleX; }
+    float scaleY() const { return mScaleY; }
+    velmoran::editor::EditorScreen* screen() const { return mScreen.get(); }
+    const velmoran::platform::CGLRenderer* renderer() const { return mRenderer.get(); }
+    // One timer tick, as the window's 40 ms timer gives it.
+    void tick();
+    // Draws one frame now.
+    void paint();
+
+    // EditorContext: what the screen asks of the controller and the window.
+    double parameter(unsigned tag) const override;
+    void beginEdit(unsigned tag) override;
+    void performEdit(unsigned tag, double value) override;
+    void endEdit(unsigned tag) override;
+    std::string programName(int index) const override;
+    void showAbout() override;
+    void focusWindow() override;
+
+    // A message box opened or closed: the editor greys out meanwhile.
+    void messageBoxShown(bool shown) override;
+
+    OBJ_METHODS(CPlugEditorView, EditorView)
+
+private:
+    void open(HWND parent);
+    void close();
+    bool startRenderer(HWND window);
+    void registerCallbacks();
+    void copySpectrumFrame();
+    CPlugController* plugController() const;
+    float designX(int x) const { return static_cast<float>(x) * mScaleX; }
+    float designY(int y) const { return static_cast<float>(y) * mScaleY; }
+
+    static void onPaint(int left, int top, int width, int height, int slot, void* user);
+    static void onMouseDown(int x, int y, int button, int slot, void* user);
+    static void onMouseUp(int x, int y, int button, int slot, void* user);
+    static void onMouseMove(int x, int y, int button, int slot, void* user);
+    static void onDoubleClick(int x, int y, int button, int slot, void* user);
+    static void onKeyDown(int unused, int key, int down, int slot, void* user);
+    static void onDestroyed(int slot, void* user);
+    static bool onTimer(void* user);
+
+    velmoran::platform::CPlatformWindows* mWindows = nullptr;
+    int mWindowSlot = -1;
+    bool mIsOpen = false;
+    std::unique_ptr<velmoran::platform::CGLRenderer> mRenderer;
+    std::unique_ptr<velmoran::editor::GLPainter> mPainter;
+    std::unique_ptr<velmoran::editor::EditorScreen> mScreen;
+    float mDisplayScale = 1.0f;
+    float mScaleX = 1.0f;
+    float mScaleY = 1.0f;
+    float mEditorWidth = 0.0f;
+    float mEditorHeight = 0.0f;
+    int mEditorWidthPixels = 0;
+    int mEditorHeightPixels = 0;
+    float mSampleRate = 44100.0f;
+    std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    uint64_t mSpectrumSequence = 0;
+    CRITICAL_SECTION mFrameSection;
+    bool mImagesOpen = false;
+};
+
+} // namespace Velmoran
+} // namespace Vst
+} // namespace Steinberg
