@@ -78,11 +78,11 @@ void GLPainter::drawCircle(float centreX, float centreY, float outerRadius, floa
     mRenderer.drawCircle(centreX, centreY, outerRadius, innerRadius);
 }
 
-void GLPainter::drawImage(int imageId, int frameCount, int frame, float x, float y, float opacity, bool mirrorX,
+void GLPainter::drawImage(int imageId, int /*frameCount*/, int frame, float x, float y, float opacity, bool mirrorX,
                           bool mirrorY)
 {
     const Steinberg::Vst::Velmoran::EditorImage* image = mImages != nullptr ? mImages->image(imageId) : nullptr;
-    if (image == nullptr || frame < 0 || frame >= std::max(frameCount, image->frameCount))
+    if (image == nullptr || frame < 0 || frame >= image->frameCount)
         return;
     platform::FramePacking packing;
     packing.frameWidth = image->frameWidth;

@@ -16,6 +16,7 @@
 #if defined(_WIN32)
 #include "editor/CEditorShared.h"
 #include "editor/mbx/MBXManager.h"
+#include "editor/mbx/MBXWindow.h"
 #include "platform/window/CPlatformWindows.h"
 #endif
 
@@ -62,7 +63,7 @@ bool InitModule()
 {
 #if defined(_WIN32)
     velmoran::platform::initWindowKit(kProductIdentityToken);
-    MBXManager::acquire();
+    MBXManager::instance().setWindowPresenter(presentInWindow);
     CEditorShared::acquire();
 #endif
     return true;
@@ -72,10 +73,7 @@ bool DeinitModule()
 {
 #if defined(_WIN32)
     CEditorShared::release();
-    if (velmoran::platform::CPlatformWindows::instance(false) != nullptr)
-    {
-        MBXManager::release();
-    }
+    MBXManager::instance().setWindowPresenter(nullptr);
     velmoran::platform::exitWindowKit();
 #endif
     return true;

@@ -1,0 +1,129 @@
+#include "editor/mbx/MBXComposer.h"
+#include "editor/mbx/MBXAboutMessage.h"
+#include "editor/mbx/MBXDialogue.h"
+#include "editor/mbx/MBXMessage.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+
+using namespace Steinberg::Vst::Velmoran;
+using velmoran::platform::CanvasBuffer;
+
+namespace
+{
+
+using PixelTest = std::function<bool(const std::uint8_t* rgba)>;
+
+bool amber(const std::uint8_t* p)
+{
+    return p[0] > 200 && p[1] > 110 && p[1] < 200 && p[2] < 90;
+}
+
+bool lightGrey(const std::uint8_t* p)
+{
+    return p[0] > 150 && p[1] > 150 && p[2] > 150;
+}
+
+// How many pixels of an area pass a test.
+int count(const CanvasBuffer& canvas, const MBXRect& area, const PixelTest& test)
+{
+    int passing = 0;
+    for (int y = area.y; y < area.bottom(); ++y)
+        for (int x = area.x; x < area.right(); ++x)
+            passing += test(canvas.pixel(x, y)) ? 1 : 0;
+    return passing;
+}
+
+struct Composed
+{
+    MBXBoxLayout layout;
+    CanvasBuffer canvas;
+};
+
+Composed composed(const MBXObject& box, const MBXPointerState& pointer = {})
+{
+    MBXBoxLayout layout = layoutBox(box);
+    CanvasBuffer canvas = composeBox(box, layout, pointer);
+    return {std::move(layout), std::move(canvas)};
+}
+
+TEST(MBXComposer, PanelIsOpaqueWithAnAmberTopEdgeAndTheTitleInTheTitleBar)
+{
+    const MBXErrorMessage box("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context.");
+    const Composed result = composed(box);
+    const MBXBoxLayout& layout = result.layout;
+    EXPECT_EQ(count(result.canvas, {0, 0, layout.width, layout.height},
+                    [](const std::uint8_t* p) { return p[3] == 255; }),
+              layout.width * layout.height);
+    EXPECT_EQ(count(result.canvas, {1, 1, layout.width - 2, 1}, amber), layout.width - 2);
+
+    const MBXRect titleArea{layout.titleX, 4, 220, layout.titleBar.height - 6};
+    EXPECT_GT(count(result.canvas, titleArea, lightGrey), 150);
+    const MBXRect pastTitle{titleArea.right() + 10, 4, layout.width - titleArea.right() - 12,
+                            titleArea.height};
+    EXPECT_EQ(count(result.canvas, pastTitle, lightGrey), 0);
+
+    const MBXTextLine& line = layout.lines.front();
+    const MBXRect lineArea{line.x, static_cast<int>(line.baseline) - 12, layout.width - line.x, 16};
+    EXPECT_GT(count(result.canvas, lineArea, lightGrey), 300);
+}
+
+TEST(MBXComposer, EachSignIsDrawnInItsColour)
+{
+    const struct
+    {
+        MBXIcon icon;
+        PixelTest colour;
+    } cases[] = {
+        {MBXIcon::kWarning, amber},
+        {MBXIcon::kError, [](const std::uint8_t* p) { return p[0] > 200 && p[1] < 100 && p[2] < 110; }},
+        {MBXIcon::kInformation, [](const std::uint8_t* p) { return p[2] > 200 && p[0] < 120; }},
+        {MBXIcon::kQuestion, [](const std::uint8_t* p) { return p[0] > 80 && p[0] < 100 && p[2] > 100; }},
+    };
+    const MBXAlertMessage warning("Title", "Text");
+    const MBXErrorMessage error("Title", "Text");
+    const MBXInfoMessage information("Title", "Text");
+    const MBXDialogue question("Title", "Text");
+    const MBXObject* boxes[] = {&warning, &error, &information, &question};
+    for (int index = 0; index < 4; ++index)
+    {
+        SCOPED_TRACE(index);
+        ASSERT_EQ(boxes[index]->icon(), cases[index].icon);
+        const Composed result = composed(*boxes[index]);
+        EXPECT_GT(count(result.canvas, result.layout.icon, cases[index].colour), 150);
+        const MBXRect besideSign{result.layout.icon.x, result.layout.icon.bottom() + 8, 24, 12};
+        EXPECT_EQ(count(result.canvas, besideSign, cases[index].colour), 0);
+    }
+}
+
+TEST(MBXComposer, DefaultButtonIsLabelledInAmberAndAPressedFaceIsRimmedInAmber)
+{
+    const MBXDialogue box("Reset?", "Every band goes back.", MBXDialogueButtons::kYesNo);
+    const Composed idle = composed(box);
+    const MBXRect& yes = idle.layout.buttons[0];
+    const MBXRect& no = idle.layout.buttons[1];
+    EXPECT_GT(count(idle.canvas, yes, amber), 10);
+    EXPECT_EQ(count(idle.canvas, no, amber), 0);
+
+    const Composed pressed = composed(box, {1, 1, false});
+    const MBXRect rim{no.x + 6, no.y, no.width - 12, 1}; // the top edge between the rounded ends
+    EXPECT_EQ(count(pressed.canvas, rim, amber), rim.width);
+    EXPECT_EQ(count(idle.canvas, rim, amber), 0);
+}
+
+TEST(MBXComposer, AboutBoxShowsTheLinkAndVersionInAmber)
+{
+    const Composed about = composed(MBXAboutMessage());
+    const MBXRect& link = about.layout.links.front();
+    EXPECT_GT(count(about.canvas, link, amber), link.width);
+    const MBXTextLine& version = about.layout.lines[1];
+    const MBXRect versionArea{version.x, static_cast<int>(version.baseline) - 14, 120, 16};
+    EXPECT_GT(count(about.canvas, versionArea, amber), 100);
+    const MBXTextLine& maker = about.layout.lines[about.layout.lines.size() - 2];
+    const MBXRect makerArea{maker.x, static_cast<int>(maker.baseline) - 12, 120, 14};
+    EXPECT_EQ(count(about.canvas, makerArea, amber), 0);
+}
+
+} // namespace

@@ -1,0 +1,239 @@
+#include "editor/mbx/MBXWindow.h"
+#include "editor/mbx/MBXAboutMessage.h"
+#include "editor/mbx/MBXComposer.h"
+#include "editor/mbx/MBXDialogue.h"
+#include "editor/mbx/MBXManager.h"
+#include "editor/mbx/MBXMessage.h"
+#include "platform/window/TestHostWindow.h"
+#include "tools/contact_sheet/PngWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <vector>
+
+using namespace Steinberg::Vst::Velmoran;
+using velmoran::platform::CanvasBuffer;
+using velmoran::platform::CPlatformWindows;
+
+namespace
+{
+
+// What the test does while a box is up: one step each time the box's modal loop goes idle, so
+// that every step sees what the messages of the one before did.
+using Step = std::function<void(HWND box)>;
+std::vector<Step> gSteps;
+std::size_t gNextStep = 0;
+
+int boxSlot()
+{
+    const CPlatformWindows* kit = CPlatformWindows::instance(false);
+    for (int slot = 0; kit != nullptr && slot < CPlatformWindows::kSlotCount; ++slot)
+        if (kit->slot(slot).inUse != 0 && kit->slot(slot).isSplash != 0)
+            return slot;
+    return -1;
+}
+
+bool takeNextStep()
+{
+    const int slot = boxSlot();
+    if (slot >= 0 && gNextStep < gSteps.size())
+        gSteps[gNextStep++](CPlatformWindows::instance(false)->windowHandle(slot));
+    return gNextStep < gSteps.size();
+}
+
+LPARAM at(const MBXRect& rect)
+{
+    return MAKELPARAM(rect.x + rect.width / 2, rect.y + rect.height / 2);
+}
+
+Step click(LPARAM down, LPARAM up)
+{
+    return [down, up](HWND box)
+    {
+        PostMessageA(box, WM_LBUTTONDOWN, MK_LBUTTON, down);
+        PostMessageA(box, WM_LBUTTONUP, 0, up);
+    };
+}
+
+Step post(UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
+{
+    return [=](HWND box) { PostMessageA(box, message, wParam, lParam); };
+}
+
+// The window's pixels as the screen has them, in the canvas's layout.
+CanvasBuffer capture(HWND window, int width, int height)
+{
+    CanvasBuffer picture(width, height);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(info.bmiHeader), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    HDC windowDc = GetDC(window);
+    HDC memory = CreateCompatibleDC(windowDc);
+    HBITMAP bitmap = CreateDIBSection(windowDc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    HGDIOBJ previous = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, width, height, windowDc, 0, 0, SRCCOPY);
+    const auto* bgra = static_cast<const std::uint8_t*>(bits);
+    std::uint8_t* rgba = picture.canvas().pixels;
+    for (int i = 0; i < width * height; ++i)
+    {
+        rgba[i * 4] = bgra[i * 4 + 2];
+        rgba[i * 4 + 1] = bgra[i * 4 + 1];
+        rgba[i * 4 + 2] = bgra[i * 4];
+        rgba[i * 4 + 3] = 255;
+    }
+    SelectObject(memory, previous);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(window, windowDc);
+    return picture;
+}
+
+int differingPixels(const CanvasBuffer& a, const CanvasBuffer& b, int width, int height)
+{
+    int differing = 0;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            for (int channel = 0; channel < 3; ++channel)
+                if (std::abs(a.pixel(x, y)[channel] - b.pixel(x, y)[channel]) > 2)
+                {
+                    ++differing;
+                    break;
+                }
+    return differing;
+}
+
+struct ShownEditor : MBXEditorListener
+{
+    void messageBoxShown(bool shown) override { greyed = shown; }
+    bool greyed = false;
+};
+
+class BoxWindow : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        kit = CPlatformWindows::instance(true);
+        kit->setClassNames(velmoran::test::kTestToken);
+        MBXManager::instance().setWindowPresenter(presentInWindow);
+        MBXManager::instance().editorOpened(&editor);
+    }
+
+    void TearDown() override
+    {
+        MBXManager::instance().editorClosed(&editor);
+        velmoran::test::closeAllWindows();
+    }
+
+    // Runs the box with the steps played inside its modal loop; the box's window must be gone
+    // and its slot free when it returns.
+    int runWith(MBXObject& box, std::vector<Step> steps)
+    {
+        gSteps = std::move(steps);
+        gNextStep = 0;
+        HWND seen = nullptr;
+        gSteps.insert(gSteps.begin(), [&seen](HWND window) { seen = window; });
+        kit->setIdleCallback(takeNextStep);
+        const int chosen = box.run();
+        kit->setIdleCallback(nullptr);
+        EXPECT_EQ(gNextStep, gSteps.size());
+        EXPECT_FALSE(IsWindow(seen));
+        for (int slot = 0; slot < CPlatformWindows::kSlotCount; ++slot)
+            EXPECT_EQ(kit->slot(slot).inUse, 0) << "slot " << slot;
+        return chosen;
+    }
+
+    CPlatformWindows* kit = nullptr;
+    ShownEditor editor;
+};
+
+TEST_F(BoxWindow, ClickOnAButtonChoosesIt)
+{
+    MBXMessage message("Saved", "The preset was saved.");
+    MBXDialogue okCancel("Reset?", "Every band goes back to its factory setting.");
+    MBXDialogue yesNo("Reset?", "Every band goes back to its factory setting.", MBXDialogueButtons::kYesNo);
+    const struct
+    {
+        MBXObject* box;
+        int button;
+    } cases[] = {{&message, 0}, {&okCancel, 0}, {&okCancel, 1}, {&yesNo, 1}};
+    for (const auto& sample : cases)
+    {
+        const LPARAM button = at(layoutBox(*sample.box).buttons[sample.button]);
+        EXPECT_EQ(runWith(*sample.box, {click(button, button)}), sample.button)
+            << sample.box->buttons().back();
+    }
+}
+
+TEST_F(BoxWindow, KeysAndClosingAnswerWithTheDefaultOrTheCancelButton)
+{
+    MBXDialogue box("Reset?", "Every band goes back to its factory setting.", MBXDialogueButtons::kYesNo);
+    const LPARAM yes = at(layoutBox(box).buttons[0]);
+    const struct
+    {
+        std::vector<Step> steps;
+        int chosen;
+    } cases[] = {
+        {{post(WM_KEYDOWN, VK_RETURN)}, 0},
+        {{post(WM_KEYDOWN, VK_ESCAPE)}, 1},
+        {{post(WM_CLOSE)}, 1},
+        {{click(yes, MAKELPARAM(2, 2)), post(WM_KEYDOWN, VK_ESCAPE)}, 1}, // released off the button
+    };
+    for (const auto& sample : cases)
+        EXPECT_EQ(runWith(box, sample.steps), sample.chosen);
+}
+
+TEST_F(BoxWindow, HandCursorOverTheLinkOnly)
+{
+    MBXAboutMessage box;
+    const MBXBoxLayout layout = layoutBox(box);
+    HCURSOR hand = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_HAND));
+    runWith(box,
+            {post(WM_MOUSEMOVE, 0, at(layout.links.front())), [&](HWND) { EXPECT_EQ(GetCursor(), hand); },
+             post(WM_MOUSEMOVE, 0, at(layout.buttons.front())),
+             [&](HWND window)
+             {
+                 EXPECT_NE(GetCursor(), hand);
+                 PostMessageA(window, WM_KEYDOWN, VK_RETURN, 0);
+             }});
+}
+
+// A box is a borderless window of its own size, centred in the work area, while the editors are
+// greyed; what the screen shows of it is the composed box, saved next to the test for a person to
+// look at.
+TEST_F(BoxWindow, ScreenShowsTheComposedAboutAndErrorBoxesCentred)
+{
+    MBXAboutMessage about;
+    MBXErrorMessage error("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context.");
+    const struct
+    {
+        MBXObject* box;
+        const char* file;
+    } cases[] = {{&about, "mbx-about.png"}, {&error, "mbx-error.png"}};
+    RECT workArea{};
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &workArea, 0);
+    for (const auto& sample : cases)
+    {
+        const MBXBoxLayout layout = layoutBox(*sample.box);
+        const CanvasBuffer composed = composeBox(*sample.box, layout);
+        const Step look = [&](HWND window)
+        {
+            RECT frame{};
+            GetWindowRect(window, &frame);
+            EXPECT_EQ(frame.left, (workArea.right - layout.width - workArea.left) / 2);
+            EXPECT_EQ(frame.bottom - frame.top, layout.height);
+            EXPECT_TRUE(IsWindowVisible(window) && editor.greyed);
+            UpdateWindow(window);
+            const CanvasBuffer shown = capture(window, layout.width, layout.height);
+            EXPECT_EQ(differingPixels(shown, composed, layout.width, layout.height), 0);
+            EXPECT_TRUE(velmoran::tools::writePng(sample.file, shown.image()));
+        };
+        EXPECT_EQ(runWith(*sample.box, {look, post(WM_KEYDOWN, VK_RETURN)}), 0);
+        EXPECT_FALSE(editor.greyed);
+    }
+}
+
+} // namespace
