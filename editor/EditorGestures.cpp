@@ -114,7 +114,8 @@ void EditorScreen::mouseMove(float x, float y, Modifiers modifiers)
     for (auto& button : mImageButtons)
         mNeedsRedraw |= button->trackHover(x, y);
     mNeedsRedraw |= mLockSelector->trackHover(x, y);
-    mNeedsRedraw |= mGraph.setHover(x, y);
+    mGraph.setMousePosition(x, y);
+    mNeedsRedraw = true;
 }
 
 void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*modifiers*/)
@@ -482,7 +483,7 @@ void EditorScreen::clearFilters()
     mHintBox->setVisible(true);
     mHintCountdown = kHintTicks;
     mGraph.clearSelection();
-    mGraph.clearDragged();
+    clearDraggedSlots();
 }
 
 void EditorScreen::singleEdit(unsigned tag, double value)

@@ -90,7 +90,7 @@ TextStyle style(const platform::FontDescriptor& font, float size, Rgba colour)
 } // namespace
 
 EditorScreen::EditorScreen(EditorContext& context, float width, float height, float sampleRate)
-    : mContext(context), mWidth(width), mHeight(height), mGraph(width, height)
+    : mContext(context), mWidth(width), mHeight(height)
 {
     mGraph.setSampleRate(sampleRate);
     mGraph.layout();
@@ -186,6 +186,7 @@ void EditorScreen::synchronise()
     applyOutputGain(static_cast<float>(mContext.parameter(kOutputGainTag)), false);
     setZoomReadout(mGraph.zoom());
     mZoomBox->setVisible(false);
+    mGraph.update();
     // The title goes straight into the status line for a short while.
     mStatusText = titleLine();
     mStatusLine->setText(mStatusText);
@@ -235,7 +236,10 @@ void EditorScreen::setBandValue(int band, unsigned tag, float value)
 
 void EditorScreen::applySwitch(unsigned tag, float value, bool post)
 {
-    mSwitches[static_cast<size_t>(switchIndex(tag))] = value;
+    const int index = switchIndex(tag);
+    if (index < 0)
+        return;
+    mSwitches[static_cast<size_t>(index)] = value;
     const float widgetValue = value * 100.0f;
     switch (tag)
     {
@@ -298,7 +302,7 @@ void EditorScreen::applyOutputGain(float value, bool post)
     mOutputGainBox->setTexts({outputGainText(gainDb)}, kAmber);
     const TextStyle& boxStyle = mOutputGainBox->style();
     mOutputGainBox->moveTo(graphPanelRect(mWidth, mHeight).x, mHeight - lineHeight(boxStyle) - 8.0f);
-    mGraph.setOutputGainMarker(gainDb);
+    mGraph.setOutputGainMarker(gainDb, std::fabs(gainDb) >= 0.05f);
     if (post)
     {
         mOutputGainBox->setVisible(true);
@@ -454,7 +458,7 @@ void EditorScreen::tick()
         }
         else if (mStatusCountdown == kDragClearTick)
         {
-            mGraph.clearDragged();
+            clearDraggedSlots();
         }
         else if (mStatusCountdown == kLineClearTick)
         {
@@ -480,6 +484,12 @@ void EditorScreen::hideBoxesNotUnderMouse()
     for (TextBox* box : {mOutputGainBox.get(), mZoomBox.get(), mProgramBox.get()})
         if (!box->hitTest(mMouseX, mMouseY))
             box->setVisible(false);
+}
+
+void EditorScreen::clearDraggedSlots()
+{
+    for (int slot = 0; slot < ResponseGraph::kSlotCount; ++slot)
+        mGraph.setDragged(slot, false);
 }
 
 void EditorScreen::setSpectrum(const float* magnitudes, int count, float sampleRate, int transformSize)

@@ -127,6 +127,7 @@ private:
     void drawFrame(Painter& painter) const;
     void hideReadouts();
     void hideBoxesNotUnderMouse();
+    void clearDraggedSlots();
 
     // Setters that follow the parameters.
     void applySwitch(unsigned tag, float value, bool post);
