@@ -302,7 +302,7 @@ void EditorScreen::applyOutputGain(float value, bool post)
     mOutputGainBox->setTexts({outputGainText(gainDb)}, kAmber);
     const TextStyle& boxStyle = mOutputGainBox->style();
     mOutputGainBox->moveTo(graphPanelRect(mWidth, mHeight).x, mHeight - lineHeight(boxStyle) - 8.0f);
-    mGraph.setOutputGainMarker(gainDb, std::fabs(gainDb) >= 0.05f);
+    mGraph.setOutputGainMarker(gainDb, std::fabs(gainDb) >= 0.1f);
     if (post)
     {
         mOutputGainBox->setVisible(true);

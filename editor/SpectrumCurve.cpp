@@ -156,16 +156,31 @@ void SpectrumCurve::resample(const GraphAxes& axes)
 
 void SpectrumCurve::smoothLevels()
 {
+    // A tone is one or two columns wide: an average in dB would sink it towards the floor around
+    // it. Each column takes the loudest of its neighbours less a falloff per column, which keeps
+    // every peak at its level and rounds its flanks, and then a light average calms the ripple.
     constexpr int kReach = 2;
+    constexpr float kFalloffDbPerColumn = 4.0f;
+    for (int k = 0; k < kPointCount; ++k)
+    {
+        float envelope = mRawDb[k];
+        for (int offset = 1; offset <= kReach; ++offset)
+        {
+            const float falloff = kFalloffDbPerColumn * static_cast<float>(offset);
+            envelope = std::max(envelope, mRawDb[std::max(k - offset, 0)] - falloff);
+            envelope = std::max(envelope, mRawDb[std::min(k + offset, kPointCount - 1)] - falloff);
+        }
+        mEnvelopeDb[k] = envelope;
+    }
     for (int k = 0; k < kPointCount; ++k)
     {
         float sum = 0.0f;
         for (int offset = -kReach; offset <= kReach; ++offset)
         {
             const int neighbour = std::clamp(k + offset, 0, kPointCount - 1);
-            sum += kSmoothing[offset + kReach] * mRawDb[neighbour];
+            sum += kSmoothing[offset + kReach] * mEnvelopeDb[neighbour];
         }
-        mCurve[k].responseDb = sum;
+        mCurve[k].responseDb = std::max(sum, mEnvelopeDb[k] - 1.0f);
     }
 }
 

@@ -61,6 +61,7 @@ private:
     std::vector<float> mMagnitudes;
     std::vector<float> mBinDb;
     std::vector<float> mRawDb;
+    std::vector<float> mEnvelopeDb;
     ResponseCurve mCurve;
 };
 
