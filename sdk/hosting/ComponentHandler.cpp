@@ -12,15 +12,17 @@ ComponentHandler::ComponentHandler()
 
 IMPLEMENT_FUNKNOWN_METHODS(ComponentHandler, IComponentHandler, IComponentHandler::iid)
 
-tresult PLUGIN_API ComponentHandler::beginEdit(ParamID /*id*/)
+tresult PLUGIN_API ComponentHandler::beginEdit(ParamID id)
 {
     ++mOpenEdits;
+    mEditLog.push_back({EditCall::kBegin, id, 0.0});
     return kResultOk;
 }
 
 tresult PLUGIN_API ComponentHandler::performEdit(ParamID id, ParamValue valueNormalized)
 {
     ++mPerformedEdits;
+    mEditLog.push_back({EditCall::kPerform, id, valueNormalized});
     int32 index = 0;
     if (IParamValueQueue* queue = mChanges.addParameterData(id, index))
     {
@@ -29,9 +31,10 @@ tresult PLUGIN_API ComponentHandler::performEdit(ParamID id, ParamValue valueNor
     return kResultOk;
 }
 
-tresult PLUGIN_API ComponentHandler::endEdit(ParamID /*id*/)
+tresult PLUGIN_API ComponentHandler::endEdit(ParamID id)
 {
     --mOpenEdits;
+    mEditLog.push_back({EditCall::kEnd, id, 0.0});
     return kResultOk;
 }
 

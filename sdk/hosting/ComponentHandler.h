@@ -4,13 +4,36 @@
 
 #include "pluginterfaces/vst/ivsteditcontroller.h"
 
+#include <vector>
+
 namespace Steinberg
 {
 namespace Vst
 {
 
+// One call of the controller's edit protocol as the host received it.
+struct EditCall
+{
+    enum Kind
+    {
+        kBegin,
+        kPerform,
+        kEnd
+    };
+
+    Kind kind;
+    ParamID tag;
+    ParamValue value; // normalised 0..1 for kPerform, 0 for kBegin and kEnd
+
+    bool operator==(const EditCall& other) const
+    {
+        return kind == other.kind && tag == other.tag && value == other.value;
+    }
+};
+
 // A host's component handler: collects the controller's edits as parameter changes for the next
-// block, at sample offset 0, and counts the edit calls so that their pairing can be checked.
+// block, at sample offset 0, and counts and logs the edit calls so that their pairing and order
+// can be checked.
 class ComponentHandler : public IComponentHandler
 {
 public:
@@ -23,6 +46,9 @@ public:
     int32 openEdits() const { return mOpenEdits; }
     // Number of performEdit calls received so far.
     int32 performedEdits() const { return mPerformedEdits; }
+    // Every beginEdit, performEdit and endEdit since the last clearEditLog, in the order received.
+    const std::vector<EditCall>& editLog() const { return mEditLog; }
+    void clearEditLog() { mEditLog.clear(); }
     // Flags of the last restartComponent call (0 if none).
     int32 lastRestartFlags() const { return mLastRestartFlags; }
 
@@ -35,6 +61,7 @@ public:
 
 private:
     ParameterChanges mChanges;
+    std::vector<EditCall> mEditLog;
     int32 mOpenEdits = 0;
     int32 mPerformedEdits = 0;
     int32 mLastRestartFlags = 0;

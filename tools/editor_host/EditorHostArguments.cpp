@@ -1,0 +1,141 @@
+#include "EditorHostArguments.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace velmoran::editorhost
+{
+
+using Steinberg::Vst::ParamID;
+
+namespace
+{
+
+constexpr int kLastProgram = 5;
+
+// The whole text as a decimal number.
+bool readNumber(const std::string& text, double& number)
+{
+    char* end = nullptr;
+    errno = 0;
+    number = std::strtod(text.c_str(), &end);
+    return !text.empty() && end == text.c_str() + text.size() && errno == 0;
+}
+
+// The whole text as a decimal integer from 0 to limit.
+bool readCount(const std::string& text, unsigned long limit, unsigned long& count)
+{
+    char* end = nullptr;
+    errno = 0;
+    count = std::strtoul(text.c_str(), &end, 10);
+    return !text.empty() && text[0] != '-' && end == text.c_str() + text.size() && errno == 0 &&
+           count <= limit;
+}
+
+bool readPreset(const std::string& value, EditorHostArguments& parsed, std::string& error)
+{
+    unsigned long program = 0;
+    if (!readCount(value, kLastProgram, program))
+    {
+        error = "--preset takes a program number from 0 to 5, not '" + value + "'";
+        return false;
+    }
+    parsed.preset = static_cast<int>(program);
+    return true;
+}
+
+bool readSeconds(const std::string& value, EditorHostArguments& parsed, std::string& error)
+{
+    if (!readNumber(value, parsed.seconds) || parsed.seconds < 0.0)
+    {
+        error = "--seconds takes a number of seconds, not '" + value + "'";
+        return false;
+    }
+    return true;
+}
+
+bool readSignal(const std::string& value, EditorHostArguments& parsed, std::string& error)
+{
+    parsed.signal = InputSignal::parse(value, error);
+    return parsed.signal.has_value();
+}
+
+bool readSetting(const std::string& value, EditorHostArguments& parsed, std::string& error)
+{
+    const std::size_t equals = value.find('=');
+    unsigned long tag = 0;
+    double normalised = 0.0;
+    if (equals == std::string::npos || !readCount(value.substr(0, equals), 0xFFFFFFFFul, tag) ||
+        !readNumber(value.substr(equals + 1), normalised) || normalised < 0.0 || normalised > 1.0)
+    {
+        error = "--set takes TAG=VALUE with a parameter tag and a value from 0 to 1, not '" + value + "'";
+        return false;
+    }
+    parsed.settings.emplace_back(static_cast<ParamID>(tag), normalised);
+    return true;
+}
+
+// Reads the option at arguments[index] and its value, moving index past both.
+bool readOption(const std::vector<std::string>& arguments, std::size_t& index, EditorHostArguments& parsed,
+                std::string& error)
+{
+    using Reader = bool (*)(const std::string&, EditorHostArguments&, std::string&);
+    const struct
+    {
+        const char* name;
+        Reader read;
+    } options[] = {{"--preset", readPreset},
+                   {"--seconds", readSeconds},
+                   {"--signal", readSignal},
+                   {"--set", readSetting}};
+    const std::string& option = arguments[index];
+    for (const auto& known : options)
+    {
+        if (option != known.name)
+        {
+            continue;
+        }
+        if (index + 1 >= arguments.size())
+        {
+            error = option + " needs a value";
+            return false;
+        }
+        index += 2;
+        return known.read(arguments[index - 1], parsed, error);
+    }
+    error = "unknown option " + option;
+    return false;
+}
+
+} // namespace
+
+std::optional<EditorHostArguments> parseArguments(const std::vector<std::string>& arguments,
+                                                  std::string& error)
+{
+    EditorHostArguments parsed;
+    std::vector<std::string> positional;
+    for (std::size_t index = 0; index < arguments.size();)
+    {
+        if (arguments[index].compare(0, 2, "--") == 0)
+        {
+            if (!readOption(arguments, index, parsed, error))
+            {
+                return std::nullopt;
+            }
+        }
+        else
+        {
+            positional.push_back(arguments[index++]);
+        }
+    }
+    if (positional.size() != 2)
+    {
+        error = "give the module and the output file";
+        return std::nullopt;
+    }
+    parsed.modulePath = positional[0];
+    parsed.outputPath = positional[1];
+    return parsed;
+}
+
+} // namespace velmoran::editorhost

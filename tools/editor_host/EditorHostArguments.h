@@ -1,0 +1,38 @@
+#pragma once
+
+#include "InputSignal.h"
+
+#include "pluginterfaces/vst/vsttypes.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velmoran::editorhost
+{
+
+constexpr const char* kEditorHostUsage =
+    "usage: velmoran-editor-host MODULE OUTPUT.png [--preset N] [--seconds S] [--signal demo|sine:HZ|noise]\n"
+    "                            [--set TAG=VALUE ...]\n"
+    "  Opens the plug-in's editor as a host does, plays the signal through the processor for S seconds\n"
+    "  (default 2), saves what the editor shows as OUTPUT.png, closes and opens the editor again and\n"
+    "  shuts down. --preset selects factory program N (0..5); --set sets a parameter by tag to a\n"
+    "  normalised value (0..1), after the program.";
+
+// What the command line asks for.
+struct EditorHostArguments
+{
+    std::string modulePath;
+    std::string outputPath;
+    std::optional<int> preset;
+    double seconds = 2.0;
+    std::optional<InputSignal> signal; // the demo mix when not given
+    std::vector<std::pair<Steinberg::Vst::ParamID, Steinberg::Vst::ParamValue>> settings;
+};
+
+// The arguments after the program's name; nothing, with the reason in error, when they are wrong.
+std::optional<EditorHostArguments> parseArguments(const std::vector<std::string>& arguments,
+                                                  std::string& error);
+
+} // namespace velmoran::editorhost

@@ -1,0 +1,124 @@
+// velmoran-editor-host MODULE OUTPUT.png [--preset N] [--seconds S] [--signal demo|sine:HZ|noise]
+//                      [--set TAG=VALUE ...]
+// Opens the plug-in's editor under Windows (or Wine) as a DAW does, plays a signal through the
+// processor so that spectrum frames flow, saves what the editor shows as a PNG, then closes and
+// opens the editor again and shuts down. Any failure is printed and gives a non-zero exit code.
+#include "EditorHostArguments.h"
+#include "EditorSession.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+using velmoran::editorhost::EditorHostArguments;
+using velmoran::editorhost::EditorSession;
+
+namespace
+{
+
+// Time the editor runs after it was opened again, seconds: a few of its 40 ms timer ticks.
+constexpr double kReopenSeconds = 0.2;
+
+// Peak of the last output block in dBFS (-inf for silence).
+double lastBlockPeakDb(const EditorSession& session)
+{
+    float peak = 0.0f;
+    for (const std::vector<float>& channel : session.lastOutput())
+    {
+        for (float sample : channel)
+        {
+            peak = std::max(peak, std::fabs(sample));
+        }
+    }
+    return 20.0 * std::log10(static_cast<double>(peak));
+}
+
+bool openEditor(EditorSession& session, std::string& error)
+{
+    if (!session.openEditor(error))
+    {
+        return false;
+    }
+    if (session.editorWindow() == nullptr)
+    {
+        error = "the editor view made no window inside the host's frame";
+        return false;
+    }
+    return true;
+}
+
+void applySettings(EditorSession& session, const EditorHostArguments& arguments)
+{
+    if (arguments.signal)
+    {
+        session.setSignal(*arguments.signal);
+    }
+    if (arguments.preset)
+    {
+        session.selectProgram(*arguments.preset);
+    }
+    for (const auto& [tag, value] : arguments.settings)
+    {
+        session.setParameter(tag, value);
+    }
+}
+
+bool reopenEditor(EditorSession& session, std::string& error)
+{
+    if (!session.reopenEditor(error) || !session.run(kReopenSeconds, error))
+    {
+        return false;
+    }
+    if (session.editorWindow() == nullptr)
+    {
+        error = "the editor has no window after it was closed and opened again";
+        return false;
+    }
+    return true;
+}
+
+bool showEditor(const EditorHostArguments& arguments, std::string& error)
+{
+    std::unique_ptr<EditorSession> session = EditorSession::start(arguments.modulePath, error);
+    if (!session || !openEditor(*session, error))
+    {
+        return false;
+    }
+    applySettings(*session, arguments);
+    if (!session->run(arguments.seconds, error))
+    {
+        return false;
+    }
+    std::printf("Played %lld blocks; last block peak %.1f dBFS\n",
+                static_cast<long long>(session->processedBlocks()), lastBlockPeakDb(*session));
+    if (!saveScreenshot(session->screenshot(), arguments.outputPath))
+    {
+        error = "cannot write the screenshot to '" + arguments.outputPath + "'";
+        return false;
+    }
+    std::printf("Screenshot written to %s\n", arguments.outputPath.c_str());
+    return reopenEditor(*session, error);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::string error;
+    const std::optional<EditorHostArguments> parsed = velmoran::editorhost::parseArguments(arguments, error);
+    if (!parsed)
+    {
+        std::fprintf(stderr, "velmoran-editor-host: %s\n%s\n", error.c_str(),
+                     velmoran::editorhost::kEditorHostUsage);
+        return 2;
+    }
+    if (!showEditor(*parsed, error))
+    {
+        std::fprintf(stderr, "velmoran-editor-host: %s\n", error.c_str());
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace velmoran::editorhost
+{
+
+// A shown top-level window without a caption at the screen's top left whose client area is width x
+// height pixels, painted grey where nothing covers it; null when it cannot be made.
+HWND openFrameWindow(const std::string& title, int width, int height);
+// Gives window a client area of width x height pixels, keeping its position.
+void setClientSize(HWND window, int width, int height);
+
+} // namespace velmoran::editorhost
