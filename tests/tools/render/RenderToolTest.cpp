@@ -58,6 +58,24 @@ TEST(RenderTool, PlaysAsAHostThatSendsEveryValue)
     }
 }
 
+// Samples beyond full scale are worth a warning only where the output clips them.
+TEST(RenderTool, WarnsOfOversOnlyWhereTheOutputClips)
+{
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), sine(1000.0, -1.0, 0.5, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_FLOAT,
+               48000, 2);
+    const std::pair<const char*, bool> cases[] = {{"16", true}, {"float", false}};
+    for (const auto& [encoding, clips] : cases)
+    {
+        const ToolRun run =
+            runTool({"--set", "Output Gain=+6 dB", "--sample-format", encoding, folder.file("in.wav"),
+                     folder.file(std::string("out-") + encoding + ".wav")});
+        ASSERT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_EQ(run.errors.find("beyond full scale") != std::string::npos, clips)
+            << encoding << ": " << run.errors;
+    }
+}
+
 class RenderToolNull : public testing::TestWithParam<SoundFormat>
 {
 };
