@@ -125,17 +125,8 @@ int CGLRenderer::initialise(HWND window, double logicalWidth, double logicalHeig
     choosePixelFormat(mDc);
 
     mInitialised = true;
-    if (gContext == nullptr)
-    {
-        gContext = std::make_unique<SharedContext>();
-        gContext->context = wglCreateContext(mDc);
-        if (gContext->context == nullptr)
-            return kNoContext;
-    }
-    else
-    {
-        ++gContext->users;
-    }
+    if (!attachContext())
+        return kNoContext;
 
     makeCurrent();
     glViewport(0, 0, static_cast<GLsizei>(logicalWidth), static_cast<GLsizei>(logicalHeight));
@@ -152,6 +143,24 @@ int CGLRenderer::initialise(HWND window, double logicalWidth, double logicalHeig
     mProjection = identityMatrix();
     mModelView = identityMatrix();
     return programs == 0 ? kOk : kShaderFailure;
+}
+
+bool CGLRenderer::attachContext()
+{
+    if (gContext != nullptr)
+    {
+        ++gContext->users;
+        mHoldsContext = true;
+        return true;
+    }
+    HGLRC context = wglCreateContext(mDc);
+    // No record is kept for a failed creation, so that the next editor to open tries again.
+    if (context == nullptr)
+        return false;
+    gContext = std::make_unique<SharedContext>();
+    gContext->context = context;
+    mHoldsContext = true;
+    return true;
 }
 
 void CGLRenderer::buildSharedTextures()
@@ -186,11 +195,13 @@ void CGLRenderer::releaseSharedTextures()
 
 void CGLRenderer::releaseContext()
 {
-    if (gContext == nullptr || --gContext->users > 0)
+    if (!mHoldsContext)
+        return;
+    mHoldsContext = false;
+    if (--gContext->users > 0)
         return;
     wglMakeCurrent(nullptr, nullptr);
-    if (gContext->context != nullptr)
-        wglDeleteContext(gContext->context);
+    wglDeleteContext(gContext->context);
     gContext.reset();
 }
 
@@ -199,7 +210,8 @@ void CGLRenderer::teardown()
     if (!mInitialised)
         return;
     mInitialised = false;
-    makeCurrent();
+    if (mHoldsContext)
+        makeCurrent();
     releaseSharedTextures();
     if (mHoldsPrograms)
     {

@@ -145,7 +145,8 @@ public:
     // logical pixels; at most 1024 characters.
     void drawBitmapString(float x, float y, const char* text);
 
-    // A texture from width * height RGBA pixels (R, G, B, A bytes, top row first).
+    // A texture from width * height RGBA pixels (R, G, B, A bytes, top row first); null pixels give
+    // a cleared texture, to be filled or read back later.
     std::unique_ptr<GLTexture> createTexture(const uint8_t* pixels, int width, int height);
     // Uploads a texture's pixel copy again after it was changed.
     void reuploadTexture(const GLTexture& texture);
@@ -174,6 +175,9 @@ private:
     // The dash texture over `positions`, `length` pixels from `phase` into its pattern.
     void drawDashedQuad(const float positions[12], float length, float phase, bool vertical);
     bool contextExists() const;
+    // Joins the shared context, creating it on this window when there is none; false when it
+    // cannot be created.
+    bool attachContext();
     void buildSharedTextures();
     void releaseSharedTextures();
     void releaseContext();
@@ -198,6 +202,7 @@ private:
     bool mViewportSizeChanged = false;
     bool mMissingEntryPoints = false;
     bool mInitialised = false;
+    bool mHoldsContext = false;
     bool mHoldsPrograms = false;
     bool mHoldsSharedTextures = false;
     Matrix mProjection{};

@@ -23,6 +23,8 @@ void setUnpackAlignment()
 std::unique_ptr<GLTexture> makeTexture(const uint8_t* pixels, int width, int height, GLint wrap)
 {
     const size_t size = static_cast<size_t>(width) * static_cast<size_t>(height) * 4;
+    if (pixels == nullptr)
+        return makeTexture(std::vector<uint8_t>(size, 0), width, height, wrap);
     return makeTexture(std::vector<uint8_t>(pixels, pixels + size), width, height, wrap);
 }
 

@@ -26,8 +26,9 @@ struct GLTexture
     int32_t useCount = 1;
 };
 
-// Creates a texture from width * height RGBA pixels with linear filtering; the wrap mode is
-// GL_CLAMP_TO_EDGE or GL_REPEAT. The context must be current.
+// Creates a texture from width * height RGBA pixels (null: cleared ones, for a texture filled
+// later or read back) with linear filtering; the wrap mode is GL_CLAMP_TO_EDGE or GL_REPEAT. The
+// context must be current.
 std::unique_ptr<GLTexture> makeTexture(const uint8_t* pixels, int width, int height, GLint wrap);
 // The same, taking over a pixel buffer of width * height * 4 bytes.
 std::unique_ptr<GLTexture> makeTexture(std::vector<uint8_t>&& pixels, int width, int height, GLint wrap);

@@ -126,8 +126,14 @@ void CGLRenderer::finishDraw(const ProgramRecord& record, GLenum mode, int verte
 void CGLRenderer::drawFlat(GLenum mode, const float* positions, const float* colours, int vertexCount)
 {
     const ProgramRecord* record = beginDraw(kProgramFlat);
-    if (record == nullptr || vertexCount <= 0)
+    if (record == nullptr)
         return;
+    // An empty draw still ends like every other, with no program left in use.
+    if (vertexCount <= 0)
+    {
+        gGL.glUseProgram(0);
+        return;
+    }
     gGL.glUniform1f(record->saturation, mSaturation);
     uploadArray(record->positionBuffer, positions, static_cast<size_t>(vertexCount) * 2);
     uploadArray(record->colourBuffer, colours, static_cast<size_t>(vertexCount) * 4);

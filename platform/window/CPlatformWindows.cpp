@@ -41,8 +41,7 @@ void CPlatformWindows::release()
 {
     if (gInstance == nullptr)
         return;
-    if (gInstance->mIdleTimer != 0)
-        KillTimer(nullptr, gInstance->mIdleTimer);
+    gInstance->stopIdleTimer();
     delete gInstance;
     gInstance = nullptr;
 }
@@ -234,7 +233,8 @@ void CPlatformWindows::setSpareCallback(int slot, NotifyCallback callback)
 
 void CPlatformWindows::setTimerCallback(int slot, TimerCallback callback)
 {
-    if (!validSlot(slot))
+    // A free slot has no window: SetTimer would start a thread timer that nothing ever kills.
+    if (!validSlot(slot) || mSlots[slot].inUse == 0)
         return;
     mSlots[slot].timer = callback;
     SetTimer(mSlots[slot].window, kWindowTimerId, mWindowTimerPeriod, nullptr);
@@ -257,8 +257,7 @@ void CALLBACK CPlatformWindows::idleTimerProcedure(HWND, UINT, UINT_PTR, DWORD)
         return;
     if (!kit->mIdleCallback())
     {
-        KillTimer(nullptr, kit->mIdleTimer);
-        kit->mIdleTimer = 0;
+        kit->stopIdleTimer();
         kit->mIdleCallback = nullptr;
     }
 }
@@ -270,11 +269,20 @@ void CPlatformWindows::setIdlePeriod(uint32_t milliseconds)
         startIdleTimer();
 }
 
+void CPlatformWindows::stopIdleTimer()
+{
+    if (mIdleTimer != 0)
+        KillTimer(nullptr, mIdleTimer);
+    mIdleTimer = 0;
+}
+
 void CPlatformWindows::setIdleCallback(IdleCallback callback)
 {
     const bool wasSet = mIdleCallback != nullptr;
     mIdleCallback = callback;
-    if (callback != nullptr && !wasSet && mIdleTimer == 0)
+    if (callback == nullptr)
+        stopIdleTimer();
+    else if (!wasSet && mIdleTimer == 0)
         startIdleTimer();
 }
 
@@ -330,7 +338,7 @@ int CPlatformWindows::setTrackMouseMoves(int slot, bool track)
 void CPlatformWindows::resize(int slot, int width, int height)
 {
     if (validSlot(slot) && mSlots[slot].inUse != 0)
-        SetWindowPos(mSlots[slot].window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+        SetWindowPos(mSlots[slot].window, HWND_TOP, 0, 0, width, height, SWP_NOMOVE);
 }
 
 void CPlatformWindows::invalidate(int slot, int x, int y, int width, int height)

@@ -48,14 +48,16 @@ public:
     void setKeyUpCallback(int slot, KeyCallback callback);
     void setFileDropCallback(int slot, FileDropCallback callback);
     void setSpareCallback(int slot, NotifyCallback callback);
-    // Stores the timer callback and starts the window's timer at the window-timer period.
+    // Stores the timer callback and starts the window's timer at the window-timer period; a free
+    // slot is left alone.
     void setTimerCallback(int slot, TimerCallback callback);
 
     // Period of window timers started from now on, in ms.
     void setWindowTimerPeriod(uint32_t milliseconds);
     // Period of the idle timer in ms; starts it if an idle callback waits and none runs.
     void setIdlePeriod(uint32_t milliseconds);
-    // Sets (and starts the idle timer for) or, with null, clears the idle callback.
+    // Sets (and starts the idle timer for) or, with null, clears the idle callback and stops its
+    // timer.
     void setIdleCallback(IdleCallback callback);
 
     // Dispatches every pending message of the thread, then calls the idle callback once.
@@ -71,7 +73,7 @@ public:
     // Reports moves without a button held (on) or not (off); gives back the slot.
     int setTrackMouseMoves(int slot, bool track);
 
-    // New size in device pixels.
+    // New size in device pixels; the window also comes to the top of its siblings.
     void resize(int slot, int width, int height);
     // Marks a rectangle (client pixels) for repainting, without erasing.
     void invalidate(int slot, int x, int y, int width, int height);
@@ -144,6 +146,7 @@ private:
     static void CALLBACK idleTimerProcedure(HWND, UINT, UINT_PTR, DWORD);
     LRESULT handleMessage(WindowSlot& slot, int index, HWND window, UINT message, WPARAM wParam,
                           LPARAM lParam);
+    void handlePaint(WindowSlot& slot, int index, HWND window);
     void handleMouseMove(WindowSlot& slot, int index, LPARAM lParam);
     void handleMouseWheel(WindowSlot& slot, int index, HWND window, WPARAM wParam);
     void handleDroppedFiles(WindowSlot& slot, int index, WPARAM wParam);
@@ -153,6 +156,7 @@ private:
     int occupySlot(HWND window, int x, int y, int deviceWidth, int deviceHeight, float scale, void* user);
     bool validSlot(int slot) const { return slot >= 0 && slot < kSlotCount; }
     void startIdleTimer();
+    void stopIdleTimer();
     static void waitForWindowProcedure();
     void showCursor(LPCSTR cursor, bool show);
 

@@ -61,16 +61,7 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
     switch (message)
     {
     case WM_PAINT:
-        if (slot.paint != nullptr)
-        {
-            RECT update{};
-            GetUpdateRect(window, &update, FALSE);
-            PAINTSTRUCT paint;
-            BeginPaint(window, &paint);
-            slot.paint(update.left, update.top, update.right - update.left, update.bottom - update.top, index,
-                       slot.user);
-            EndPaint(window, &paint);
-        }
+        handlePaint(slot, index, window);
         return 0;
     case WM_CLOSE:
         if (slot.keyUp != nullptr)
@@ -152,6 +143,20 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
     }
 }
 
+void CPlatformWindows::handlePaint(WindowSlot& slot, int index, HWND window)
+{
+    RECT update{};
+    GetUpdateRect(window, &update, FALSE);
+    PAINTSTRUCT paint;
+    // Painting validates the update region even when nobody draws; a window left invalid would
+    // be sent WM_PAINT again and again.
+    BeginPaint(window, &paint);
+    if (slot.paint != nullptr)
+        slot.paint(update.left, update.top, update.right - update.left, update.bottom - update.top, index,
+                   slot.user);
+    EndPaint(window, &paint);
+}
+
 void CPlatformWindows::handleMouseMove(WindowSlot& slot, int index, LPARAM lParam)
 {
     const bool left = keyIsDown(VK_LBUTTON);
@@ -181,9 +186,13 @@ void CPlatformWindows::handleMouseWheel(WindowSlot& slot, int index, HWND window
 
 void CPlatformWindows::handleDroppedFiles(WindowSlot& slot, int index, WPARAM wParam)
 {
-    if (slot.fileDrop == nullptr)
-        return;
     HDROP drop = reinterpret_cast<HDROP>(wParam);
+    // The drop's memory is the receiver's to free, whether or not anyone takes the files.
+    if (slot.fileDrop == nullptr)
+    {
+        DragFinish(drop);
+        return;
+    }
     const UINT length = DragQueryFileA(drop, 0, nullptr, 0);
     std::vector<char> path(length + 1, '\0');
     DragQueryFileA(drop, 0, path.data(), length + 1);

@@ -89,6 +89,26 @@ TEST_P(EveryFontTable, FieldIsInsideOnTheInkAndOutsideAtTheCellEdge)
     EXPECT_LT(fieldAt(font.atlasId, space.x + space.width / 2, space.y + space.height / 2), 128);
 }
 
+// Known rows of the "DejaVu Sans" table: cell size, origin and advance (where a cell lands in the
+// atlas depends on the packing of every glyph).
+TEST(DejaVuSansGlyphs, KeepKnownCellSizesOriginsAndAdvances)
+{
+    const GlyphMetrics rows[] = {{' ', 0, 0, 12, 12, 6, 6, 20},
+                                 {'A', 0, 0, 55, 59, 5, 53, 44},
+                                 {'H', 0, 0, 48, 59, 0, 53, 48},
+                                 {'g', 0, 0, 43, 61, 2, 42, 40}};
+    for (const GlyphMetrics& row : rows)
+    {
+        const GlyphMetrics& glyph = velmoran::resources::kDejaVuSansGlyphs[row.code - 32];
+        EXPECT_EQ(glyph.code, row.code);
+        EXPECT_EQ(glyph.width, row.width) << char(row.code);
+        EXPECT_EQ(glyph.height, row.height) << char(row.code);
+        EXPECT_EQ(glyph.originX, row.originX) << char(row.code);
+        EXPECT_EQ(glyph.originY, row.originY) << char(row.code);
+        EXPECT_EQ(glyph.advance, row.advance) << char(row.code);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     BuiltInFonts, EveryFontTable,
     ::testing::Values(FontTable{"DejaVu Sans", velmoran::resources::kDejaVuSansGlyphs, 1024, 884, 302, 64},

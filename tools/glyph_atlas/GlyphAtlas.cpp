@@ -113,14 +113,54 @@ std::vector<double> distanceTo(const std::vector<bool>& target, int width, int h
     return grid;
 }
 
-int floorDiv(int value, int divisor)
+// Oversampled pixels with at least this coverage count as inside the glyph.
+constexpr std::uint8_t kInsideCoverage = 128;
+
+// The oversampled pixels that count as inside a rendered glyph: left and right edges, bottom and
+// top edges (y up, from the baseline).
+struct InkBox
 {
-    return static_cast<int>(std::floor(static_cast<double>(value) / divisor));
+    int left = 0;
+    int right = 0;
+    int bottom = 0;
+    int top = 0;
+};
+
+bool isInside(const FT_Bitmap& bitmap, unsigned row, unsigned column)
+{
+    return bitmap.buffer[static_cast<std::ptrdiff_t>(row) * bitmap.pitch + column] >= kInsideCoverage;
 }
 
-int ceilDiv(int value, int divisor)
+// The box around the inside pixels of the glyph in slot; all zero for a glyph without any.
+InkBox insideBox(const FT_GlyphSlot slot)
 {
-    return static_cast<int>(std::ceil(static_cast<double>(value) / divisor));
+    const FT_Bitmap& bitmap = slot->bitmap;
+    InkBox box{std::numeric_limits<int>::max(), std::numeric_limits<int>::min(),
+               std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
+    for (unsigned row = 0; row < bitmap.rows; ++row)
+        for (unsigned column = 0; column < bitmap.width; ++column)
+            if (isInside(bitmap, row, column))
+            {
+                const int x = slot->bitmap_left + static_cast<int>(column);
+                const int y = slot->bitmap_top - static_cast<int>(row);
+                box = {std::min(box.left, x), std::max(box.right, x + 1), std::min(box.bottom, y - 1),
+                       std::max(box.top, y)};
+            }
+    return box.left < box.right ? box : InkBox{};
+}
+
+// A length in oversampled pixels as the nearest whole number of design pixels.
+int nearestDesignPixels(int oversampled)
+{
+    return static_cast<int>(std::lround(static_cast<double>(oversampled) / kOversample));
+}
+
+// The pen advance in design pixels, stepped as the rasteriser steps: to whole oversampled pixels
+// first, then to whole design pixels, each time to the nearest with ties to even.
+int advanceOf(const FT_GlyphSlot slot)
+{
+    const double oversampled = std::nearbyint(static_cast<double>(slot->advance.x) / 64.0);
+    return static_cast<int>(std::nearbyint(oversampled / kOversample));
 }
 
 // Renders one character at the oversampled size and gives its cell, metrics and distance field.
@@ -136,20 +176,16 @@ Glyph makeGlyph(FT_Face face, int code, const Settings& settings)
     }
     const FT_GlyphSlot slot = face->glyph;
     const FT_Bitmap& bitmap = slot->bitmap;
-    glyph.advance = static_cast<int>(std::lround(slot->advance.x / 64.0 / kOversample));
+    glyph.advance = advanceOf(slot);
 
-    // Ink bounds in design pixels (y up), widened to whole pixels.
-    int inkLeft = 0, inkRight = 0, inkTop = 0, inkBottom = 0;
-    if (bitmap.width > 0 && bitmap.rows > 0)
-    {
-        inkLeft = floorDiv(slot->bitmap_left, kOversample);
-        inkRight = ceilDiv(slot->bitmap_left + static_cast<int>(bitmap.width), kOversample);
-        inkTop = ceilDiv(slot->bitmap_top, kOversample);
-        inkBottom = floorDiv(slot->bitmap_top - static_cast<int>(bitmap.rows), kOversample);
-    }
+    // The cell sits on the ink as the field sees it, with its place and its size each rounded to
+    // the nearest design pixel: widening both edges outwards could add almost a pixel on each side.
+    const InkBox ink = insideBox(slot);
     const int pad = settings.padding;
-    glyph.width = inkRight - inkLeft + 2 * pad;
-    glyph.height = inkTop - inkBottom + 2 * pad;
+    const int inkLeft = nearestDesignPixels(ink.left);
+    const int inkTop = nearestDesignPixels(ink.top);
+    glyph.width = nearestDesignPixels(ink.right - ink.left) + 2 * pad;
+    glyph.height = nearestDesignPixels(ink.top - ink.bottom) + 2 * pad;
     glyph.originX = pad - inkLeft;
     glyph.originY = inkTop + pad;
 
@@ -161,13 +197,9 @@ Glyph makeGlyph(FT_Face face, int code, const Settings& settings)
     const int offsetY = (inkTop + pad) * kOversample - slot->bitmap_top;
     for (unsigned row = 0; row < bitmap.rows; ++row)
         for (unsigned column = 0; column < bitmap.width; ++column)
-        {
-            const std::uint8_t coverage =
-                bitmap.buffer[static_cast<std::ptrdiff_t>(row) * bitmap.pitch + column];
-            if (coverage >= 128)
+            if (isInside(bitmap, row, column))
                 inside[static_cast<std::size_t>(offsetY + static_cast<int>(row)) * gridWidth + offsetX +
                        static_cast<int>(column)] = true;
-        }
     std::vector<bool> outside(inside.size());
     for (std::size_t i = 0; i < inside.size(); ++i)
         outside[i] = !inside[i];

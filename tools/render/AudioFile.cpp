@@ -190,6 +190,11 @@ std::string formatDescription(int format)
     return containerText(format) + " " + encodingText(format);
 }
 
+bool clipsAtFullScale(int format)
+{
+    return !isFloatSubtype(format & SF_FORMAT_SUBMASK);
+}
+
 AudioReader::AudioReader(const std::string& path) : mPath(path), mHandle(std::make_unique<Handle>())
 {
     SF_INFO info = {};

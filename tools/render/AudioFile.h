@@ -48,6 +48,8 @@ std::optional<Encoding> encodingNamed(const std::string& name);
 int outputFormat(int inputFormat, std::optional<Container> container, std::optional<Encoding> encoding);
 // A short description of a format code for messages ("WAV 24-bit", "FLAC 16-bit", "AIFF float").
 std::string formatDescription(int format);
+// Whether a format's samples stop at full scale (integer encodings); float encodings go beyond.
+bool clipsAtFullScale(int format);
 
 // Reads a WAV, AIFF or FLAC file, mono or stereo, as interleaved floats in -1..1.
 class AudioReader

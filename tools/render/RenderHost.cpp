@@ -122,10 +122,31 @@ std::vector<char> RenderHost::saveState()
 void RenderHost::setParameter(ParamID tag, ParamValue value)
 {
     mInstance.controller->setParamNormalized(tag, value);
+    queueChange(tag, value);
+}
+
+void RenderHost::queueChange(ParamID tag, ParamValue value)
+{
     int32 index = 0;
     if (IParamValueQueue* queue = mInstance.handler->pendingChanges().addParameterData(tag, index))
     {
         queue->addPoint(0, value, index);
+    }
+}
+
+void RenderHost::queueEveryParameter()
+{
+    IEditController& controller = *mInstance.controller;
+    const int32 count = controller.getParameterCount();
+    for (int32 index = 0; index < count; ++index)
+    {
+        ParameterInfo info = {};
+        // The program parameter holds no setting of its own: a chosen program came as edits.
+        if (controller.getParameterInfo(index, info) == kResultOk &&
+            (info.flags & ParameterInfo::kIsProgramChange) == 0)
+        {
+            queueChange(info.id, controller.getParamNormalized(info.id));
+        }
     }
 }
 
@@ -152,6 +173,9 @@ void RenderHost::start(double sampleRate, int channels, int maxBlockSize)
     mActive = true;
     mChannels = channels;
     mMaxBlockSize = maxBlockSize;
+    // A processor's first state is not the plug-in's defaults (its input gain starts at 0 dB until
+    // it is sent): like a host restoring a project, send every value with the first block.
+    queueEveryParameter();
 
     std::vector<std::vector<float>> silence(static_cast<size_t>(channels),
                                             std::vector<float>(static_cast<size_t>(maxBlockSize)));

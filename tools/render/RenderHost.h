@@ -24,9 +24,10 @@ std::string defaultModulePath(const std::string& programPath);
 std::unique_ptr<VST3::Hosting::Module> loadModule(const std::string& path);
 
 // One plug-in instance driven the way a host drives it for an offline render: settings go to
-// the controller and, as parameter changes, to the processor's first block; processing is set
-// up at the file's rate and channel count, and a stretch of silence runs through first so that
-// the effect's fade-in and any glide are over before the first real sample.
+// the controller, and the value of every parameter, as parameter changes, to the processor's
+// first block; processing is set up at the file's rate and channel count, and a stretch of
+// silence runs through first so that the effect's fade-in and any glide are over before the first
+// real sample.
 class RenderHost
 {
 public:
@@ -49,7 +50,8 @@ public:
     void setParameter(ParamID tag, ParamValue value);
 
     // Sets up processing (rate in Hz, 1 or 2 channels, largest block in samples), switches it on
-    // and runs the pre-roll; throws RenderError when the plug-in refuses the set-up.
+    // and runs the pre-roll, whose first block carries every parameter's value; throws
+    // RenderError when the plug-in refuses the set-up.
     void start(double sampleRate, int channels, int maxBlockSize);
     // Processes frames samples (at most the largest block) of planar channels.
     void process(float* const* inputs, float* const* outputs, int frames);
@@ -57,6 +59,11 @@ public:
     void stop();
 
 private:
+    // Queues a value for the processor's next block.
+    void queueChange(ParamID tag, ParamValue value);
+    // Queues the controller's value of every parameter but the program choice.
+    void queueEveryParameter();
+
     Steinberg::Vst::PluginInstance mInstance;
     std::string mModulePath;
     int mChannels = 2;

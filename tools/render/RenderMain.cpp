@@ -136,13 +136,13 @@ void renderAndSave(VST3::Hosting::Module& module, const std::string& modulePath,
                          formatDescription(format).c_str(), reader->info().sampleRate,
                          reader->info().channels == 1 ? "mono" : "stereo", audioSeconds, summary.seconds);
         }
-        if (summary.overs > 0)
+        // A float file keeps samples beyond full scale as they are: only a clipping format loses them.
+        if (summary.overs > 0 && clipsAtFullScale(format))
         {
             std::fprintf(stderr,
-                         "%s: warning: %lld samples of %s went beyond full scale%s; lower \"Output Gain\" or "
-                         "use --sample-format float\n",
-                         kProgramName, static_cast<long long>(summary.overs), request.outputPath.c_str(),
-                         (format & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT ? "" : " and were clipped");
+                         "%s: warning: %lld samples of %s went beyond full scale and were clipped; lower "
+                         "\"Output Gain\" or use --sample-format float\n",
+                         kProgramName, static_cast<long long>(summary.overs), request.outputPath.c_str());
         }
     }
     if (!request.saveStatePath.empty())

@@ -15,8 +15,6 @@ namespace
 class Renderer : public ::testing::Test
 {
 protected:
-    void SetUp() override { velmoran::test::recordedBoxes().clear(); }
-
     void TearDown() override
     {
         for (CGLRenderer& renderer : renderers)
@@ -32,9 +30,16 @@ protected:
         return renderer;
     }
 
+    velmoran::test::BoxRecorder boxes;
     CGLRenderer renderers[2];
     int used = 0;
 };
+
+TEST_F(Renderer, ErrorBoxesAreRecordedInsteadOfShown)
+{
+    velmoran::platform::showErrorBox("Velmoran: OpenGL Error", "test");
+    EXPECT_EQ(velmoran::test::recordedBoxes(), std::vector<std::string>{"Velmoran: OpenGL Error|test"});
+}
 
 TEST_F(Renderer, InitialiseSucceedsWithGlsl150AndBuildsTheSharedObjects)
 {
@@ -85,6 +90,22 @@ TEST_F(Renderer, TwoRenderersShareOneContextUntilTheLastTeardown)
     EXPECT_EQ(CGLRenderer::dashTexture(), nullptr);
     EXPECT_EQ(CGLRenderer::glyphAtlas(), nullptr);
     EXPECT_EQ(wglGetCurrentContext(), nullptr);
+}
+
+// A window that is gone gives no context; the next renderer creates one and keeps its own count.
+TEST_F(Renderer, FailedContextCreationIsTriedAgainByTheNextRenderer)
+{
+    HWND gone = velmoran::test::openChildWindow(64, 64);
+    DestroyWindow(gone);
+    CGLRenderer& failed = renderers[used++];
+    EXPECT_EQ(failed.initialise(gone, 64, 64, 64, 64), CGLRenderer::kNoContext);
+    EXPECT_EQ(CGLRenderer::sharedContext(), nullptr);
+
+    open(200, 100);
+    EXPECT_NE(CGLRenderer::sharedContext(), nullptr);
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
+    failed.teardown();
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
 }
 
 TEST_F(Renderer, OriginIsTopLeftWithOneUnitPerLogicalPixel)
@@ -158,15 +179,18 @@ TEST_F(Renderer, ReuploadShowsChangedPixels)
     EXPECT_TRUE(looksLike(pixelAt(30, 30, 100), 255, 0, 255));
 }
 
-TEST_F(Renderer, ReadBackCopiesTheWindowIntoTheTexture)
+// A texture made to be read back is made without pixels and starts cleared.
+TEST_F(Renderer, ReadBackCopiesTheWindowIntoATextureMadeWithoutPixels)
 {
     CGLRenderer& renderer = open(200, 100);
     renderer.setColour(255, 0, 0);
     renderer.fillRect(0, 0, 64, 32);
     renderer.setColour(0, 0, 255);
     renderer.fillRect(0, 32, 64, 32);
-    std::vector<uint8_t> empty(64 * 64 * 4, 0);
-    auto texture = renderer.createTexture(empty.data(), 64, 64);
+    auto texture = renderer.createTexture(nullptr, 64, 64);
+    ASSERT_NE(texture, nullptr);
+    EXPECT_NE(texture->name, 0u);
+    EXPECT_EQ(texture->pixels, std::vector<uint8_t>(64 * 64 * 4, 0));
     // The region whose lower edge lies 64 pixels below the top: the window's top-left 64 x 64,
     // rows bottom-up (blue first, then red).
     renderer.readBackTexture(*texture, 0, 64);

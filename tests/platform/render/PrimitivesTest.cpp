@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
+#include <iterator>
 
 using velmoran::platform::CGLRenderer;
 using velmoran::platform::Colour;
@@ -137,6 +139,25 @@ TEST_F(Primitives, TrianglesFromArraysAndFromAVertexArray)
     ASSERT_EQ(vertices.vertexCount(), 3);
     renderer.drawTriangles(vertices);
     expectPixels({{15, 15, 0, 255, 0}, {55, 55, 0, 0, 0}, {185, 15, 255, 255, 0}, {105, 85, 0, 0, 0}});
+}
+
+// Every draw ends with no program in use, also one with nothing to draw.
+TEST_F(Primitives, EveryDrawLeavesNoProgramInUse)
+{
+    const velmoran::platform::VertexArray noVertices;
+    const std::vector<uint8_t> pixels = patternPixels(64, 64);
+    const auto texture = renderer.createTexture(pixels.data(), 64, 64);
+    const std::function<void()> draws[] = {
+        [&] { renderer.fillRect(0, 0, 10, 10); }, [&] { renderer.drawTriangles(nullptr, nullptr, 0); },
+        [&] { renderer.drawTriangles(noVertices); }, [&] { renderer.drawCircle(50, 50, 10, 0); },
+        [&] { renderer.drawImage(*texture, 0, 0, 0, 0, 64, 64); }};
+    for (size_t draw = 0; draw < std::size(draws); ++draw)
+    {
+        draws[draw]();
+        GLint program = -1;
+        glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+        EXPECT_EQ(program, 0) << "draw " << draw;
+    }
 }
 
 // Each program mixes between grey (Rec. 709 luminance of pure red: 0.2126) and full colour.

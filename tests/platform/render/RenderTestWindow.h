@@ -35,6 +35,20 @@ inline void recordBox(const char* caption, const char* text)
     recordedBoxes().push_back(std::string(caption) + "|" + text);
 }
 
+// Routes error boxes to recordedBoxes() (emptied first) while it lives: a failure the test does not
+// expect is then reported instead of opening a modal box that stalls the run.
+class BoxRecorder
+{
+public:
+    BoxRecorder() : mPrevious(platform::setErrorBoxFunction(recordBox)) { recordedBoxes().clear(); }
+    ~BoxRecorder() { platform::setErrorBoxFunction(mPrevious); }
+    BoxRecorder(const BoxRecorder&) = delete;
+    BoxRecorder& operator=(const BoxRecorder&) = delete;
+
+private:
+    platform::ErrorBoxFunction mPrevious;
+};
+
 // Whether a recorded error box has the OpenGL error caption and starts with this first line.
 inline bool boxStartsWith(const std::string& box, const std::string& firstLine)
 {

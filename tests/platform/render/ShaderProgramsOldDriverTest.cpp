@@ -14,7 +14,7 @@ namespace
 
 TEST(OldDriver, EveryStageReportsAndInitialiseGivesTwo)
 {
-    velmoran::platform::setErrorBoxFunction(velmoran::test::recordBox);
+    const velmoran::test::BoxRecorder recorder;
     CGLRenderer first;
     ASSERT_EQ(first.initialise(velmoran::test::openChildWindow(64, 64), 64, 64, 64, 64),
               CGLRenderer::kShaderFailure);

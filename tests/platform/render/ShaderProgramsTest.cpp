@@ -29,21 +29,15 @@ constexpr const char* kGoodVertex = "#version 150\n"
 class ShaderPrograms : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        previousBox = velmoran::platform::setErrorBoxFunction(velmoran::test::recordBox);
-        velmoran::test::recordedBoxes().clear();
-        ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 64, 64));
-    }
+    void SetUp() override { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 64, 64)); }
 
     void TearDown() override
     {
         renderer.teardown();
         velmoran::test::closeAllWindows();
-        velmoran::platform::setErrorBoxFunction(previousBox);
     }
 
-    velmoran::platform::ErrorBoxFunction previousBox = nullptr;
+    velmoran::test::BoxRecorder boxes;
     CGLRenderer renderer;
 };
 

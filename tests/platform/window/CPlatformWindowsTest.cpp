@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -127,6 +129,22 @@ HGLOBAL makeDrop(const std::vector<std::string>& files)
     std::memcpy(reinterpret_cast<char*>(header) + sizeof(DROPFILES), names.data(), names.size());
     GlobalUnlock(memory);
     return memory;
+}
+
+// Ticks of thread timers (timers without a window) that arrive within milliseconds, taken from
+// the queue without being handled.
+int threadTimerTicks(uint32_t milliseconds)
+{
+    int ticks = 0;
+    const uint32_t start = CPlatformWindows::millisecondStamp();
+    while (CPlatformWindows::millisecondsSince(start) < milliseconds)
+    {
+        MSG message;
+        while (PeekMessageA(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE))
+            ticks += message.hwnd == nullptr ? 1 : 0;
+        CPlatformWindows::sleepMilliseconds(5);
+    }
+    return ticks;
 }
 
 std::string classNameOf(HWND window)
@@ -392,6 +410,24 @@ TEST_F(WindowKit, PaintGetsTheInvalidatedRectangle)
     EXPECT_EQ(gEvents[0].user, &user);
 }
 
+// A window nobody paints is still validated: once painted, an idle window gets no more WM_PAINT.
+TEST_F(WindowKit, IdleWindowWithoutPaintCallbackIsNotRepainted)
+{
+    const int slot = openChild();
+    HWND child = kit->windowHandle(slot);
+    kit->showWindow(slot);
+    UpdateWindow(child);
+    EXPECT_FALSE(GetUpdateRect(child, nullptr, FALSE));
+    int repaints = 0;
+    MSG message;
+    for (int round = 0; round < 10 && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE); ++round)
+    {
+        repaints += message.message == WM_PAINT && message.hwnd == child ? 1 : 0;
+        DispatchMessageA(&message);
+    }
+    EXPECT_EQ(repaints, 0);
+}
+
 TEST_F(WindowKit, WindowTimerTicksReachTheTimerCallback)
 {
     const int slot = openChild();
@@ -439,16 +475,42 @@ TEST_F(WindowKit, IdleCallbackRunsUntilItDeclines)
     EXPECT_EQ(gIdleCalls, 1);
 }
 
-TEST_F(WindowKit, DroppedFilesReportOnlyTheFirst)
+// Neither a timer set on a free slot nor a cleared idle callback leaves a thread timer ticking.
+TEST_F(WindowKit, NoThreadTimerIsLeftTicking)
 {
-    const int slot = openChild();
-    kit->setFileDropCallback(slot, onFileDrop);
-    kit->acceptDroppedFiles(slot);
-    EXPECT_NE(GetWindowLongA(kit->windowHandle(slot), GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
-    send(slot, WM_DROPFILES,
-         reinterpret_cast<WPARAM>(makeDrop({"C:\\one.vlm", "C:\\two.vlm", "C:\\three.vlm"})), 0);
-    ASSERT_EQ(gEvents.size(), 1u);
-    EXPECT_EQ(gDroppedPath, "C:\\one.vlm");
+    kit->setWindowTimerPeriod(10);
+    kit->setIdlePeriod(10);
+    const std::function<void()> cases[] = {[&] { kit->setTimerCallback(3, onTimer); },
+                                           [&]
+                                           {
+                                               kit->setIdleCallback(onIdle);
+                                               kit->setIdleCallback(nullptr);
+                                           }};
+    for (size_t index = 0; index < std::size(cases); ++index)
+    {
+        cases[index]();
+        EXPECT_EQ(threadTimerTicks(100), 0) << "case " << index;
+    }
+}
+
+// A drop is always finished (its memory freed); a callback hears only of the first file.
+TEST_F(WindowKit, DropsAreFinishedAndReportOnlyTheFirstFile)
+{
+    for (const bool listening : {true, false})
+    {
+        SCOPED_TRACE(listening);
+        gEvents.clear();
+        gDroppedPath.clear();
+        const int slot = openChild();
+        kit->setFileDropCallback(slot, listening ? onFileDrop : nullptr);
+        kit->acceptDroppedFiles(slot);
+        EXPECT_NE(GetWindowLongA(kit->windowHandle(slot), GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
+        HGLOBAL drop = makeDrop({"C:\\one.vlm", "C:\\two.vlm", "C:\\three.vlm"});
+        send(slot, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+        EXPECT_EQ(gEvents.size(), listening ? 1u : 0u);
+        EXPECT_EQ(gDroppedPath, listening ? "C:\\one.vlm" : "");
+        EXPECT_EQ(GlobalSize(drop), 0u);
+    }
 }
 
 TEST_F(WindowKit, FullTableGivesMinusOneAndTeardownDestroysEveryWindow)
@@ -518,6 +580,14 @@ TEST_F(WindowKit, IconTitleAndSizeReachTheWindow)
     GetClientRect(child, &client);
     EXPECT_EQ(client.right, 321);
     EXPECT_EQ(client.bottom, 123);
+}
+
+TEST_F(WindowKit, ResizeRaisesTheWindowAboveItsSiblings)
+{
+    const int slots[2] = {openChild(), openChild()};
+    const int lower = kit->windowHandle(slots[0]) == GetWindow(host, GW_CHILD) ? slots[1] : slots[0];
+    kit->resize(lower, 150, 80);
+    EXPECT_EQ(GetWindow(host, GW_CHILD), kit->windowHandle(lower));
 }
 
 TEST_F(WindowKit, BlitCopiesTheBitmapCutAtItsEdges)

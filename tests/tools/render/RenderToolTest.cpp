@@ -2,12 +2,16 @@
 
 #include "RenderTestSupport.h"
 
+#include "plugin/PlugState.h"
 #include "tools/render/AtomicFile.h"
+#include "tools/render/RenderHost.h"
+#include "tools/render/RenderJob.h"
 
 #include <sndfile.h>
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 
 namespace velmoran::test
@@ -17,6 +21,60 @@ namespace
 
 using render::readFileBytes;
 using render::writeFileBytes;
+
+// Renders in.wav into host.wav as a host does that sends every value of a saved state with the
+// first block.
+void renderAsHost(const std::vector<char>& state, const ScratchFolder& folder)
+{
+    const auto module = render::loadModule(renderModulePath());
+    render::RenderHost host(*module, renderModulePath());
+    std::vector<float> values(state.size() / sizeof(float));
+    std::memcpy(values.data(), state.data(), values.size() * sizeof(float));
+    for (size_t index = 0; index < values.size(); ++index)
+        host.setParameter(Steinberg::Vst::Velmoran::stateTags()[index], values[index]);
+    render::AudioReader reader(folder.file("in.wav"));
+    host.start(reader.info().sampleRate, reader.info().channels, 512);
+    render::renderFile(host, reader, folder.file("host.wav"), reader.info().format, 512, false);
+}
+
+// With or without settings, the tool plays what a host plays that sends every value of the same
+// state (the processor's own first state has an input gain of 0 dB, not the default -0.06 dB).
+TEST(RenderTool, PlaysAsAHostThatSendsEveryValue)
+{
+    const std::vector<std::string> settings[] = {{}, {"--set", "03 Gain=+6 dB"}};
+    for (const std::vector<std::string>& setting : settings)
+    {
+        ScratchFolder folder;
+        writeSound(folder.file("in.wav"), busySignal(0.5, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000,
+                   2);
+        std::vector<std::string> arguments = setting;
+        arguments.insert(arguments.end(), {"--block-size", "512", "--save-state", folder.file("state"),
+                                           folder.file("in.wav"), folder.file("out.wav")});
+        const ToolRun run = runTool(arguments);
+        ASSERT_EQ(run.exitCode, 0) << run.errors;
+        renderAsHost(readFileBytes(folder.file("state")), folder);
+        EXPECT_TRUE(readSound(folder.file("out.wav")).samples == readSound(folder.file("host.wav")).samples)
+            << setting.size() << " arguments";
+    }
+}
+
+// Samples beyond full scale are worth a warning only where the output clips them.
+TEST(RenderTool, WarnsOfOversOnlyWhereTheOutputClips)
+{
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), sine(1000.0, -1.0, 0.5, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_FLOAT,
+               48000, 2);
+    const std::pair<const char*, bool> cases[] = {{"16", true}, {"float", false}};
+    for (const auto& [encoding, clips] : cases)
+    {
+        const ToolRun run =
+            runTool({"--set", "Output Gain=+6 dB", "--sample-format", encoding, folder.file("in.wav"),
+                     folder.file(std::string("out-") + encoding + ".wav")});
+        ASSERT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_EQ(run.errors.find("beyond full scale") != std::string::npos, clips)
+            << encoding << ": " << run.errors;
+    }
+}
 
 class RenderToolNull : public testing::TestWithParam<SoundFormat>
 {
