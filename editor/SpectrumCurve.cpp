@@ -28,7 +28,8 @@ float levelDb(float magnitude)
 } // namespace
 
 SpectrumCurve::SpectrumCurve()
-    : mMagnitudes(kMaxBinCount), mBinDb(kMaxBinCount), mRawDb(kPointCount), mCurve(kPointCount)
+    : mMagnitudes(kMaxBinCount), mBinDb(kMaxBinCount), mRawDb(kPointCount), mEnvelopeDb(kPointCount),
+      mCurve(kPointCount)
 {
 }
 
