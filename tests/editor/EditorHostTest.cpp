@@ -152,5 +152,53 @@ TEST_F(EditorView, OpensAgainAfterItWasRemoved)
     EXPECT_NE(session().editorWindow(), nullptr);
 }
 
+float rmsOf(const std::vector<std::vector<float>>& channels)
+{
+    double sum = 0.0;
+    size_t count = 0;
+    for (const std::vector<float>& channel : channels)
+    {
+        for (float sample : channel)
+        {
+            sum += static_cast<double>(sample) * sample;
+            ++count;
+        }
+    }
+    return count > 0 ? static_cast<float>(std::sqrt(sum / static_cast<double>(count))) : 0.0f;
+}
+
+// A drag of band 6's handle (1 kHz, 0 dB in the default program) up and to the right: "06 Freq"
+// (tag 22) and "06 Gain" (tag 32) each arrive as one gesture, and a 1.5 kHz tone comes out louder.
+TEST_F(EditorView, DraggingABandHandleEditsAsOneGestureAndChangesTheSound)
+{
+    constexpr ParamID kFrequency06 = 22;
+    constexpr ParamID kGain06 = 32;
+    session().setSignal(editorhost::InputSignal::sine(1500.0));
+    run(0.5);
+    const float before = rmsOf(session().lastOutput());
+    session().handler().clearEditLog();
+    // Where the graph draws 1 kHz and 0 dB in the editor's default size.
+    const int handleX = 585;
+    const int handleY = 288;
+    session().input().drag(handleX, handleY, handleX + 40, handleY - 80, 8);
+    run(0.5);
+    std::vector<EditCall::Kind> frequencyCalls;
+    std::vector<EditCall::Kind> gainCalls;
+    for (const EditCall& call : session().handler().editLog())
+    {
+        if (call.tag == kFrequency06 && (frequencyCalls.empty() || call.kind != EditCall::kPerform ||
+                                         frequencyCalls.back() != EditCall::kPerform))
+            frequencyCalls.push_back(call.kind);
+        if (call.tag == kGain06 && (gainCalls.empty() || call.kind != EditCall::kPerform ||
+                                    gainCalls.back() != EditCall::kPerform))
+            gainCalls.push_back(call.kind);
+    }
+    const std::vector<EditCall::Kind> oneGesture = {EditCall::kBegin, EditCall::kPerform, EditCall::kEnd};
+    EXPECT_EQ(frequencyCalls, oneGesture);
+    EXPECT_EQ(gainCalls, oneGesture);
+    const float after = rmsOf(session().lastOutput());
+    EXPECT_GT(20.0f * std::log10(after / before), 3.0f) << "the boost near the tone is heard";
+}
+
 } // namespace
 } // namespace velmoran::test
