@@ -181,8 +181,12 @@ tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue v
     {
         return kResultFalse;
     }
-    tresult result = setValueAndShow(tag, value);
-    if (tag != kPresetTag || result != kResultOk)
+    if (tag != kPresetTag)
+    {
+        return setValueAndShow(tag, value);
+    }
+    const tresult result = EditControllerEx1::setParamNormalized(tag, value);
+    if (result != kResultOk)
     {
         return result;
     }
@@ -190,6 +194,8 @@ tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue v
     const double steps = kPresetStepCount;
     const double step = std::floor(std::min(steps, std::clamp(value, 0.0, 1.0) * (steps + 1.0)));
     loadProgram(std::clamp(static_cast<int>(step), 0, kFactoryProgramCount - 1));
+    // The editors name the program after its values, so the name is the last thing they show.
+    showToEditors(kPresetTag);
     return result;
 }
 
@@ -320,18 +326,25 @@ tresult PLUGIN_API CPlugController::getUnitInfo(int32 unitIndex, UnitInfo& info)
 tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
 {
     const tresult result = EditControllerEx1::setParamNormalized(tag, value);
-#if defined(_WIN32)
     if (result == kResultOk)
     {
-        // A copy: an editor may close while it follows the change (a message box, for example).
-        const std::vector<CPlugEditorView*> views = mOpenViews;
-        for (CPlugEditorView* view : views)
-        {
-            view->parameterChanged(tag, getParamNormalized(tag));
-        }
+        showToEditors(tag);
     }
-#endif
     return result;
+}
+
+void CPlugController::showToEditors(ParamID tag)
+{
+#if defined(_WIN32)
+    // A copy: an editor may close while it follows the change (a message box, for example).
+    const std::vector<CPlugEditorView*> views = mOpenViews;
+    for (CPlugEditorView* view : views)
+    {
+        view->parameterChanged(tag, getParamNormalized(tag));
+    }
+#else
+    (void)tag;
+#endif
 }
 
 bool CPlugController::copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence)

@@ -91,6 +91,8 @@ private:
     void loadProgram(int index);
     // Sets a parameter's value and tells every open editor.
     tresult setValueAndShow(ParamID tag, ParamValue value);
+    // Tells every open editor the parameter's current value.
+    void showToEditors(ParamID tag);
 
     std::unique_ptr<std::array<CPlugProgram, kFactoryProgramCount>> mPrograms;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;

@@ -27,6 +27,20 @@ mkdir -p dist/demo
 # The first picture of the graphics platform: one frame drawn by the OpenGL renderer in a window of
 # the window kit, run under Wine on a virtual display.
 build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.exe dist/velmoran-gl-snapshot.png
+
+# The editor as a user sees it, opened by the editor test host as a DAW opens it, with the demo
+# mix playing: the first look (the default program), a program with the live spectrum, a zoomed
+# and panned graph, a band's menu and a band's info box during a drag. Positions are editor pixels.
+editor_host() {
+    build/windows/wine-run.sh build/windows/tools/editor_host/velmoran-editor-host.exe \
+        build/windows/plugin/Velmoran.vst3 "$@" >/dev/null
+}
+editor_host dist/editor.png --seconds 1
+editor_host dist/editor-nv3-spectrum.png --preset 3 --set 14=1 --seconds 3
+editor_host dist/editor-zoomed.png --preset 3 --set 14=1 --seconds 2 \
+    --gesture wheel:500,380,6 --gesture wheel:300,200,3
+editor_host dist/editor-band-menu.png --preset 1 --seconds 1 --gesture right-click:637,234
+editor_host dist/editor-info-box.png --preset 1 --seconds 1 --gesture drag:637,234,660,215
 build/windows/wine-run.sh --remove-prefix
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort

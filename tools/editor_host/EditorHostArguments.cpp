@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <sstream>
 
 namespace velmoran::editorhost
 {
@@ -75,6 +76,50 @@ bool readSetting(const std::string& value, EditorHostArguments& parsed, std::str
     return true;
 }
 
+bool readGesture(const std::string& value, EditorHostArguments& parsed, std::string& error)
+{
+    const struct
+    {
+        const char* name;
+        EditorGesture::Kind kind;
+        std::size_t numberCount;
+    } kinds[] = {{"move", EditorGesture::kMove, 2},
+                 {"click", EditorGesture::kClick, 2},
+                 {"right-click", EditorGesture::kRightClick, 2},
+                 {"wheel", EditorGesture::kWheel, 3},
+                 {"drag", EditorGesture::kDrag, 4}};
+    const std::size_t colon = value.find(':');
+    const std::string name = value.substr(0, colon);
+    for (const auto& kind : kinds)
+    {
+        if (name != kind.name || colon == std::string::npos)
+        {
+            continue;
+        }
+        EditorGesture gesture{kind.kind, {}};
+        std::istringstream numbers(value.substr(colon + 1));
+        std::string number;
+        while (std::getline(numbers, number, ','))
+        {
+            char* end = nullptr;
+            const long parsedNumber = std::strtol(number.c_str(), &end, 10);
+            if (number.empty() || *end != '\0')
+            {
+                break;
+            }
+            gesture.numbers.push_back(static_cast<int>(parsedNumber));
+        }
+        if (gesture.numbers.size() == kind.numberCount && numbers.eof())
+        {
+            parsed.gestures.push_back(gesture);
+            return true;
+        }
+    }
+    error = "--gesture takes move:X,Y, click:X,Y, right-click:X,Y, wheel:X,Y,NOTCHES or drag:X1,Y1,X2,Y2, not '" +
+            value + "'";
+    return false;
+}
+
 // Reads the option at arguments[index] and its value, moving index past both.
 bool readOption(const std::vector<std::string>& arguments, std::size_t& index, EditorHostArguments& parsed,
                 std::string& error)
@@ -87,7 +132,8 @@ bool readOption(const std::vector<std::string>& arguments, std::size_t& index, E
     } options[] = {{"--preset", readPreset},
                    {"--seconds", readSeconds},
                    {"--signal", readSignal},
-                   {"--set", readSetting}};
+                   {"--set", readSetting},
+                   {"--gesture", readGesture}};
     const std::string& option = arguments[index];
     for (const auto& known : options)
     {

@@ -13,6 +13,7 @@
 #include <vector>
 
 using velmoran::editorhost::EditorHostArguments;
+using velmoran::editorhost::EditorGesture;
 using velmoran::editorhost::EditorSession;
 
 namespace
@@ -65,6 +66,36 @@ void applySettings(EditorSession& session, const EditorHostArguments& arguments)
     }
 }
 
+// Time the editor runs after the gestures, seconds: enough ticks for it to show their effect.
+constexpr double kGestureSeconds = 0.3;
+
+void performGestures(EditorSession& session, const EditorHostArguments& arguments)
+{
+    for (const EditorGesture& gesture : arguments.gestures)
+    {
+        const std::vector<int>& n = gesture.numbers;
+        switch (gesture.kind)
+        {
+        case EditorGesture::kMove:
+            session.input().moveTo(n[0], n[1]);
+            break;
+        case EditorGesture::kClick:
+            session.input().leftClick(n[0], n[1]);
+            break;
+        case EditorGesture::kRightClick:
+            session.input().rightDown(n[0], n[1]);
+            session.input().rightUp(n[0], n[1]);
+            break;
+        case EditorGesture::kWheel:
+            session.input().wheel(n[0], n[1], n[2]);
+            break;
+        case EditorGesture::kDrag:
+            session.input().drag(n[0], n[1], n[2], n[3], 8);
+            break;
+        }
+    }
+}
+
 bool reopenEditor(EditorSession& session, std::string& error)
 {
     if (!session.reopenEditor(error) || !session.run(kReopenSeconds, error))
@@ -90,6 +121,14 @@ bool showEditor(const EditorHostArguments& arguments, std::string& error)
     if (!session->run(arguments.seconds, error))
     {
         return false;
+    }
+    if (!arguments.gestures.empty())
+    {
+        performGestures(*session, arguments);
+        if (!session->run(kGestureSeconds, error))
+        {
+            return false;
+        }
     }
     std::printf("Played %lld blocks; last block peak %.1f dBFS\n",
                 static_cast<long long>(session->processedBlocks()), lastBlockPeakDb(*session));
