@@ -278,10 +278,23 @@ void CPlugEditorView::copySpectrumFrame()
     LeaveCriticalSection(&mFrameSection);
 }
 
+void CPlugEditorView::followSampleRate()
+{
+    // The processor may start, or change its rate, while the editor is open.
+    CPlugController* controller = plugController();
+    const float rate = controller != nullptr ? static_cast<float>(controller->sampleRate()) : mSampleRate;
+    if (rate != mSampleRate)
+    {
+        mSampleRate = rate;
+        mScreen->graph().setSampleRate(rate);
+    }
+}
+
 void CPlugEditorView::paint()
 {
     if (!mIsOpen || !mRenderer || !mScreen)
         return;
+    followSampleRate();
     copySpectrumFrame();
     mRenderer->makeCurrent();
     mRenderer->beginFrame();

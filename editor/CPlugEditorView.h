@@ -94,6 +94,7 @@ private:
     bool startRenderer(HWND window);
     void registerCallbacks();
     void copySpectrumFrame();
+    void followSampleRate();
     CPlugController* plugController() const;
     float designX(int x) const { return static_cast<float>(x) * mScaleX; }
     float designY(int y) const { return static_cast<float>(y) * mScaleY; }

@@ -236,5 +236,16 @@ TEST_F(PlugController, NoViewForOtherNamesAndNoMidiControllerMapped)
     EXPECT_EQ(mapping->getMidiControllerAssignment(0, 0, 7, tag), kResultFalse);
 }
 
+// Tags 98 and 99 are the editor's own: a host that sends them changes nothing.
+TEST_F(PlugController, ReservedEditorTagsChangeNothing)
+{
+    for (ParamID reserved : {98u, 99u})
+    {
+        EXPECT_EQ(plugin.controller->setParamNormalized(reserved, 0.7), kResultFalse);
+        EXPECT_EQ(plugin.controller->getParamNormalized(reserved), 0.0);
+    }
+    EXPECT_EQ(plugin.controller->getParameterCount(), static_cast<int32>(Plug::parameterTable().size()));
+}
+
 } // namespace
 } // namespace velmoran::test
