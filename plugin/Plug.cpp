@@ -36,6 +36,22 @@ int32 channelCount(SpeakerArrangement arrangement)
     return SpeakerArr::getChannelCount(arrangement);
 }
 
+// Copies one chunk of input channel `channel` into `target`, silence where the input has none.
+void copyThrough(const AudioBusBuffers& input, int32 inputChannels, Sample32* target, int32 channel,
+                 int32 start, int32 length)
+{
+    if (!target)
+    {
+        return;
+    }
+    // Hosts may process in place, so source and target can be the same buffer.
+    const Sample32* source = channel < inputChannels ? input.channelBuffers32[channel] : nullptr;
+    for (int32 sample = start; sample < start + length; ++sample)
+    {
+        target[sample] = source ? source[sample] : 0.0f;
+    }
+}
+
 } // namespace
 
 CPlug::CPlug()
@@ -336,43 +352,32 @@ void CPlug::processAudio(AudioBusBuffers& input, AudioBusBuffers& output, int32 
     const int32 inputChannels = input.channelBuffers32 ? std::clamp(input.numChannels, 0, kMaxChannels) : 0;
     const int32 outputChannels =
         output.channelBuffers32 ? std::clamp(output.numChannels, 0, kMaxChannels) : 0;
-    std::array<float, kMaxChannels> frame{};
+    // A mono input feeds both sides of the engine; a missing channel reads as silence.
+    const Sample32* leftSource = inputChannels >= 1 ? input.channelBuffers32[0] : nullptr;
+    const Sample32* rightSource = inputChannels >= 2 ? input.channelBuffers32[1] : leftSource;
+    std::array<float, kChunkLength> left{};
+    std::array<float, kChunkLength> right{};
     for (int32 chunkStart = 0; chunkStart < sampleCount; chunkStart += kChunkLength)
     {
         const int32 chunkLength = std::min(kChunkLength, sampleCount - chunkStart);
-        mEngine->updateBlock(chunkLength);
-        for (int32 sample = chunkStart; sample < chunkStart + chunkLength; ++sample)
+        for (int32 i = 0; i < chunkLength; ++i)
         {
-            for (int32 channel = 0; channel < inputChannels; ++channel)
+            left[i] = leftSource ? leftSource[chunkStart + i] : 0.0f;
+            right[i] = rightSource ? rightSource[chunkStart + i] : 0.0f;
+        }
+        // Channels beyond the second pass through; the output's own first two get the engine's.
+        for (int32 channel = 2; channel < outputChannels; ++channel)
+        {
+            copyThrough(input, inputChannels, output.channelBuffers32[channel], channel, chunkStart,
+                        chunkLength);
+        }
+        mEngine->updateBlock(chunkLength);
+        mEngine->processChunk(left.data(), right.data(), left.data(), right.data(), chunkLength);
+        for (int32 channel = 0; channel < std::min(outputChannels, 2); ++channel)
+        {
+            if (Sample32* target = output.channelBuffers32[channel])
             {
-                const Sample32* source = input.channelBuffers32[channel];
-                frame[channel] = source ? source[sample] : 0.0f;
-            }
-            // A mono input feeds both sides of the engine.
-            const float right = inputChannels >= 2 ? frame[1] : (inputChannels == 1 ? frame[0] : 0.0f);
-            const float left = inputChannels >= 1 ? frame[0] : 0.0f;
-            float outLeft = 0.0f;
-            float outRight = 0.0f;
-            mEngine->processFrame(left, right, outLeft, outRight);
-            for (int32 channel = 0; channel < outputChannels; ++channel)
-            {
-                Sample32* target = output.channelBuffers32[channel];
-                if (!target)
-                {
-                    continue;
-                }
-                if (channel == 0)
-                {
-                    target[sample] = outLeft;
-                }
-                else if (channel == 1)
-                {
-                    target[sample] = outRight;
-                }
-                else
-                {
-                    target[sample] = channel < inputChannels ? frame[channel] : 0.0f;
-                }
+                std::copy_n((channel == 0 ? left : right).data(), chunkLength, target + chunkStart);
             }
         }
     }
