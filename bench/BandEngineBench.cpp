@@ -362,15 +362,13 @@ void PrintWholeTransform()
     constexpr int kLog2Size = 12;
     std::vector<double> real(1u << kLog2Size, 0.25);
     std::vector<double> imag(1u << kLog2Size, 0.0);
-    velmoran::dsp::FftStepper stepper;
+    velmoran::dsp::FftStepper stepper(kLog2Size);
     constexpr int kRepeats = 200;
     const double start = ThreadMicroseconds();
     for (int i = 0; i < kRepeats; ++i)
     {
-        stepper.start(real.data(), imag.data(), kLog2Size, velmoran::dsp::FftDirection::Forward);
-        while (!stepper.step())
-        {
-        }
+        stepper.start(real.data(), imag.data(), kLog2Size);
+        stepper.run(velmoran::dsp::FftStepper::PairCount(kLog2Size));
         benchmark::DoNotOptimize(real.data());
     }
     std::printf("  %-44s %6.2f us\n",

@@ -563,11 +563,13 @@ void BandEngine::feedAnalyser(const __m128d* input, const __m128d* output, int e
     {
         return;
     }
+    std::array<float, kMaxChunkLength> mono;
     for (int i = 0; i < frameCount; ++i)
     {
         const bool fromOutput = mAnalyserSourceOutput && i < effectFrames;
-        mAnalyser.feed(fromOutput ? OutputMean(output[i]) : InputMean(input[i]));
+        mono[static_cast<std::size_t>(i)] = fromOutput ? OutputMean(output[i]) : InputMean(input[i]);
     }
+    mAnalyser.feed(mono.data(), frameCount);
 }
 
 } // namespace velmoran::dsp
