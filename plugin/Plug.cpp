@@ -91,7 +91,7 @@ void CPlug::pushAllToEngine()
 {
     mEngine->setSampleRate(mEngineSampleRate);
     updateEffectSwitch();
-    mEngine->setAnalyserOn(isOn(mValues[kFftTag]));
+    mEngine->setAnalyserOn(analyserWanted());
     mEngine->setAnalyserSourceOutput(isOn(mValues[kFftSourceTag]));
     // The stored input gain reads -0.06 dB; the engine starts at unity all the same.
     mEngine->setInputGainDb(0.0f);
@@ -113,6 +113,13 @@ void CPlug::updateEffectSwitch() noexcept
 {
     const float passing = (1.0f - clamp01(mValues[kHostBypassTag])) * clamp01(mValues[kEqTag]);
     mEngine->setEffectOn(passing >= 0.5f);
+}
+
+// With no editor open nobody sees the spectrum, so the analyser rests; opening one switches it
+// on afresh, and the display rises to the signal with its 0.1 s attack.
+bool CPlug::analyserWanted() const noexcept
+{
+    return isOn(mValues[kFftTag]) && mEditorOpen.load(std::memory_order_relaxed);
 }
 
 void CPlug::setParameter(ParamID tag, float value) noexcept
@@ -140,7 +147,7 @@ void CPlug::setParameter(ParamID tag, float value) noexcept
     }
     else if (tag == kFftTag)
     {
-        mEngine->setAnalyserOn(isOn(value));
+        mEngine->setAnalyserOn(analyserWanted());
     }
     else if (tag == kFftSourceTag)
     {
@@ -213,6 +220,17 @@ tresult PLUGIN_API CPlug::disconnect(IConnectionPoint* other)
 
 tresult PLUGIN_API CPlug::notify(IMessage* message)
 {
+    if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "EditorOpen") == 0)
+    {
+        int64 open = 0;
+        IAttributeList* attributes = message->getAttributes();
+        if (!attributes || attributes->getInt("open", open) != kResultOk)
+        {
+            return kResultFalse;
+        }
+        mEditorOpen.store(open != 0, std::memory_order_relaxed);
+        return kResultOk;
+    }
     if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0)
     {
         const void* data = nullptr;
@@ -401,6 +419,8 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
     {
         applyParameterChanges(data.inputParameterChanges);
     }
+    const bool editorOpen = mEditorOpen.load(std::memory_order_relaxed);
+    mEngine->setAnalyserOn(isOn(mValues[kFftTag]) && editorOpen);
     if (data.numInputs < 1 || data.numOutputs < 1 || !data.inputs || !data.outputs)
     {
         return kResultOk;
@@ -415,7 +435,7 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
         return kResultOk;
     }
     processAudio(data.inputs[0], data.outputs[0], std::max(data.numSamples, 0));
-    if (mValues[kFftTag] > 0.5f)
+    if (mValues[kFftTag] > 0.5f && editorOpen)
     {
         copyAnalyserFrame();
     }

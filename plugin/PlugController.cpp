@@ -289,6 +289,22 @@ tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex
     return kResultFalse;
 }
 
+void CPlugController::setEditorOpen(bool open)
+{
+    IMessage* message = allocateMessage();
+    if (!message)
+    {
+        return;
+    }
+    message->setMessageID("EditorOpen");
+    if (IAttributeList* attributes = message->getAttributes())
+    {
+        attributes->setInt("open", open ? 1 : 0);
+        sendMessage(message);
+    }
+    message->release();
+}
+
 } // namespace Velmoran
 } // namespace Vst
 } // namespace Steinberg

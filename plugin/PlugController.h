@@ -59,6 +59,9 @@ public:
     double sampleRate() const { return mSampleRate; }
     // The factory program at index (0..5), null outside initialize..destruction.
     const CPlugProgram* program(int index) const;
+    // Tells the processor that the first editor opened (true) or the last one closed (false): it
+    // analyses the spectrum only while there is an editor to show it (UI thread).
+    void setEditorOpen(bool open);
 
     OBJ_METHODS(CPlugController, EditControllerEx1)
     DEFINE_INTERFACES
