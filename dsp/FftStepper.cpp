@@ -17,7 +17,7 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr int kFirstSpan = 4;
 
 // `count` butterfly pairs of one stage from pair `first` on, in memory order. Pair q lies in block
-// q / (span/2) of 2·span values, at k = 2·(q mod span/2): the butterflies (k, k + span) and
+// q / (span/2) of 2*span values, at k = 2*(q mod span/2): the butterflies (k, k + span) and
 // (k + 1, k + 1 + span) of the block, with twiddle factors w[k] and w[k + 1].
 void RunButterflyPairs(double* real, double* imag, int span, int first, int count, const double* twiddleCos,
                        const double* twiddleSin) noexcept

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace velmoran::dsp
@@ -8,14 +9,14 @@ namespace velmoran::dsp
 // Reverses the lowest bitCount bits of value (bitCount 1..30).
 unsigned ReverseBits(unsigned value, int bitCount) noexcept;
 
-// Puts the complex value (re, im) at position 0 .. N/4 − 1 of a frame padded with zeros to
-// N = 2^log2Size (log2Size ≥ 2) values, in the layout an FftStepper starts from: bit-reversed and
+// Puts the complex value (re, im) at position 0 .. N/4 - 1 of a frame padded with zeros to
+// N = 2^log2Size (log2Size >= 2) values, in the layout an FftStepper starts from: bit-reversed and
 // already through the first two radix-2 stages. Three of every four inputs are padding, so those
 // stages only copy the value into the four slots that follow its bit-reversed place. The arrays
 // must be 16-byte aligned.
 void PlacePadded(double* real, double* imag, int log2Size, int position, double re, double im) noexcept;
 
-// The forward transform (kernel exp(−j…)) of a four-times zero-padded frame laid out by
+// The forward transform (kernel exp(-j...)) of a four-times zero-padded frame laid out by
 // PlacePadded, in place, by radix-2 decimation in time, run in portions so that it can be spread
 // evenly over many audio samples. A portion is a count of butterfly pairs: two neighbouring
 // butterflies of a stage done at once in SSE2 registers. Each stage walks its blocks in memory
@@ -41,8 +42,8 @@ public:
     // True when no butterfly is left.
     bool finished() const noexcept { return mDone; }
 
-    // Twiddle factors cos(π·k/span) and −sin(π·k/span) for k < span, a power of two from 4 to
-    // 2^(largestLog2Size − 1): the rotations exp(−j·2πk/(2·span)).
+    // Twiddle factors cos(pi*k/span) and -sin(pi*k/span) for k < span, a power of two from 4 to
+    // 2^(largestLog2Size - 1): the rotations exp(-j*2*pi*k/(2*span)).
     const double* twiddleCosines(int span) const noexcept
     {
         return &mTwiddleCos[static_cast<std::size_t>(span - 4)];
@@ -58,7 +59,7 @@ public:
 private:
     void startStage(int span) noexcept;
 
-    // Twiddle factors of the stage of span h at offset h − 4: cos and −sin of π·k/h, k < h.
+    // Twiddle factors of the stage of span h at offset h - 4: cos and -sin of pi*k/h, k < h.
     std::vector<double> mTwiddleCos;
     std::vector<double> mTwiddleSin;
     double* mReal = nullptr;

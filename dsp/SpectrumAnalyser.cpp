@@ -35,9 +35,9 @@ double FrameCoefficient(int frameLength, double seconds, float sampleRateHz) noe
 }
 
 // Bins k and k + 1 of the N-point spectrum of the real frame from the N/2-point transform Z of
-// its even (real part) and odd (imaginary part) samples: with Z' = conj(Z[N/2 − k]), the even
-// samples' spectrum is (Z[k] + Z')/2, the odd samples' one is (Z[k] − Z')/2j, and the odd one is
-// shifted by w^k = exp(−j·2πk/N). Returns the magnitudes twice over.
+// its even (real part) and odd (imaginary part) samples: with Z' = conj(Z[N/2 - k]), the even
+// samples' spectrum is (Z[k] + Z')/2, the odd samples' one is (Z[k] - Z')/2j, and the odd one is
+// shifted by w^k = exp(-j*2*pi*k/N). Returns the magnitudes twice over.
 __m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k, const double* twiddleCos,
                         const double* twiddleSin) noexcept
 {
@@ -48,7 +48,7 @@ __m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k,
     const __m128d mirrorIm = _mm_set_pd(im[(halfSize - k - 1) & mask], im[(halfSize - k) & mask]);
     const __m128d evenRe = _mm_add_pd(zRe, mirrorRe);
     const __m128d evenIm = _mm_sub_pd(zIm, mirrorIm);
-    // −j·(Z[k] − Z'), twice the odd samples' spectrum.
+    // -j*(Z[k] - Z'), twice the odd samples' spectrum.
     const __m128d oddRe = _mm_add_pd(zIm, mirrorIm);
     const __m128d oddIm = _mm_sub_pd(mirrorRe, zRe);
     const __m128d cosines = _mm_loadu_pd(twiddleCos + k);

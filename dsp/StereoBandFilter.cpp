@@ -25,7 +25,7 @@ inline __m128d FlushTiny(__m128d value) noexcept
 }
 
 // One direct-form-I step of both channels. The sum runs left to right as in
-// b0·x + b1·x1 + b2·x2 − a1·y1 − a2·y2; a fused multiply-add would round differently, and the
+// b0*x + b1*x1 + b2*x2 - a1*y1 - a2*y2; a fused multiply-add would round differently, and the
 // project is built so that none is formed.
 inline __m128d Tick(const StereoBiquad& c, StereoBiquadState& s, __m128d x) noexcept
 {
