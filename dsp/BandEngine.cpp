@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace velmoran::dsp
 {
@@ -73,15 +74,49 @@ double DbToGain(float db) noexcept
     return std::pow(10.0, static_cast<double>(db) / 20.0);
 }
 
-// Input samples the filters must never see: non-finite values, and tiny ones that would turn
-// into denormals in the filter state.
-double CleanInput(float sample) noexcept
+// Both channels of an input frame in double precision, with the samples the filters must never
+// see taken as 0: non-finite values, and tiny ones that would turn into denormals in the filter
+// state.
+__m128d CleanInputs(float left, float right) noexcept
 {
-    if (!std::isfinite(sample) || std::fabs(sample) < kInputFlushLevel)
+    const __m128d input = _mm_cvtps_pd(_mm_set_ps(0.0f, 0.0f, right, left));
+    const __m128d magnitude = _mm_andnot_pd(_mm_set1_pd(-0.0), input);
+    const __m128d usable =
+        _mm_and_pd(_mm_cmpge_pd(magnitude, _mm_set1_pd(kInputFlushLevel)),
+                   _mm_cmple_pd(magnitude, _mm_set1_pd(std::numeric_limits<double>::max())));
+    return _mm_and_pd(usable, input);
+}
+
+// Multiplies each frame by both channels' ramp gains, moving the ramps on by frameCount samples.
+void ApplyGainRamps(std::array<GainRamp, 2>& ramps, const __m128d* from, __m128d* to, int frameCount) noexcept
+{
+    if (ramps[0].samplesLeft == 0 && ramps[1].samplesLeft == 0)
     {
-        return 0.0;
+        const __m128d gains = _mm_set_pd(ramps[1].current, ramps[0].current);
+        for (int i = 0; i < frameCount; ++i)
+        {
+            to[i] = _mm_mul_pd(from[i], gains);
+        }
+        return;
     }
-    return sample;
+    for (int i = 0; i < frameCount; ++i)
+    {
+        const double first = NextGain(ramps[0]);
+        to[i] = _mm_mul_pd(from[i], _mm_set_pd(NextGain(ramps[1]), first));
+    }
+}
+
+// The mean of a frame's two input channels, formed in double precision.
+float InputMean(__m128d frame) noexcept
+{
+    return static_cast<float>((_mm_cvtsd_f64(frame) + _mm_cvtsd_f64(_mm_unpackhi_pd(frame, frame))) * 0.5);
+}
+
+// The mean of a frame's two output channels, formed from the single-precision samples handed out.
+float OutputMean(__m128d frame) noexcept
+{
+    const __m128 output = _mm_cvtpd_ps(frame);
+    return (_mm_cvtss_f32(output) + _mm_cvtss_f32(_mm_shuffle_ps(output, output, 1))) * 0.5f;
 }
 
 } // namespace
@@ -210,65 +245,46 @@ void BandEngine::updateBlock(int frameCount) noexcept
     updatePolarity();
 }
 
-void BandEngine::processFrame(float inL, float inR, float& outL, float& outR) noexcept
+void BandEngine::processChunk(const float* inL, const float* inR, float* outL, float* outR,
+                              int frameCount) noexcept
 {
-    std::array<double, 2> input{CleanInput(inL), CleanInput(inR)};
-    for (SwitchRamp& ramp : mSwitchRamps)
+    const int count = std::clamp(frameCount, 0, kMaxChunkLength);
+    // One stereo frame per element, the chunk taken stage by stage. Plain arrays: a vector type's
+    // alignment attribute does not survive as a template argument.
+    __m128d input[kMaxChunkLength];
+    __m128d mix[kMaxChunkLength];
+    __m128d signal[kMaxChunkLength];
+    for (int i = 0; i < count; ++i)
     {
-        AdvanceSwitchRamp(ramp);
+        input[i] = CleanInputs(inL[i], inR[i]);
     }
-    for (std::size_t channel = 0; channel < 2; ++channel)
+    // From the first frame on which the effect has settled fully out, the rest of the chunk
+    // passes with polarity only.
+    const int effectFrames = advanceSwitchRamps(mix, count);
+    ApplyGainRamps(mPolarityRamps, input, input, count);
+    ApplyGainRamps(mInputGainRamps, input, signal, effectFrames);
+    runBands(signal, effectFrames);
+    ApplyGainRamps(mOutputGainRamps, signal, signal, effectFrames);
+    const __m128d one = _mm_set1_pd(1.0);
+    for (int i = 0; i < effectFrames; ++i)
     {
-        input[channel] *= NextGain(mPolarityRamps[channel]);
+        signal[i] = _mm_add_pd(_mm_mul_pd(signal[i], mix[i]), _mm_mul_pd(_mm_sub_pd(one, mix[i]), input[i]));
     }
-    const float inputMean = static_cast<float>((input[0] + input[1]) * 0.5);
-
-    if (IsSettledOff(mSwitchRamps[0]) && IsSettledOff(mSwitchRamps[1]))
+    std::copy(input + effectFrames, input + count, signal + effectFrames);
+    for (int i = 0; i < count; ++i)
     {
-        outL = static_cast<float>(input[0]);
-        outR = static_cast<float>(input[1]);
-        feedAnalyser(inputMean, inputMean);
-        return;
+        const __m128 output = _mm_cvtpd_ps(signal[i]);
+        outL[i] = _mm_cvtss_f32(output);
+        outR[i] = _mm_cvtss_f32(_mm_shuffle_ps(output, output, 1));
     }
-
-    std::array<double, 2> wet{};
-    for (std::size_t channel = 0; channel < 2; ++channel)
-    {
-        wet[channel] = input[channel] * NextGain(mInputGainRamps[channel]);
-    }
-    for (Band& band : mBands)
-    {
-        const bool filtering = band.current.enabled && !IsPassThrough(band.current.type);
-        for (std::size_t channel = 0; channel < 2; ++channel)
-        {
-            BandFilter& filter = band.filters[channel];
-            if (filtering || IsCrossFading(filter))
-            {
-                wet[channel] = ProcessBandFilter(filter, wet[channel]);
-            }
-        }
-    }
-    std::array<double, 2> output{};
-    for (std::size_t channel = 0; channel < 2; ++channel)
-    {
-        const double mix = mSwitchRamps[channel].current;
-        output[channel] =
-            wet[channel] * NextGain(mOutputGainRamps[channel]) * mix + (1.0 - mix) * input[channel];
-    }
-    outL = static_cast<float>(output[0]);
-    outR = static_cast<float>(output[1]);
-    feedAnalyser(inputMean, (outL + outR) * 0.5f);
+    feedAnalyser(input, signal, effectFrames, count);
 }
 
 void BandEngine::reset() noexcept
 {
     for (Band& band : mBands)
     {
-        for (BandFilter& filter : band.filters)
-        {
-            // The pending biquad is always the latest design, so a cut-short fade lands on it.
-            InstallSection(filter, filter.pending);
-        }
+        InstallPending(band.filter);
     }
     for (auto* ramps : {&mInputGainRamps, &mOutputGainRamps, &mPolarityRamps})
     {
@@ -314,29 +330,23 @@ BiquadSection BandEngine::designChannel(int bandIndex, int channel) const noexce
 void BandEngine::designBand(int bandIndex, DesignMode mode) noexcept
 {
     Band& band = mBands[static_cast<std::size_t>(bandIndex)];
-    for (int channel = 0; channel < 2; ++channel)
+    const BiquadSection first = designChannel(bandIndex, 0);
+    // A band on both channels gives both the same design; it is made once.
+    const BiquadSection second = band.current.mode == 0 ? first : designChannel(bandIndex, 1);
+    if (mode == DesignMode::Direct)
     {
-        BandFilter& filter = band.filters[static_cast<std::size_t>(channel)];
-        const BiquadSection section = designChannel(bandIndex, channel);
-        if (mode == DesignMode::Direct)
-        {
-            InstallSection(filter, section);
-        }
-        else
-        {
-            StartCrossFade(filter, section);
-        }
+        InstallSections(band.filter, first, second);
     }
-}
-
-bool BandEngine::isBandFading(const Band& band) const noexcept
-{
-    return IsCrossFading(band.filters[0]) || IsCrossFading(band.filters[1]);
+    else
+    {
+        StartCrossFade(band.filter, first, second);
+    }
 }
 
 bool BandEngine::isAnyBandFading() const noexcept
 {
-    return std::any_of(mBands.begin(), mBands.end(), [this](const Band& band) { return isBandFading(band); });
+    return std::any_of(mBands.begin(), mBands.end(),
+                       [](const Band& band) { return IsCrossFading(band.filter); });
 }
 
 void BandEngine::updateGain(float& currentDb, float targetDb, std::array<GainRamp, 2>& ramps,
@@ -367,7 +377,7 @@ void BandEngine::updateBandSwitches() noexcept
         const bool changed = band.current.type != band.target.type ||
                              band.current.enabled != band.target.enabled ||
                              band.current.mode != band.target.mode;
-        if (changed && !isBandFading(band))
+        if (changed && !IsCrossFading(band.filter))
         {
             band.current.type = band.target.type;
             band.current.enabled = band.target.enabled;
@@ -405,7 +415,7 @@ void BandEngine::glideBands() noexcept
     {
         Band& band = mBands[static_cast<std::size_t>(i)];
         const bool heldBySolo = mSoloApplied != 0 && mSoloApplied != i + 1;
-        if (!band.current.enabled || heldBySolo || isBandFading(band))
+        if (!band.current.enabled || heldBySolo || IsCrossFading(band.filter))
         {
             continue;
         }
@@ -495,12 +505,71 @@ void BandEngine::takeOverAllSettings() noexcept
     }
 }
 
-void BandEngine::feedAnalyser(float inputMean, float outputMean) noexcept
+// The effect reaches the frames before effectFrames; from there on the chunk is the input.
+int BandEngine::advanceSwitchRamps(__m128d* mix, int frameCount) noexcept
 {
-    if (mAnalyserOn)
+    SwitchRamp& first = mSwitchRamps[0];
+    SwitchRamp& second = mSwitchRamps[1];
+    if (first.done && second.done)
     {
-        mAnalyser.feed(mAnalyserSourceOutput ? outputMean : inputMean);
+        std::fill(mix, mix + frameCount, _mm_set_pd(second.current, first.current));
+        return IsSettledOff(first) && IsSettledOff(second) ? 0 : frameCount;
     }
+    for (int i = 0; i < frameCount; ++i)
+    {
+        AdvanceSwitchRamp(first);
+        AdvanceSwitchRamp(second);
+        if (IsSettledOff(first) && IsSettledOff(second))
+        {
+            return i;
+        }
+        mix[i] = _mm_set_pd(second.current, first.current);
+    }
+    return frameCount;
+}
+
+// Bands that do nothing are left out for the whole chunk; the others run band after band over
+// the chunk. A band switched off fades out over its 512 samples.
+void BandEngine::runBands(__m128d* signal, int frameCount) noexcept
+{
+    if (frameCount < 1)
+    {
+        return;
+    }
+    std::array<StereoBandFilter*, kBandCount> steady{};
+    int steadyCount = 0;
+    for (Band& band : mBands)
+    {
+        const bool filtering = band.current.enabled && !IsPassThrough(band.current.type);
+        if (IsCrossFading(band.filter))
+        {
+            RunBands(steady.data(), steadyCount, signal, frameCount);
+            steadyCount = 0;
+            RunCrossFade(band.filter, signal, frameCount, filtering);
+        }
+        else if (filtering)
+        {
+            steady[static_cast<std::size_t>(steadyCount++)] = &band.filter;
+        }
+    }
+    RunBands(steady.data(), steadyCount, signal, frameCount);
+}
+
+// While the effect is settled out the analyser sees the input whatever its source switch says.
+void BandEngine::feedAnalyser(const __m128d* input, const __m128d* output, int effectFrames,
+                              int frameCount) noexcept
+{
+    if (!mAnalyserOn)
+    {
+        return;
+    }
+    std::array<float, kMaxChunkLength> mono;
+    for (int i = 0; i < frameCount; ++i)
+    {
+        const bool fromOutput = mAnalyserSourceOutput && i < effectFrames;
+        mono[static_cast<std::size_t>(i)] = fromOutput ? OutputMean(output[i]) : InputMean(input[i]);
+    }
+    mAnalyser.feed(mono.data(), frameCount);
 }
 
 } // namespace velmoran::dsp

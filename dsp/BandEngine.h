@@ -1,9 +1,11 @@
 #pragma once
 
-#include "BandFilter.h"
 #include "GainRamp.h"
 #include "SpectrumAnalyser.h"
+#include "StereoBandFilter.h"
 #include "SwitchRamp.h"
+
+#include <emmintrin.h>
 
 #include <array>
 #include <cstddef>
@@ -14,7 +16,7 @@ namespace velmoran::dsp
 // The signal path of the equaliser: input gain, polarity, ten bands on each of two channels,
 // output gain, the effect in/out cross-fade, solo listening and the analyser's capture.
 // Setters store plain values; updateBlock moves the running settings towards them once per chunk
-// and processFrame filters one stereo frame. Everything runs on the audio thread; nothing
+// and processChunk then filters the chunk's frames. Everything runs on the audio thread; nothing
 // allocates after construction.
 class BandEngine
 {
@@ -60,8 +62,9 @@ public:
     // 1 .. 64 frames (audio thread).
     void updateBlock(int frameCount) noexcept;
 
-    // Processes one stereo frame (audio thread).
-    void processFrame(float inL, float inR, float& outL, float& outR) noexcept;
+    // Processes frameCount (1 .. 64) stereo frames, exactly as one frame after the other (audio
+    // thread). All inputs are read before any output is written, so they may share buffers.
+    void processChunk(const float* inL, const float* inR, float* outL, float* outR, int frameCount) noexcept;
 
     // Clears every filter history and cross-fade and settles all ramps on their targets; the
     // settings are kept (called on deactivation).
@@ -99,9 +102,9 @@ private:
 
     struct Band
     {
-        BandSettings target;               // as last set
-        BandSettings current;              // as designed into the filters
-        std::array<BandFilter, 2> filters; // first and second channel
+        BandSettings target;  // as last set
+        BandSettings current; // as designed into the filters
+        StereoBandFilter filter;
     };
 
     enum class DesignMode
@@ -115,7 +118,6 @@ private:
 
     BiquadSection designChannel(int bandIndex, int channel) const noexcept;
     void designBand(int bandIndex, DesignMode mode) noexcept;
-    bool isBandFading(const Band& band) const noexcept;
     bool isAnyBandFading() const noexcept;
     void updateGain(float& currentDb, float targetDb, std::array<GainRamp, 2>& ramps,
                     int frameCount) noexcept;
@@ -126,7 +128,9 @@ private:
     void updateAnalyser() noexcept;
     void updatePolarity() noexcept;
     void takeOverAllSettings() noexcept;
-    void feedAnalyser(float inputMean, float outputMean) noexcept;
+    int advanceSwitchRamps(__m128d* mix, int frameCount) noexcept;
+    void runBands(__m128d* signal, int frameCount) noexcept;
+    void feedAnalyser(const __m128d* input, const __m128d* output, int effectFrames, int frameCount) noexcept;
 
     float mSampleRate = 48000.0f;
     std::array<Band, kBandCount> mBands;

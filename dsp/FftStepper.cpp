@@ -1,9 +1,57 @@
 #include "FftStepper.h"
 
+#include <algorithm>
 #include <cmath>
+
+#include <emmintrin.h>
 
 namespace velmoran::dsp
 {
+
+namespace
+{
+
+constexpr double kPi = 3.14159265358979323846;
+
+// The stages that PlacePadded has already done.
+constexpr int kFirstSpan = 4;
+
+// `count` butterfly pairs of one stage from pair `first` on, in memory order. Pair q lies in block
+// q / (span/2) of 2*span values, at k = 2*(q mod span/2): the butterflies (k, k + span) and
+// (k + 1, k + 1 + span) of the block, with twiddle factors w[k] and w[k + 1].
+void RunButterflyPairs(double* real, double* imag, int span, int first, int count, const double* twiddleCos,
+                       const double* twiddleSin) noexcept
+{
+    const int pairsPerBlock = span / 2;
+    const int blockOffset = first / pairsPerBlock * 2 * span;
+    double* re = real + blockOffset;
+    double* im = imag + blockOffset;
+    int k = 2 * (first % pairsPerBlock);
+    for (int i = 0; i < count; ++i)
+    {
+        const __m128d cosines = _mm_load_pd(twiddleCos + k);
+        const __m128d sines = _mm_load_pd(twiddleSin + k);
+        const __m128d secondRe = _mm_load_pd(re + k + span);
+        const __m128d secondIm = _mm_load_pd(im + k + span);
+        const __m128d rotatedRe = _mm_sub_pd(_mm_mul_pd(cosines, secondRe), _mm_mul_pd(sines, secondIm));
+        const __m128d rotatedIm = _mm_add_pd(_mm_mul_pd(cosines, secondIm), _mm_mul_pd(sines, secondRe));
+        const __m128d firstRe = _mm_load_pd(re + k);
+        const __m128d firstIm = _mm_load_pd(im + k);
+        _mm_store_pd(re + k + span, _mm_sub_pd(firstRe, rotatedRe));
+        _mm_store_pd(im + k + span, _mm_sub_pd(firstIm, rotatedIm));
+        _mm_store_pd(re + k, _mm_add_pd(firstRe, rotatedRe));
+        _mm_store_pd(im + k, _mm_add_pd(firstIm, rotatedIm));
+        k += 2;
+        if (k == span)
+        {
+            k = 0;
+            re += 2 * span;
+            im += 2 * span;
+        }
+    }
+}
+
+} // namespace
 
 unsigned ReverseBits(unsigned value, int bitCount) noexcept
 {
@@ -15,48 +63,68 @@ unsigned ReverseBits(unsigned value, int bitCount) noexcept
     return value >> (32 - bitCount);
 }
 
-void FftStepper::start(double* real, double* imag, int log2Size, FftDirection direction) noexcept
+// Position p < N/4 has its two top bits clear, so its reversed index has the two lowest bits
+// clear; the three padding positions sharing the other bits land just after it. The first two
+// stages turn such a quadruple (v, 0, 0, 0) into (v, v, v, v).
+void PlacePadded(double* real, double* imag, int log2Size, int position, double re, double im) noexcept
+{
+    const unsigned first =
+        log2Size > 2 ? ReverseBits(static_cast<unsigned>(position), log2Size - 2) << 2 : 0u;
+    const __m128d realPair = _mm_set1_pd(re);
+    const __m128d imagPair = _mm_set1_pd(im);
+    _mm_store_pd(real + first, realPair);
+    _mm_store_pd(real + first + 2, realPair);
+    _mm_store_pd(imag + first, imagPair);
+    _mm_store_pd(imag + first + 2, imagPair);
+}
+
+FftStepper::FftStepper(int largestLog2Size)
+{
+    const int largestSpan = 1 << (largestLog2Size - 1);
+    const auto entries = static_cast<std::size_t>(std::max(0, 2 * largestSpan - kFirstSpan));
+    mTwiddleCos.resize(entries);
+    mTwiddleSin.resize(entries);
+    for (int span = kFirstSpan; span <= largestSpan; span *= 2)
+    {
+        for (int k = 0; k < span; ++k)
+        {
+            const double angle = kPi * k / span;
+            mTwiddleCos[static_cast<std::size_t>(span - kFirstSpan + k)] = std::cos(angle);
+            mTwiddleSin[static_cast<std::size_t>(span - kFirstSpan + k)] = -std::sin(angle);
+        }
+    }
+}
+
+void FftStepper::start(double* real, double* imag, int log2Size) noexcept
 {
     mReal = real;
     mImag = imag;
     mSize = 1 << log2Size;
-    mSpan = 1;
-    mGroup = 0;
-    mPosition = 0;
-    mTwiddleCos = 1.0;
-    mTwiddleSin = 0.0;
-    // The first stage's rotation is by half a turn; only its first twiddle (1) is ever used.
-    mStepCos = -1.0;
-    mStepSin = 0.0;
-    mDirectionSign = direction == FftDirection::Forward ? -1.0 : 1.0;
-    mDone = mSize < 2;
+    startStage(kFirstSpan);
 }
 
-void FftStepper::advanceGroup() noexcept
+int FftStepper::run(int pairBudget) noexcept
 {
-    ++mGroup;
-    if (mGroup < mSpan)
+    while (pairBudget > 0 && !mDone)
     {
-        const double previousCos = mTwiddleCos;
-        mTwiddleCos = previousCos * mStepCos - mTwiddleSin * mStepSin;
-        mTwiddleSin = previousCos * mStepSin + mTwiddleSin * mStepCos;
-        mPosition = mGroup;
-        return;
+        const int count = std::min(pairBudget, mSize / 4 - mPair);
+        const auto table = static_cast<std::size_t>(mSpan - kFirstSpan);
+        RunButterflyPairs(mReal, mImag, mSpan, mPair, count, &mTwiddleCos[table], &mTwiddleSin[table]);
+        pairBudget -= count;
+        mPair += count;
+        if (mPair == mSize / 4)
+        {
+            startStage(2 * mSpan);
+        }
     }
-    mSpan *= 2;
-    if (mSpan >= mSize)
-    {
-        mDone = true;
-        return;
-    }
-    mGroup = 0;
-    mPosition = 0;
-    mTwiddleCos = 1.0;
-    mTwiddleSin = 0.0;
-    // Halve the rotation angle for the next stage, which has twice as many twiddle factors.
-    const double previousStepCos = mStepCos;
-    mStepCos = std::sqrt((1.0 + previousStepCos) * 0.5);
-    mStepSin = mDirectionSign * std::sqrt((1.0 - previousStepCos) * 0.5);
+    return mDone ? pairBudget : 0;
+}
+
+void FftStepper::startStage(int span) noexcept
+{
+    mSpan = span;
+    mPair = 0;
+    mDone = span >= mSize;
 }
 
 } // namespace velmoran::dsp

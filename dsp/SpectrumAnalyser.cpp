@@ -4,6 +4,8 @@
 #include <cmath>
 #include <initializer_list>
 
+#include <emmintrin.h>
+
 namespace velmoran::dsp
 {
 
@@ -32,11 +34,37 @@ double FrameCoefficient(int frameLength, double seconds, float sampleRateHz) noe
     return std::min(1.0, frameLength / (seconds * sampleRateHz));
 }
 
+// Bins k and k + 1 of the N-point spectrum of the real frame from the N/2-point transform Z of
+// its even (real part) and odd (imaginary part) samples: with Z' = conj(Z[N/2 - k]), the even
+// samples' spectrum is (Z[k] + Z')/2, the odd samples' one is (Z[k] - Z')/2j, and the odd one is
+// shifted by w^k = exp(-j*2*pi*k/N). Returns the magnitudes twice over.
+__m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k, const double* twiddleCos,
+                        const double* twiddleSin) noexcept
+{
+    const int mask = halfSize - 1;
+    const __m128d zRe = _mm_loadu_pd(re + k);
+    const __m128d zIm = _mm_loadu_pd(im + k);
+    const __m128d mirrorRe = _mm_set_pd(re[(halfSize - k - 1) & mask], re[(halfSize - k) & mask]);
+    const __m128d mirrorIm = _mm_set_pd(im[(halfSize - k - 1) & mask], im[(halfSize - k) & mask]);
+    const __m128d evenRe = _mm_add_pd(zRe, mirrorRe);
+    const __m128d evenIm = _mm_sub_pd(zIm, mirrorIm);
+    // -j*(Z[k] - Z'), twice the odd samples' spectrum.
+    const __m128d oddRe = _mm_add_pd(zIm, mirrorIm);
+    const __m128d oddIm = _mm_sub_pd(mirrorRe, zRe);
+    const __m128d cosines = _mm_loadu_pd(twiddleCos + k);
+    const __m128d sines = _mm_loadu_pd(twiddleSin + k);
+    const __m128d binRe =
+        _mm_add_pd(evenRe, _mm_sub_pd(_mm_mul_pd(cosines, oddRe), _mm_mul_pd(sines, oddIm)));
+    const __m128d binIm =
+        _mm_add_pd(evenIm, _mm_add_pd(_mm_mul_pd(cosines, oddIm), _mm_mul_pd(sines, oddRe)));
+    return _mm_sqrt_pd(_mm_add_pd(_mm_mul_pd(binRe, binRe), _mm_mul_pd(binIm, binIm)));
+}
+
 } // namespace
 
 SpectrumAnalyser::SpectrumAnalyser()
-    : mFillReal(kMaxSize), mFillImag(kMaxSize), mTransformReal(kMaxSize), mTransformImag(kMaxSize),
-      mWindow(kMaxSize / 4)
+    : mFillReal(kMaxSize / 2), mFillImag(kMaxSize / 2), mTransformReal(kMaxSize / 2),
+      mTransformImag(kMaxSize / 2), mWindow(kMaxSize / 4), mStepper(kMaxLog2Size)
 {
     setSampleRate(48000.0f);
 }
@@ -51,8 +79,9 @@ void SpectrumAnalyser::setSampleRate(float sampleRateHz) noexcept
     mLog2Size = Log2SizeForRate(sampleRateHz);
     const int size = 1 << mLog2Size;
     mFrameLength = size / 4;
-    // Butterflies of the whole transform per sample of the padded frame, rounded.
-    mStepBudget = static_cast<int>(static_cast<double>(size / 2 * mLog2Size) / size + 0.5);
+    // The whole frame's work over its samples, rounded up so that it is done before the next one.
+    const int units = FftStepper::PairCount(mLog2Size - 1) + kBinCount;
+    mStepBudget = (units + mFrameLength - 1) / mFrameLength;
     mAttack = FrameCoefficient(mFrameLength, kAttackSeconds, sampleRateHz);
     mRelease = FrameCoefficient(mFrameLength, kReleaseSeconds, sampleRateHz);
     // Four-term Blackman-Harris: sidelobes below -92 dB keep a loud bass from masking the treble.
@@ -68,76 +97,110 @@ void SpectrumAnalyser::setSampleRate(float sampleRateHz) noexcept
 
 void SpectrumAnalyser::reset() noexcept
 {
-    mMagnitudes.fill(0.0f);
-    const int size = 1 << mLog2Size;
+    // The cleared buffers transform to nothing, so the next magnitudes are zero as well.
+    for (auto& magnitudes : mMagnitudes)
+    {
+        magnitudes.fill(0.0f);
+    }
+    mNextBin = kBinCount;
+    const int halfSize = 1 << (mLog2Size - 1);
     // Both pairs, so neither a finished transform nor a half-captured frame from before comes back.
     for (std::vector<double>* buffer : {&mFillReal, &mFillImag, &mTransformReal, &mTransformImag})
     {
-        std::fill(buffer->begin(), buffer->begin() + size, 0.0);
+        std::fill(buffer->begin(), buffer->begin() + halfSize, 0.0);
     }
     mStepper.stop();
     mWritePosition = 0;
 }
 
-void SpectrumAnalyser::feed(float sample) noexcept
+void SpectrumAnalyser::feed(const float* samples, int count) noexcept
+{
+    while (count > 0)
+    {
+        if (mWritePosition == 0)
+        {
+            finishFrame();
+        }
+        // Capture and transform work on different buffers, so within a frame each may go first.
+        const int segment = std::min(count, mFrameLength - mWritePosition);
+        for (int i = 0; i < segment; ++i)
+        {
+            capture(samples[i]);
+        }
+        const int left = mStepper.run(segment * mStepBudget);
+        if (left > 0)
+        {
+            prepareMagnitudes(left);
+        }
+        samples += segment;
+        count -= segment;
+        if (mWritePosition == mFrameLength)
+        {
+            mWritePosition = 0;
+        }
+    }
+}
+
+// Windows the sample into the frame being filled: even positions as real parts, odd ones as the
+// imaginary parts of the same values.
+void SpectrumAnalyser::capture(float sample) noexcept
 {
     // An overflowing output must not leave the display stuck at infinity or NaN.
     const double value = std::isfinite(sample) ? static_cast<double>(sample) : 0.0;
-    if (mWritePosition == 0)
+    const double windowed = value * mWindow[static_cast<std::size_t>(mWritePosition)];
+    if (mWritePosition % 2 == 0)
     {
-        finishFrame();
+        mEvenSample = windowed;
     }
-    const unsigned reversed = ReverseBits(static_cast<unsigned>(mWritePosition), mLog2Size);
-    mFillReal[reversed] = value * mWindow[mWritePosition];
-    mFillImag[reversed] = 0.0;
-    runSteps();
-    // Positions pos + M, pos + 2M and pos + 3M differ from pos only in the two top bits, so their
-    // reversed indices differ from pos's only in the two lowest bits: 2, 1 and 3.
-    static constexpr std::array<unsigned, 3> kPaddingLowBits{2u, 1u, 3u};
-    for (const unsigned lowBits : kPaddingLowBits)
+    else
     {
-        mFillReal[reversed | lowBits] = 0.0;
-        mFillImag[reversed | lowBits] = 0.0;
-        runSteps();
+        PlacePadded(mFillReal.data(), mFillImag.data(), mLog2Size - 1, mWritePosition / 2, mEvenSample,
+                    windowed);
     }
     ++mWritePosition;
-    if (mWritePosition == mFrameLength)
-    {
-        mWritePosition = 0;
-    }
 }
 
+// The frame just captured goes to the transform, and the magnitudes prepared from the last one
+// are shown.
 void SpectrumAnalyser::finishFrame() noexcept
 {
-    const double scale = 1.0 / mFrameLength;
-    for (int bin = 0; bin < kBinCount; ++bin)
-    {
-        const double level =
-            std::sqrt(mTransformReal[bin] * mTransformReal[bin] + mTransformImag[bin] * mTransformImag[bin]) *
-            scale;
-        const double smoothed = mMagnitudes[bin];
-        const double difference = level - smoothed;
-        double next = smoothed + (difference > 0.0 ? mAttack : mRelease) * difference;
-        if (std::fabs(next) < kFlushLevel)
-        {
-            next = 0.0;
-        }
-        mMagnitudes[bin] = static_cast<float>(next);
-    }
+    mShown = 1 - mShown;
+    mNextBin = 0;
     mFillReal.swap(mTransformReal);
     mFillImag.swap(mTransformImag);
-    mStepper.start(mTransformReal.data(), mTransformImag.data(), mLog2Size, FftDirection::Forward);
+    mStepper.start(mTransformReal.data(), mTransformImag.data(), mLog2Size - 1);
 }
 
-void SpectrumAnalyser::runSteps() noexcept
+// Moves the shown magnitudes towards the finished transform's levels, attack or release per bin,
+// into the array behind them, two bins at a time.
+void SpectrumAnalyser::prepareMagnitudes(int binBudget) noexcept
 {
-    for (int i = 0; i < mStepBudget; ++i)
+    const int halfSize = 1 << (mLog2Size - 1);
+    const int end = std::min(kBinCount, mNextBin + binBudget + binBudget % 2);
+    const double* twiddleCos = mStepper.twiddleCosines(halfSize);
+    const double* twiddleSin = mStepper.twiddleSines(halfSize);
+    const float* shown = mMagnitudes[static_cast<std::size_t>(mShown)].data();
+    float* next = mMagnitudes[static_cast<std::size_t>(1 - mShown)].data();
+    // The magnitudes come out twice over; a frame of M samples reads M times its mean.
+    const __m128d scale = _mm_set1_pd(0.5 / mFrameLength);
+    const __m128d attack = _mm_set1_pd(mAttack);
+    const __m128d release = _mm_set1_pd(mRelease);
+    for (int bin = mNextBin; bin < end; bin += 2)
     {
-        if (mStepper.step())
-        {
-            return;
-        }
+        const __m128d level = _mm_mul_pd(TwiceMagnitudes(mTransformReal.data(), mTransformImag.data(),
+                                                         halfSize, bin, twiddleCos, twiddleSin),
+                                         scale);
+        const __m128d smoothed =
+            _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(shown + bin))));
+        const __m128d difference = _mm_sub_pd(level, smoothed);
+        const __m128d rising = _mm_cmpgt_pd(difference, _mm_setzero_pd());
+        const __m128d rate = _mm_or_pd(_mm_and_pd(rising, attack), _mm_andnot_pd(rising, release));
+        const __m128d moved = _mm_add_pd(smoothed, _mm_mul_pd(rate, difference));
+        const __m128d tiny = _mm_cmplt_pd(_mm_andnot_pd(_mm_set1_pd(-0.0), moved), _mm_set1_pd(kFlushLevel));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(next + bin),
+                         _mm_castps_si128(_mm_cvtpd_ps(_mm_andnot_pd(tiny, moved))));
     }
+    mNextBin = end;
 }
 
 } // namespace velmoran::dsp

@@ -10,8 +10,12 @@ namespace velmoran::dsp
 
 // Smoothed magnitude spectrum of a mono feed, for the display behind the response curve. Each
 // frame of N/4 windowed samples is transformed four times zero-padded while the next frame is
-// captured, a few butterflies per sample, so no audio callback ever carries a whole transform.
-// Used on the audio thread only; the buffers are allocated once, at the largest transform size.
+// captured, and the next smoothed magnitudes are worked out behind the shown ones; both take the
+// same small share of work on every sample, so no audio callback ever carries a whole transform
+// and the frame boundary only swaps the display over. The frame is real, so its N-point spectrum
+// comes from an N/2-point complex transform of its even and odd samples taken as real and
+// imaginary parts. Used on the audio thread only; the buffers are allocated once, at the largest
+// transform size.
 class SpectrumAnalyser
 {
 public:
@@ -29,8 +33,8 @@ public:
     // Clears the display and the frame being captured (used when the analyser is switched on).
     void reset() noexcept;
 
-    // Takes one mono sample and does this sample's share of the running transform (audio thread).
-    void feed(float sample) noexcept;
+    // Takes count mono samples and does their share of the running transform (audio thread).
+    void feed(const float* samples, int count) noexcept;
 
     // The rate in Hz the analyser was sized for.
     float sampleRate() const noexcept { return mSampleRate; }
@@ -38,21 +42,24 @@ public:
     // Transform size N; bin k of the magnitudes lies at k * sampleRate() / N Hz.
     int size() const noexcept { return 1 << mLog2Size; }
 
-    // Butterflies run after each of the four writes per sample.
+    // Units of work done per sample: butterfly pairs of the transform, then bins of the next
+    // magnitudes.
     int stepBudget() const noexcept { return mStepBudget; }
 
     // kBinCount smoothed linear magnitudes (a full-scale sine at a bin centre reads about 0.18).
-    const float* magnitudes() const noexcept { return mMagnitudes.data(); }
+    const float* magnitudes() const noexcept { return mMagnitudes[mShown].data(); }
 
 private:
     void finishFrame() noexcept;
-    void runSteps() noexcept;
+    void capture(float sample) noexcept;
+    void prepareMagnitudes(int binBudget) noexcept;
 
     float mSampleRate = 48000.0f;
     int mLog2Size = 12;
     int mFrameLength = 1024;
-    int mStepBudget = 6;
+    int mStepBudget = 7;
     int mWritePosition = 0;
+    double mEvenSample = 0.0; // windowed sample at the last even position, waiting for its odd partner
     double mAttack = 0.0;
     double mRelease = 0.0;
 
@@ -61,7 +68,10 @@ private:
     std::vector<double> mTransformReal;
     std::vector<double> mTransformImag;
     std::vector<double> mWindow;
-    std::array<float, kBinCount> mMagnitudes{};
+    // The shown magnitudes and, behind them, the next ones, prepared up to mNextBin.
+    std::array<std::array<float, kBinCount>, 2> mMagnitudes{};
+    int mShown = 0;
+    int mNextBin = kBinCount;
     FftStepper mStepper;
 };
 

@@ -131,6 +131,16 @@ void SharedProcessor::restart()
     ProcessSetup setup{kRealtime, kSample32, 8192, 48000.0};
     require(mProcessor->setupProcessing(setup) == kResultOk, "48 kHz is taken");
     require(mComponent->setActive(true) == kResultOk, "the processor activates");
+    setEditorOpen(false);
+}
+
+void SharedProcessor::setEditorOpen(bool open)
+{
+    FUnknownPtr<IConnectionPoint> processor(mComponent);
+    auto message = owned(new HostMessage());
+    message->setMessageID("EditorOpen");
+    message->getAttributes()->setInt("open", open ? 1 : 0);
+    require(processor && processor->notify(message) == kResultOk, "the processor takes \"EditorOpen\"");
 }
 
 tresult SharedProcessor::process(std::vector<std::vector<float>>& inputs,

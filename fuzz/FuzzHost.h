@@ -46,8 +46,10 @@ public:
     // The processor of this run, made on first use.
     static SharedProcessor& instance();
 
-    // Back to stereo buses, default parameters and cleared filters, active at 48 kHz.
+    // Back to stereo buses, default parameters and cleared filters, active at 48 kHz, no editor open.
     void restart();
+    // Tells the processor that an editor opened or closed, as the controller does.
+    void setEditorOpen(bool open);
     // Processes one block of the given channels (equal lengths), with optional changes.
     tresult process(std::vector<std::vector<float>>& inputs, std::vector<std::vector<float>>& outputs,
                     int32 sampleCount, IParameterChanges* changes = nullptr);

@@ -190,14 +190,15 @@ IPtr<FuzzMessage> anyMessage(FuzzedDataProvider& input)
 {
     auto message = owned(new FuzzMessage());
     message->hasId = input.ConsumeIntegralInRange(0, 15) != 0;
-    message->id = anyName(input, {"BinaryMessage", "setActive", "TextMessage", "", "BinaryMessag"});
+    message->id =
+        anyName(input, {"BinaryMessage", "setActive", "TextMessage", "EditorOpen", "", "BinaryMessag"});
     if (input.ConsumeIntegralInRange(0, 15) != 0)
     {
         message->attributes = owned(new FuzzAttributes());
         const int count = input.ConsumeIntegralInRange(0, 4);
         for (int index = 0; index < count; ++index)
         {
-            const std::string name = anyName(input, {"FFTData", "MyData", "sampleRate", "Text", ""});
+            const std::string name = anyName(input, {"FFTData", "MyData", "sampleRate", "Text", "open", ""});
             message->attributes->values[name] = anyAttribute(input);
         }
     }

@@ -1,7 +1,7 @@
 // process with made-up blocks: parameter queues of any tag, point count, offset and value (NaN,
-// infinities, values outside 0..1), block sizes from 0 to 8192 samples, and input samples of any
-// bit pattern (NaN, infinities, denormals, huge values). Whatever came before, a block of
-// ordinary audio afterwards comes out finite.
+// infinities, values outside 0..1), block sizes from 0 to 8192 samples, input samples of any bit
+// pattern (NaN, infinities, denormals, huge values), and editors opening and closing in between. Whatever
+// came before, a block of ordinary audio afterwards comes out finite.
 
 #include "AnyValue.h"
 #include "FuzzHost.h"
@@ -136,6 +136,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             // A host may switch processing off and on between any two blocks.
             shared.component()->setActive(false);
             shared.component()->setActive(true);
+        }
+        if (input.ConsumeIntegralInRange(0, 7) == 0)
+        {
+            // The analyser runs only while an editor is open; one may open or close at any time.
+            shared.setEditorOpen(input.ConsumeBool());
         }
     }
     if (ordinary)

@@ -36,6 +36,22 @@ int32 channelCount(SpeakerArrangement arrangement)
     return SpeakerArr::getChannelCount(arrangement);
 }
 
+// Copies one chunk of input channel `channel` into `target`, silence where the input has none.
+void copyThrough(const AudioBusBuffers& input, int32 inputChannels, Sample32* target, int32 channel,
+                 int32 start, int32 length)
+{
+    if (!target)
+    {
+        return;
+    }
+    // Hosts may process in place, so source and target can be the same buffer.
+    const Sample32* source = channel < inputChannels ? input.channelBuffers32[channel] : nullptr;
+    for (int32 sample = start; sample < start + length; ++sample)
+    {
+        target[sample] = source ? source[sample] : 0.0f;
+    }
+}
+
 } // namespace
 
 CPlug::CPlug()
@@ -75,7 +91,7 @@ void CPlug::pushAllToEngine()
 {
     mEngine->setSampleRate(mEngineSampleRate);
     updateEffectSwitch();
-    mEngine->setAnalyserOn(isOn(mValues[kFftTag]));
+    mEngine->setAnalyserOn(analyserWanted());
     mEngine->setAnalyserSourceOutput(isOn(mValues[kFftSourceTag]));
     // The stored input gain reads -0.06 dB; the engine starts at unity all the same.
     mEngine->setInputGainDb(0.0f);
@@ -97,6 +113,13 @@ void CPlug::updateEffectSwitch() noexcept
 {
     const float passing = (1.0f - clamp01(mValues[kHostBypassTag])) * clamp01(mValues[kEqTag]);
     mEngine->setEffectOn(passing >= 0.5f);
+}
+
+// With no editor open nobody sees the spectrum, so the analyser rests; opening one switches it
+// on afresh, and the display rises to the signal with its 0.1 s attack.
+bool CPlug::analyserWanted() const noexcept
+{
+    return isOn(mValues[kFftTag]) && mEditorOpen.load(std::memory_order_relaxed);
 }
 
 void CPlug::setParameter(ParamID tag, float value) noexcept
@@ -124,7 +147,7 @@ void CPlug::setParameter(ParamID tag, float value) noexcept
     }
     else if (tag == kFftTag)
     {
-        mEngine->setAnalyserOn(isOn(value));
+        mEngine->setAnalyserOn(analyserWanted());
     }
     else if (tag == kFftSourceTag)
     {
@@ -197,6 +220,17 @@ tresult PLUGIN_API CPlug::disconnect(IConnectionPoint* other)
 
 tresult PLUGIN_API CPlug::notify(IMessage* message)
 {
+    if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "EditorOpen") == 0)
+    {
+        int64 open = 0;
+        IAttributeList* attributes = message->getAttributes();
+        if (!attributes || attributes->getInt("open", open) != kResultOk)
+        {
+            return kResultFalse;
+        }
+        mEditorOpen.store(open != 0, std::memory_order_relaxed);
+        return kResultOk;
+    }
     if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0)
     {
         const void* data = nullptr;
@@ -336,43 +370,32 @@ void CPlug::processAudio(AudioBusBuffers& input, AudioBusBuffers& output, int32 
     const int32 inputChannels = input.channelBuffers32 ? std::clamp(input.numChannels, 0, kMaxChannels) : 0;
     const int32 outputChannels =
         output.channelBuffers32 ? std::clamp(output.numChannels, 0, kMaxChannels) : 0;
-    std::array<float, kMaxChannels> frame{};
+    // A mono input feeds both sides of the engine; a missing channel reads as silence.
+    const Sample32* leftSource = inputChannels >= 1 ? input.channelBuffers32[0] : nullptr;
+    const Sample32* rightSource = inputChannels >= 2 ? input.channelBuffers32[1] : leftSource;
+    std::array<float, kChunkLength> left{};
+    std::array<float, kChunkLength> right{};
     for (int32 chunkStart = 0; chunkStart < sampleCount; chunkStart += kChunkLength)
     {
         const int32 chunkLength = std::min(kChunkLength, sampleCount - chunkStart);
-        mEngine->updateBlock(chunkLength);
-        for (int32 sample = chunkStart; sample < chunkStart + chunkLength; ++sample)
+        for (int32 i = 0; i < chunkLength; ++i)
         {
-            for (int32 channel = 0; channel < inputChannels; ++channel)
+            left[i] = leftSource ? leftSource[chunkStart + i] : 0.0f;
+            right[i] = rightSource ? rightSource[chunkStart + i] : 0.0f;
+        }
+        // Channels beyond the second pass through; the output's own first two get the engine's.
+        for (int32 channel = 2; channel < outputChannels; ++channel)
+        {
+            copyThrough(input, inputChannels, output.channelBuffers32[channel], channel, chunkStart,
+                        chunkLength);
+        }
+        mEngine->updateBlock(chunkLength);
+        mEngine->processChunk(left.data(), right.data(), left.data(), right.data(), chunkLength);
+        for (int32 channel = 0; channel < std::min(outputChannels, 2); ++channel)
+        {
+            if (Sample32* target = output.channelBuffers32[channel])
             {
-                const Sample32* source = input.channelBuffers32[channel];
-                frame[channel] = source ? source[sample] : 0.0f;
-            }
-            // A mono input feeds both sides of the engine.
-            const float right = inputChannels >= 2 ? frame[1] : (inputChannels == 1 ? frame[0] : 0.0f);
-            const float left = inputChannels >= 1 ? frame[0] : 0.0f;
-            float outLeft = 0.0f;
-            float outRight = 0.0f;
-            mEngine->processFrame(left, right, outLeft, outRight);
-            for (int32 channel = 0; channel < outputChannels; ++channel)
-            {
-                Sample32* target = output.channelBuffers32[channel];
-                if (!target)
-                {
-                    continue;
-                }
-                if (channel == 0)
-                {
-                    target[sample] = outLeft;
-                }
-                else if (channel == 1)
-                {
-                    target[sample] = outRight;
-                }
-                else
-                {
-                    target[sample] = channel < inputChannels ? frame[channel] : 0.0f;
-                }
+                std::copy_n((channel == 0 ? left : right).data(), chunkLength, target + chunkStart);
             }
         }
     }
@@ -396,6 +419,8 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
     {
         applyParameterChanges(data.inputParameterChanges);
     }
+    const bool editorOpen = mEditorOpen.load(std::memory_order_relaxed);
+    mEngine->setAnalyserOn(isOn(mValues[kFftTag]) && editorOpen);
     if (data.numInputs < 1 || data.numOutputs < 1 || !data.inputs || !data.outputs)
     {
         return kResultOk;
@@ -410,7 +435,7 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
         return kResultOk;
     }
     processAudio(data.inputs[0], data.outputs[0], std::max(data.numSamples, 0));
-    if (mValues[kFftTag] > 0.5f)
+    if (mValues[kFftTag] > 0.5f && editorOpen)
     {
         copyAnalyserFrame();
     }

@@ -6,6 +6,7 @@
 #include "sdk/AudioEffect.h"
 
 #include <array>
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -38,6 +39,7 @@ public:
     // Connection to the controller, guarded against the sender thread (UI thread).
     tresult PLUGIN_API connect(IConnectionPoint* other) SMTG_OVERRIDE;
     tresult PLUGIN_API disconnect(IConnectionPoint* other) SMTG_OVERRIDE;
+    // Takes "EditorOpen" from the controller; ignores the controller's "BinaryMessage" (UI thread).
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
 
     // Accepts mono to mono and stereo to stereo only (UI thread).
@@ -63,6 +65,7 @@ private:
     void pushAllToEngine();
     void setParameter(ParamID tag, float value) noexcept;
     void updateEffectSwitch() noexcept;
+    bool analyserWanted() const noexcept;
     void applyParameterChanges(IParameterChanges* changes) noexcept;
     void processAudio(AudioBusBuffers& input, AudioBusBuffers& output, int32 sampleCount) noexcept;
     void copyAnalyserFrame() noexcept;
@@ -75,6 +78,8 @@ private:
     float mSampleRate = 48000.0f;
     float mEngineSampleRate = 48000.0f;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    // Set from the UI thread while an editor is open; the audio thread analyses only then.
+    std::atomic<bool> mEditorOpen{false};
     std::recursive_mutex mLinkLock;
     std::unique_ptr<SpectrumSender> mSender;
 };

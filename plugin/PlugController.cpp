@@ -374,15 +374,29 @@ IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
 
 void CPlugController::editorOpened(CPlugEditorView* view)
 {
-    if (std::find(mOpenViews.begin(), mOpenViews.end(), view) == mOpenViews.end())
+    if (std::find(mOpenViews.begin(), mOpenViews.end(), view) != mOpenViews.end())
     {
-        mOpenViews.push_back(view);
+        return;
+    }
+    mOpenViews.push_back(view);
+    if (mOpenViews.size() == 1)
+    {
+        setEditorOpen(true);
     }
 }
 
 void CPlugController::editorClosed(CPlugEditorView* view)
 {
-    mOpenViews.erase(std::remove(mOpenViews.begin(), mOpenViews.end(), view), mOpenViews.end());
+    const auto found = std::find(mOpenViews.begin(), mOpenViews.end(), view);
+    if (found == mOpenViews.end())
+    {
+        return;
+    }
+    mOpenViews.erase(found);
+    if (mOpenViews.empty())
+    {
+        setEditorOpen(false);
+    }
 }
 
 tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex*/, int16 /*channel*/,
@@ -391,6 +405,22 @@ tresult PLUGIN_API CPlugController::getMidiControllerAssignment(int32 /*busIndex
 {
     // No MIDI controller drives a parameter: automation comes through the host's lanes.
     return kResultFalse;
+}
+
+void CPlugController::setEditorOpen(bool open)
+{
+    IMessage* message = allocateMessage();
+    if (!message)
+    {
+        return;
+    }
+    message->setMessageID("EditorOpen");
+    if (IAttributeList* attributes = message->getAttributes())
+    {
+        attributes->setInt("open", open ? 1 : 0);
+        sendMessage(message);
+    }
+    message->release();
 }
 
 } // namespace Velmoran

@@ -78,6 +78,9 @@ public:
     void editorClosed(CPlugEditorView* view);
     // Number of editors open now.
     int openEditorCount() const { return static_cast<int>(mOpenViews.size()); }
+    // Tells the processor that the first editor opened (true) or the last one closed (false): it
+    // analyses the spectrum only while there is an editor to show it (UI thread).
+    void setEditorOpen(bool open);
 
     OBJ_METHODS(CPlugController, EditControllerEx1)
     DEFINE_INTERFACES

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <functional>
@@ -79,18 +80,19 @@ constexpr int kChunk = BandEngine::kMaxChunkLength;
 long AllocationsWhileProcessing(BandEngine& engine, int chunks, const std::function<void(int)>& between)
 {
     long allocations = 0;
-    float left = 0.0f;
-    float right = 0.0f;
+    std::array<float, kChunk> left{};
+    std::array<float, kChunk> right{};
     for (int chunk = 0; chunk < chunks; ++chunk)
     {
         between(chunk);
-        const long before = gAllocationCount.load();
-        engine.updateBlock(kChunk);
         for (int i = 0; i < kChunk; ++i)
         {
-            const float sample = static_cast<float>(((chunk * kChunk + i) % 97) - 48) / 64.0f;
-            engine.processFrame(sample, -sample, left, right);
+            left[i] = static_cast<float>(((chunk * kChunk + i) % 97) - 48) / 64.0f;
+            right[i] = -left[i];
         }
+        const long before = gAllocationCount.load();
+        engine.updateBlock(kChunk);
+        engine.processChunk(left.data(), right.data(), left.data(), right.data(), kChunk);
         allocations += gAllocationCount.load() - before;
     }
     return allocations;

@@ -59,8 +59,8 @@ Stereo Process(BandEngine& engine, const std::vector<float>& left, const std::ve
     {
         const std::size_t end = std::min(left.size(), start + kChunk);
         engine.updateBlock(static_cast<int>(end - start));
-        for (std::size_t i = start; i < end; ++i)
-            engine.processFrame(left[i], right[i], output.left[i], output.right[i]);
+        engine.processChunk(&left[start], &right[start], &output.left[start], &output.right[start],
+                            static_cast<int>(end - start));
     }
     return output;
 }

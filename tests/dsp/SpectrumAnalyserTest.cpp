@@ -23,8 +23,7 @@ constexpr int kBins = SpectrumAnalyser::kBinCount;
 
 void Feed(SpectrumAnalyser& analyser, const std::vector<float>& signal)
 {
-    for (const float sample : signal)
-        analyser.feed(sample);
+    analyser.feed(signal.data(), static_cast<int>(signal.size()));
 }
 
 void FeedSilence(SpectrumAnalyser& analyser, std::size_t length)
@@ -55,10 +54,10 @@ TEST_P(AnalyserSizingTest, PicksTransformSizeAndStepBudgetForTheRate)
 }
 
 INSTANTIATE_TEST_SUITE_P(Rates, AnalyserSizingTest,
-                         ::testing::Values(Sizing{22050.0f, 4096, 6}, Sizing{44100.0f, 4096, 6},
-                                           Sizing{48000.0f, 4096, 6}, Sizing{88200.0f, 8192, 7},
-                                           Sizing{96000.0f, 8192, 7}, Sizing{176400.0f, 16384, 7},
-                                           Sizing{192000.0f, 16384, 7}, Sizing{384000.0f, 16384, 7}));
+                         ::testing::Values(Sizing{22050.0f, 4096, 7}, Sizing{44100.0f, 4096, 7},
+                                           Sizing{48000.0f, 4096, 7}, Sizing{88200.0f, 8192, 6},
+                                           Sizing{96000.0f, 8192, 6}, Sizing{176400.0f, 16384, 6},
+                                           Sizing{192000.0f, 16384, 6}, Sizing{384000.0f, 16384, 6}));
 
 using AnalyserTransformTest = ::testing::TestWithParam<float>;
 
@@ -113,7 +112,7 @@ double TimeConstantSeconds(SpectrumAnalyser& analyser, const std::vector<float>&
     long firstChange = -1;
     for (std::size_t i = 0; i < signal.size(); ++i)
     {
-        analyser.feed(signal[i]);
+        analyser.feed(&signal[i], 1);
         const double level = analyser.magnitudes()[bin];
         if (firstChange < 0 && level != startLevel)
             firstChange = static_cast<long>(i);

@@ -50,8 +50,7 @@ void runEngine(velmoran::dsp::BandEngine& engine, const std::vector<std::vector<
     {
         const int length = std::min(64, sampleCount - start);
         engine.updateBlock(length);
-        for (int sample = start; sample < start + length; ++sample)
-            engine.processFrame(input[0][sample], input[1][sample], output[0][sample], output[1][sample]);
+        engine.processChunk(&input[0][start], &input[1][start], &output[0][start], &output[1][start], length);
     }
 }
 

@@ -1,7 +1,8 @@
 // process never allocates, frees or takes a lock, whatever a block's parameter changes ask for:
 // glides, filter type and channel mode changes, solo on and off, effect off and on, bypass, the
-// analyser on and off, polarity and gains. Counted on the audio thread only, from before the
-// changes arrive until their glides, cross-fades and ramps have run out.
+// analyser on and off (with an editor open, and as editors open and close), polarity and gains. Counted on
+// the audio thread only, from before the changes arrive until their glides, cross-fades and ramps have run
+// out.
 
 #include "RunningInstance.h"
 
@@ -107,15 +108,32 @@ class PlugRealTime : public testing::TestWithParam<ChangeCase>
 {
 };
 
-TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
+// Two sines of different pitch in the instance's inputs.
+void fillInputs(RunningInstance& instance)
 {
-    RunningInstance instance(kLongestBlock);
-    ASSERT_TRUE(instance.valid());
     for (size_t index = 0; index < instance.inputs[0].size(); ++index)
     {
         instance.inputs[0][index] = static_cast<float>(std::sin(0.05 * static_cast<double>(index)));
         instance.inputs[1][index] = static_cast<float>(std::sin(0.21 * static_cast<double>(index)));
     }
+}
+
+// Processes kBlocksPerStep blocks of the lengths in turn, the first with `changes`.
+void processStep(RunningInstance& instance, IParameterChanges* changes, int& block)
+{
+    for (int count = 0; count < kBlocksPerStep; ++count, ++block)
+    {
+        const int32 length = kBlockLengths[block % std::size(kBlockLengths)];
+        instance.process(length, count == 0 ? changes : nullptr);
+    }
+}
+
+TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
+{
+    RunningInstance instance(kLongestBlock);
+    ASSERT_TRUE(instance.valid());
+    instance.openEditor();
+    fillInputs(instance);
     // Every change list is made before the audio thread is watched, as a host makes its lists.
     std::vector<IPtr<ParameterChanges>> changes;
     for (const Step& step : GetParam().steps)
@@ -126,11 +144,7 @@ TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
     int block = 0;
     for (auto& change : changes)
     {
-        for (int count = 0; count < kBlocksPerStep; ++count, ++block)
-        {
-            const int32 length = kBlockLengths[block % std::size(kBlockLengths)];
-            instance.process(length, count == 0 ? change.get() : nullptr);
-        }
+        processStep(instance, change, block);
     }
     const RealTimeCounts counts = disarmRealTimeProbe();
     EXPECT_EQ(counts.allocations, 0);
@@ -141,6 +155,31 @@ TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
 INSTANTIATE_TEST_SUITE_P(EveryKindOfChange, PlugRealTime, testing::ValuesIn(changeCases()),
                          [](const testing::TestParamInfo<ChangeCase>& info)
                          { return std::string(info.param.name); });
+
+// Editors opening and closing on the UI thread switch the analyser on and off; the audio thread
+// follows without allocating or locking (the messages are made and delivered outside the count).
+TEST(PlugRealTimeEditor, EditorOpeningAndClosingNeitherAllocatesNorLocks)
+{
+    RunningInstance instance(kLongestBlock);
+    ASSERT_TRUE(instance.valid());
+    fillInputs(instance);
+    auto fftOn = changesOf({{Plug::kFftTag, 1.0}});
+    RealTimeCounts counts;
+    int block = 0;
+    for (int step = 0; step < 6; ++step)
+    {
+        instance.openEditor(step % 2 == 0);
+        armRealTimeProbe();
+        processStep(instance, step == 0 ? fftOn.get() : nullptr, block);
+        const RealTimeCounts stepCounts = disarmRealTimeProbe();
+        counts.allocations += stepCounts.allocations;
+        counts.frees += stepCounts.frees;
+        counts.locks += stepCounts.locks;
+    }
+    EXPECT_EQ(counts.allocations, 0);
+    EXPECT_EQ(counts.frees, 0);
+    EXPECT_EQ(counts.locks, 0);
+}
 
 // The probe itself: it must see what it is there to see, also inside the loaded module.
 TEST(RealTimeProbe, SeesAllocationsFreesAndLocks)

@@ -71,6 +71,7 @@ TEST(PlugThreads, SenderPostsFramesWhileTheAudioThreadProcesses)
 {
     RunningInstance instance(kBlock);
     ASSERT_TRUE(instance.valid());
+    instance.openEditor();
     fillSine(instance, 1000.0);
     auto fftOn = changesOf({{Plug::kFftTag, 1.0}});
     ASSERT_EQ(instance.process(kBlock, fftOn), kResultOk);
@@ -96,6 +97,7 @@ TEST_P(PlugTakenDownWhileSending, EndsCleanlyAtAnyPointOfTheSenderPeriod)
     {
         auto instance = std::make_unique<RunningInstance>(kBlock);
         ASSERT_TRUE(instance->valid());
+        instance->openEditor();
         fillSine(*instance, 440.0);
         auto fftOn = changesOf({{Plug::kFftTag, 1.0}});
         ASSERT_EQ(instance->process(kBlock, fftOn), kResultOk);
@@ -117,6 +119,8 @@ TEST(PlugThreads, TwoInstancesRunSideBySideWithoutCrossTalk)
     RunningInstance loud(kBlock);
     RunningInstance silent(kBlock);
     ASSERT_TRUE(loud.valid() && silent.valid());
+    loud.openEditor();
+    silent.openEditor();
     fillSine(loud, 2000.0);
     auto fftOn = changesOf({{Plug::kFftTag, 1.0}});
     ASSERT_EQ(loud.process(kBlock, fftOn), kResultOk);

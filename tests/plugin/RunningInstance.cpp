@@ -94,6 +94,15 @@ void RunningInstance::disconnect()
     mRelay = nullptr;
 }
 
+void RunningInstance::openEditor(bool open)
+{
+    FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
+    if (componentPoint)
+    {
+        componentPoint->notify(editorMessage(open));
+    }
+}
+
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
 {
     mData.numSamples = sampleCount;

@@ -65,6 +65,8 @@ public:
     ReceivedFrames received() { return mRelay ? mRelay->received() : ReceivedFrames{}; }
     // Stops messages from reaching the controller.
     void disconnect();
+    // Tells the processor that an editor opened or closed, with the message the controller sends.
+    void openEditor(bool open = true);
 
     PluginInstance plugin{false};
     std::array<std::vector<float>, 2> inputs;

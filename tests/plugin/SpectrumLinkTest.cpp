@@ -8,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstring>
 #include <mutex>
 #include <thread>
@@ -122,6 +124,7 @@ TEST_F(SpectrumLink, FullFramesArriveAboutEvery20Ms)
 
 TEST_F(SpectrumLink, FrameCarriesTheAnalyserOnceFftIsOn)
 {
+    ASSERT_EQ(point->notify(editorMessage(true)), kResultOk);
     std::vector<std::vector<float>> inputs(2, std::vector<float>(1024, 0.3f));
     std::vector<std::vector<float>> outputs(2, std::vector<float>(1024));
     ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 1024, changesOf({{Plug::kFftTag, 1.0}})),
@@ -137,6 +140,60 @@ TEST_F(SpectrumLink, FrameCarriesTheAnalyserOnceFftIsOn)
     }
     EXPECT_EQ(header.first, 48000.0f);
     EXPECT_TRUE(header.second == 4096 || header.second == 8192 || header.second == 16384) << header.second;
+}
+
+// Without an editor the analyser rests and the frame stays as it was; once one opens, a 1 kHz
+// sine shows within 0.3 s (three attack time constants) at 90 % of the level it settles at, and
+// when the last one closes the frame rests again.
+TEST_F(SpectrumLink, FrameRestsWithoutAnEditorAndCatchesUpWhenOneOpens)
+{
+    const auto run = [&](double seconds, double amplitude)
+    {
+        // Ten whole periods of 48 samples a block, so the blocks join without a step.
+        std::vector<std::vector<float>> inputs(2, std::vector<float>(480));
+        for (auto& channel : inputs)
+            for (size_t i = 0; i < channel.size(); ++i)
+                channel[i] = static_cast<float>(amplitude *
+                                                std::sin(6.283185307179586 * static_cast<double>(i) / 48.0));
+        std::vector<std::vector<float>> outputs = inputs;
+        for (int block = 0; block < static_cast<int>(seconds * 100); ++block)
+            ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 480, changesOf({{Plug::kFftTag, 1.0}})),
+                      kResultOk);
+    };
+    // The header and magnitudes of a frame sent wholly after this call.
+    const auto nextFrame = [&]
+    {
+        const size_t sent = peer->received().frameSizes.size();
+        const auto start = Clock::now();
+        while (peer->received().frameSizes.size() < sent + 2 &&
+               Clock::now() - start < std::chrono::seconds(2))
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        const std::vector<char> frame = peer->received().lastFrame;
+        std::vector<float> magnitudes(2048);
+        if (frame.size() != 32776u)
+            return std::make_pair(std::make_pair(0.0f, int32{-1}), magnitudes);
+        std::memcpy(magnitudes.data(), frame.data() + 8, sizeof(float) * magnitudes.size());
+        return std::make_pair(headerOf(frame), magnitudes);
+    };
+
+    run(0.5, 0.5);
+    const auto resting = nextFrame();
+    EXPECT_EQ(resting.first, std::make_pair(44100.0f, int32{0}));
+    EXPECT_EQ(*std::max_element(resting.second.begin(), resting.second.end()), 0.0f);
+
+    ASSERT_EQ(point->notify(editorMessage(true)), kResultOk);
+    run(0.3, 0.5);
+    const auto rising = nextFrame();
+    run(1.0, 0.5);
+    const auto settled = nextFrame();
+    EXPECT_EQ(settled.first, std::make_pair(48000.0f, int32{4096}));
+    const auto peak = std::max_element(settled.second.begin(), settled.second.end()) - settled.second.begin();
+    EXPECT_GT(settled.second[peak], 0.05f);
+    EXPECT_GT(rising.second[peak], 0.9f * settled.second[peak]);
+
+    ASSERT_EQ(point->notify(editorMessage(false)), kResultOk);
+    run(0.3, 0.0);
+    EXPECT_EQ(nextFrame(), settled);
 }
 
 TEST_F(SpectrumLink, ActivationSendsTheSampleRate)
