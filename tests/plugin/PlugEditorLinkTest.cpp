@@ -60,7 +60,9 @@ protected:
             EXPECT_EQ(processBlock(processor, inputs, outputs, 480, fftOn), kResultOk);
         // Five sender periods, so that a frame posted wholly after the last block has arrived.
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        const Velmoran::SpectrumFrame* frame = controller->spectrumFrame();
+        auto frame = Velmoran::makeSpectrumFrame();
+        uint64_t neverSeen = ~uint64_t{0};
+        EXPECT_TRUE(controller->copySpectrumFrame(*frame, neverSeen));
         return *std::max_element(frame->magnitudes, frame->magnitudes + Velmoran::kAnalyserMagnitudeCount);
     }
 
