@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-using velmoran::platform::CGLRenderer;
 using velmoran::platform::ProgramDescription;
 using velmoran::platform::ProgramRecord;
 using velmoran::platform::sharedProgram;
@@ -26,20 +25,7 @@ constexpr const char* kGoodVertex = "#version 150\n"
                                     "gl_Position = vec4(pos, 0.0, 1.0);\n"
                                     "}";
 
-class ShaderPrograms : public ::testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 64, 64)); }
-
-    void TearDown() override
-    {
-        renderer.teardown();
-        velmoran::test::closeAllWindows();
-    }
-
-    velmoran::test::BoxRecorder boxes;
-    CGLRenderer renderer;
-};
+using ShaderPrograms = velmoran::test::RendererTest;
 
 TEST_F(ShaderPrograms, EveryProgramLinksWithItsBindings)
 {
