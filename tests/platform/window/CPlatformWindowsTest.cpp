@@ -75,14 +75,8 @@ void onFileDrop(const char* path, int slot, void* user)
 int countChildWindows(HWND host)
 {
     int count = 0;
-    EnumChildWindows(
-        host,
-        [](HWND, LPARAM counter) -> BOOL
-        {
-            ++*reinterpret_cast<int*>(counter);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&count));
+    for (HWND child = GetWindow(host, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
+        ++count;
     return count;
 }
 
