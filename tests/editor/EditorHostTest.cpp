@@ -7,7 +7,6 @@
 #include "pluginterfaces/vst/ivstmessage.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -85,14 +84,13 @@ bool showsBand6Handle(const Screenshot& screenshot)
     return true;
 }
 
-// The editor view with the IPlugView calls the host's frame makes written down, each passed on.
-class RecordedView final : public IPlugView
+// The editor view with the IPlugView calls the host's frame makes written down, each passed on;
+// the calls a frame does not make are refused.
+class RecordedView : public IPlugView
 {
 public:
-    explicit RecordedView(IPlugView* view) : mView(owned(view)) {}
-
-    std::vector<std::string> calls;
-    IPlugFrame* frame = nullptr;
+    explicit RecordedView(IPlugView* view) : mView(owned(view)) { FUNKNOWN_CTOR }
+    virtual ~RecordedView(){FUNKNOWN_DTOR}
 
     tresult PLUGIN_API isPlatformTypeSupported(FIDString type) override
     {
@@ -103,42 +101,23 @@ public:
         return record("attached", mView->attached(parent, type));
     }
     tresult PLUGIN_API removed() override { return record("removed", mView->removed()); }
-    tresult PLUGIN_API onWheel(float distance) override { return mView->onWheel(distance); }
-    tresult PLUGIN_API onKeyDown(char16 key, int16 code, int16 modifiers) override
-    {
-        return mView->onKeyDown(key, code, modifiers);
-    }
-    tresult PLUGIN_API onKeyUp(char16 key, int16 code, int16 modifiers) override
-    {
-        return mView->onKeyUp(key, code, modifiers);
-    }
     tresult PLUGIN_API getSize(ViewRect* size) override { return mView->getSize(size); }
     tresult PLUGIN_API onSize(ViewRect* size) override { return record("onSize", mView->onSize(size)); }
-    tresult PLUGIN_API onFocus(TBool state) override { return mView->onFocus(state); }
     tresult PLUGIN_API setFrame(IPlugFrame* newFrame) override
     {
         frame = newFrame;
         return record(newFrame != nullptr ? "setFrame" : "setFrame(null)", mView->setFrame(newFrame));
     }
-    tresult PLUGIN_API canResize() override { return mView->canResize(); }
-    tresult PLUGIN_API checkSizeConstraint(ViewRect* rect) override
-    {
-        return mView->checkSizeConstraint(rect);
-    }
+    tresult PLUGIN_API onWheel(float) override { return kNotImplemented; }
+    tresult PLUGIN_API onKeyDown(char16, int16, int16) override { return kNotImplemented; }
+    tresult PLUGIN_API onKeyUp(char16, int16, int16) override { return kNotImplemented; }
+    tresult PLUGIN_API onFocus(TBool) override { return kNotImplemented; }
+    tresult PLUGIN_API canResize() override { return kResultFalse; }
+    tresult PLUGIN_API checkSizeConstraint(ViewRect*) override { return kNotImplemented; }
 
-    tresult PLUGIN_API queryInterface(const TUID, void** object) override
-    {
-        *object = nullptr;
-        return kNoInterface;
-    }
-    uint32 PLUGIN_API addRef() override { return ++mReferences; }
-    uint32 PLUGIN_API release() override
-    {
-        const uint32 left = --mReferences;
-        if (left == 0)
-            delete this;
-        return left;
-    }
+    std::vector<std::string> calls;
+    IPlugFrame* frame = nullptr;
+    DECLARE_FUNKNOWN_METHODS
 
 private:
     tresult record(const char* call, tresult result)
@@ -148,8 +127,8 @@ private:
     }
 
     IPtr<IPlugView> mView;
-    std::atomic<uint32> mReferences{1};
 };
+IMPLEMENT_FUNKNOWN_METHODS(RecordedView, IPlugView, IPlugView_iid)
 
 // The mouse and key messages the editor's window gets, kept from the editor, each with what the
 // window kit reads besides: the point (the cursor's for the wheel), the buttons held in the
@@ -159,40 +138,28 @@ WNDPROC gEditorProcedure = nullptr;
 
 LRESULT CALLBACK recordInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    static const std::pair<UINT, const char*> kNames[] = {{WM_MOUSEMOVE, "move"},
-                                                          {WM_LBUTTONDOWN, "left down"},
-                                                          {WM_LBUTTONUP, "left up"},
-                                                          {WM_LBUTTONDBLCLK, "left double"},
-                                                          {WM_RBUTTONDOWN, "right down"},
-                                                          {WM_RBUTTONUP, "right up"},
-                                                          {WM_MOUSEWHEEL, "wheel"},
-                                                          {WM_KEYDOWN, "key down"},
-                                                          {WM_KEYUP, "key up"}};
-    for (const auto& [kind, name] : kNames)
+    static const char* const kMouse[] = {"move",        "left down",  "left up",
+                                         "left double", "right down", "right up"};
+    if (message == WM_KEYDOWN || message == WM_KEYUP)
     {
-        if (kind != message)
-            continue;
-        std::string seen = name;
-        if (message == WM_KEYDOWN || message == WM_KEYUP)
-        {
-            gReceived.push_back(seen + " " + std::to_string(wParam));
-            return 0;
-        }
-        POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
-        if (message == WM_MOUSEWHEEL)
-        {
-            GetCursorPos(&point);
-            ScreenToClient(window, &point);
-        }
-        seen += " " + std::to_string(point.x) + "," + std::to_string(point.y);
-        seen += (GetKeyState(VK_LBUTTON) & 0x80) != 0 ? " +left" : "";
-        seen += (GetKeyState(VK_RBUTTON) & 0x80) != 0 ? " +right" : "";
-        if (message == WM_MOUSEWHEEL)
-            seen += " turn " + std::to_string(GET_WHEEL_DELTA_WPARAM(wParam));
-        gReceived.push_back(seen);
+        gReceived.push_back((message == WM_KEYDOWN ? "key down " : "key up ") + std::to_string(wParam));
         return 0;
     }
-    return CallWindowProcA(gEditorProcedure, window, message, wParam, lParam);
+    const bool wheel = message == WM_MOUSEWHEEL;
+    if (!wheel && (message < WM_MOUSEMOVE || message > WM_RBUTTONUP))
+        return CallWindowProcA(gEditorProcedure, window, message, wParam, lParam);
+    POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+    if (wheel)
+    {
+        GetCursorPos(&point);
+        ScreenToClient(window, &point);
+    }
+    std::string seen = wheel ? "wheel" : kMouse[message - WM_MOUSEMOVE];
+    seen += " " + std::to_string(point.x) + "," + std::to_string(point.y);
+    seen += (GetKeyState(VK_LBUTTON) & 0x80) != 0 ? " +left" : "";
+    seen += (GetKeyState(VK_RBUTTON) & 0x80) != 0 ? " +right" : "";
+    gReceived.push_back(wheel ? seen + " turn " + std::to_string(GET_WHEEL_DELTA_WPARAM(wParam)) : seen);
+    return 0;
 }
 
 using EditorHost = EditorHostFixture;
