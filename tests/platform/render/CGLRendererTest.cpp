@@ -12,39 +12,10 @@ using velmoran::test::pixelAt;
 namespace
 {
 
-class Renderer : public ::testing::Test
-{
-protected:
-    void TearDown() override
-    {
-        for (CGLRenderer& renderer : renderers)
-            renderer.teardown();
-        velmoran::test::closeAllWindows();
-    }
-
-    CGLRenderer& open(int width, int height, double logicalWidth = 0, double logicalHeight = 0)
-    {
-        CGLRenderer& renderer = renderers[used++];
-        EXPECT_TRUE(
-            velmoran::test::openClearedRenderer(renderer, width, height, logicalWidth, logicalHeight));
-        return renderer;
-    }
-
-    velmoran::test::BoxRecorder boxes;
-    CGLRenderer renderers[2];
-    int used = 0;
-};
-
-TEST_F(Renderer, ErrorBoxesAreRecordedInsteadOfShown)
-{
-    velmoran::platform::showErrorBox("Velmoran: OpenGL Error", "test");
-    EXPECT_EQ(velmoran::test::recordedBoxes(), std::vector<std::string>{"Velmoran: OpenGL Error|test"});
-}
+using Renderer = velmoran::test::RendererTest;
 
 TEST_F(Renderer, InitialiseSucceedsWithGlsl150AndBuildsTheSharedObjects)
 {
-    ASSERT_EQ(CGLRenderer::sharedContext(), nullptr);
-    CGLRenderer& renderer = open(200, 100);
     EXPECT_FALSE(renderer.missingEntryPoints());
     EXPECT_NE(CGLRenderer::sharedContext(), nullptr);
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
@@ -66,16 +37,16 @@ TEST_F(Renderer, InitialiseSucceedsWithGlsl150AndBuildsTheSharedObjects)
 
 TEST_F(Renderer, TwoRenderersShareOneContextUntilTheLastTeardown)
 {
-    CGLRenderer& first = open(200, 100);
     HGLRC context = CGLRenderer::sharedContext();
-    CGLRenderer& second = open(120, 80);
+    CGLRenderer second;
+    ASSERT_TRUE(velmoran::test::openClearedRenderer(second, 120, 80));
     EXPECT_EQ(CGLRenderer::sharedContext(), context);
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 2);
     EXPECT_EQ(sharedProgram(velmoran::platform::kProgramFlat)->useCount, 2);
     EXPECT_EQ(CGLRenderer::dashTexture()->useCount, 2);
     EXPECT_EQ(CGLRenderer::glyphAtlas()->useCount, 2);
 
-    first.teardown();
+    renderer.teardown();
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
     second.makeCurrent();
     second.beginFrame();
@@ -92,67 +63,22 @@ TEST_F(Renderer, TwoRenderersShareOneContextUntilTheLastTeardown)
     EXPECT_EQ(wglGetCurrentContext(), nullptr);
 }
 
-// A window that is gone gives no context; the next renderer creates one and keeps its own count.
-TEST_F(Renderer, FailedContextCreationIsTriedAgainByTheNextRenderer)
-{
-    HWND gone = velmoran::test::openChildWindow(64, 64);
-    DestroyWindow(gone);
-    CGLRenderer& failed = renderers[used++];
-    EXPECT_EQ(failed.initialise(gone, 64, 64, 64, 64), CGLRenderer::kNoContext);
-    EXPECT_EQ(CGLRenderer::sharedContext(), nullptr);
-
-    open(200, 100);
-    EXPECT_NE(CGLRenderer::sharedContext(), nullptr);
-    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
-    failed.teardown();
-    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
-}
-
-TEST_F(Renderer, OriginIsTopLeftWithOneUnitPerLogicalPixel)
-{
-    CGLRenderer& renderer = open(200, 100);
-    renderer.setColour(255, 255, 0);
-    renderer.fillRect(0, 0, 1, 1);
-    renderer.fillRect(199, 99, 1, 1);
-    EXPECT_TRUE(looksLike(pixelAt(0, 0, 100), 255, 255, 0));
-    EXPECT_TRUE(looksLike(pixelAt(199, 99, 100), 255, 255, 0));
-    EXPECT_TRUE(looksLike(pixelAt(0, 1, 100), 0, 0, 0));
-    EXPECT_TRUE(looksLike(pixelAt(1, 0, 100), 0, 0, 0));
-}
-
-TEST_F(Renderer, LogicalAreaIsStretchedOverTheViewport)
-{
-    // 160 x 80 logical pixels on a 200 x 100 window: everything grows by 1.25.
-    CGLRenderer& renderer = open(200, 100, 160, 80);
-    renderer.setColour(255, 0, 0);
-    renderer.fillRect(40, 40, 40, 20);
-    EXPECT_TRUE(looksLike(pixelAt(51, 51, 100), 255, 0, 0));
-    EXPECT_TRUE(looksLike(pixelAt(98, 73, 100), 255, 0, 0));
-    EXPECT_TRUE(looksLike(pixelAt(48, 48, 100), 0, 0, 0));
-    EXPECT_TRUE(looksLike(pixelAt(101, 76, 100), 0, 0, 0));
-}
-
 TEST_F(Renderer, ScissorClipsAndAnEmptyRectangleSwitchesItOff)
 {
-    CGLRenderer& renderer = open(200, 100);
     renderer.setColour(255, 255, 255);
     renderer.setScissor(10, 20, 30, 40);
     EXPECT_TRUE(glIsEnabled(GL_SCISSOR_TEST));
     renderer.fillRect(0, 0, 200, 100);
-    EXPECT_TRUE(looksLike(pixelAt(11, 21, 100), 255, 255, 255));
-    EXPECT_TRUE(looksLike(pixelAt(38, 58, 100), 255, 255, 255));
-    EXPECT_TRUE(looksLike(pixelAt(9, 30, 100), 0, 0, 0));
-    EXPECT_TRUE(looksLike(pixelAt(20, 61, 100), 0, 0, 0));
+    expectPixels({{11, 21, 255, 255, 255}, {38, 58, 255, 255, 255}, {9, 30, 0, 0, 0}, {20, 61, 0, 0, 0}});
 
     renderer.setScissor(0, 0, 0, 0);
     EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
     renderer.fillRect(0, 0, 200, 100);
-    EXPECT_TRUE(looksLike(pixelAt(150, 90, 100), 255, 255, 255));
+    expectPixels({{150, 90, 255, 255, 255}});
 }
 
 TEST_F(Renderer, NewViewportSizeIsFlaggedUntilPresent)
 {
-    CGLRenderer& renderer = open(200, 100);
     float width = 0.0f;
     float height = 0.0f;
     EXPECT_FALSE(renderer.viewportSize(width, height));
@@ -166,7 +92,6 @@ TEST_F(Renderer, NewViewportSizeIsFlaggedUntilPresent)
 
 TEST_F(Renderer, ReuploadShowsChangedPixels)
 {
-    CGLRenderer& renderer = open(200, 100);
     std::vector<uint8_t> pixels(64 * 64 * 4, 255);
     auto texture = renderer.createTexture(pixels.data(), 64, 64);
     ASSERT_NE(texture, nullptr);
@@ -176,13 +101,12 @@ TEST_F(Renderer, ReuploadShowsChangedPixels)
         texture->pixels[i + 1] = 0;
     renderer.reuploadTexture(*texture);
     renderer.drawImage(*texture, 0, 0, 0, 0, 64, 64);
-    EXPECT_TRUE(looksLike(pixelAt(30, 30, 100), 255, 0, 255));
+    expectPixels({{30, 30, 255, 0, 255}});
 }
 
 // A texture made to be read back is made without pixels and starts cleared.
 TEST_F(Renderer, ReadBackCopiesTheWindowIntoATextureMadeWithoutPixels)
 {
-    CGLRenderer& renderer = open(200, 100);
     renderer.setColour(255, 0, 0);
     renderer.fillRect(0, 0, 64, 32);
     renderer.setColour(0, 0, 255);
@@ -205,7 +129,6 @@ TEST_F(Renderer, ReadBackCopiesTheWindowIntoATextureMadeWithoutPixels)
 // Texture sides start at 64 and double up to the driver's limit (-1 beyond it).
 TEST_F(Renderer, PowerOfTwoSizes)
 {
-    open(200, 100);
     GLint limit = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
     const int cases[][4] = {{16, 16, 64, 64},
@@ -223,9 +146,44 @@ TEST_F(Renderer, PowerOfTwoSizes)
     }
 }
 
+// 160 x 80 logical pixels on a 200 x 100 window: everything grows by 1.25.
+TEST(RendererOnItsOwn, LogicalAreaIsStretchedOverTheViewport)
+{
+    CGLRenderer renderer;
+    ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 200, 100, 160, 80));
+    renderer.setColour(255, 0, 0);
+    renderer.fillRect(40, 40, 40, 20);
+    EXPECT_TRUE(looksLike(pixelAt(51, 51, 100), 255, 0, 0));
+    EXPECT_TRUE(looksLike(pixelAt(98, 73, 100), 255, 0, 0));
+    EXPECT_TRUE(looksLike(pixelAt(48, 48, 100), 0, 0, 0));
+    EXPECT_TRUE(looksLike(pixelAt(101, 76, 100), 0, 0, 0));
+    renderer.teardown();
+    velmoran::test::closeAllWindows();
+}
+
+// A window that is gone gives no context; the next renderer creates one and keeps its own count.
+TEST(RendererOnItsOwn, FailedContextCreationIsTriedAgainByTheNextRenderer)
+{
+    const velmoran::test::BoxRecorder boxes;
+    HWND gone = velmoran::test::openChildWindow(64, 64);
+    DestroyWindow(gone);
+    CGLRenderer failed;
+    EXPECT_EQ(failed.initialise(gone, 64, 64, 64, 64), CGLRenderer::kNoContext);
+    EXPECT_EQ(CGLRenderer::sharedContext(), nullptr);
+
+    CGLRenderer next;
+    ASSERT_TRUE(velmoran::test::openClearedRenderer(next, 200, 100));
+    EXPECT_NE(CGLRenderer::sharedContext(), nullptr);
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
+    failed.teardown();
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
+    next.teardown();
+    velmoran::test::closeAllWindows();
+}
+
 // Without a context: texture sides stop at 1024, the pixel scale is at least one, and every
 // drawing call is harmless.
-TEST(RendererWithoutContext, KeepsSafeLimitsAndDrawsNothing)
+TEST(RendererOnItsOwn, WithoutAContextKeepsSafeLimitsAndDrawsNothing)
 {
     ASSERT_EQ(CGLRenderer::sharedContext(), nullptr);
     int width = 0;

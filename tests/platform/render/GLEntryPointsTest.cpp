@@ -16,22 +16,9 @@ struct EntryPointCase
     bool stopsTheRenderer;
 };
 
-class EntryPoints : public ::testing::TestWithParam<EntryPointCase>
+// With a renderer open, so that the table is loaded.
+class EntryPoints : public velmoran::test::RendererTest, public ::testing::WithParamInterface<EntryPointCase>
 {
-protected:
-    static void SetUpTestSuite() { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer(), 32, 32)); }
-
-    static void TearDownTestSuite()
-    {
-        renderer().teardown();
-        velmoran::test::closeAllWindows();
-    }
-
-    static velmoran::platform::CGLRenderer& renderer()
-    {
-        static velmoran::platform::CGLRenderer instance;
-        return instance;
-    }
 };
 
 TEST_P(EntryPoints, OnlyTheTestedSetStopsTheRenderer)

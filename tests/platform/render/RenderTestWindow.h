@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -97,5 +98,42 @@ inline ::testing::AssertionResult looksLike(const Pixel& pixel, int r, int g, in
     return ::testing::AssertionFailure() << "pixel (" << pixel.r << ", " << pixel.g << ", " << pixel.b
                                          << ") is not (" << r << ", " << g << ", " << b << ")";
 }
+
+// A point of the frame and the colour expected there.
+struct Probe
+{
+    int x;
+    int y;
+    int r;
+    int g;
+    int b;
+};
+
+// A renderer on a fresh 200 x 100 child window, current and cleared to black, with error boxes
+// recorded; renderer and windows go at the end.
+class RendererTest : public ::testing::Test
+{
+protected:
+    static constexpr int kWidth = 200;
+    static constexpr int kHeight = 100;
+
+    void SetUp() override { ASSERT_TRUE(openClearedRenderer(renderer, kWidth, kHeight)); }
+    void TearDown() override
+    {
+        renderer.teardown();
+        closeAllWindows();
+    }
+
+    Pixel at(int x, int y) const { return pixelAt(x, y, kHeight); }
+    void expectPixels(std::initializer_list<Probe> probes, int tolerance = 2) const
+    {
+        for (const Probe& probe : probes)
+            EXPECT_TRUE(looksLike(at(probe.x, probe.y), probe.r, probe.g, probe.b, tolerance))
+                << "at " << probe.x << ", " << probe.y;
+    }
+
+    BoxRecorder boxes;
+    platform::CGLRenderer renderer;
+};
 
 } // namespace velmoran::test

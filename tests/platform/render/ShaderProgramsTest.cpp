@@ -4,7 +4,8 @@
 
 #include <gtest/gtest.h>
 
-using velmoran::platform::CGLRenderer;
+#include <utility>
+
 using velmoran::platform::ProgramDescription;
 using velmoran::platform::ProgramRecord;
 using velmoran::platform::sharedProgram;
@@ -26,20 +27,7 @@ constexpr const char* kGoodVertex = "#version 150\n"
                                     "gl_Position = vec4(pos, 0.0, 1.0);\n"
                                     "}";
 
-class ShaderPrograms : public ::testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 64, 64)); }
-
-    void TearDown() override
-    {
-        renderer.teardown();
-        velmoran::test::closeAllWindows();
-    }
-
-    velmoran::test::BoxRecorder boxes;
-    CGLRenderer renderer;
-};
+using ShaderPrograms = velmoran::test::RendererTest;
 
 TEST_F(ShaderPrograms, EveryProgramLinksWithItsBindings)
 {
@@ -65,46 +53,36 @@ TEST_F(ShaderPrograms, EveryProgramLinksWithItsBindings)
     }
 }
 
-TEST_F(ShaderPrograms, BrokenShaderIsReportedWithItsNameAndTheDriverLog)
+// A shader that does not compile is reported by name with the driver's log and the advice, and so
+// is its program's link; stages that compile but cannot run fail at link.
+TEST_F(ShaderPrograms, FailuresAreReportedWithTheNameAndTheDriverLog)
 {
-    const ProgramDescription broken{3,
-                                    kGoodVertex,
-                                    "#version 150\nout vec4 FragColour;\nvoid main ()\n{\n"
-                                    "    FragColour = undefinedColour;\n}",
-                                    "FragColour",
-                                    "pos",
-                                    "colour",
-                                    4};
-    ProgramRecord record;
-    EXPECT_FALSE(velmoran::platform::buildProgram(broken, record));
-    const auto& boxes = velmoran::test::recordedBoxes();
-    ASSERT_EQ(boxes.size(), 2u);
-    const std::string compileBox = boxes[0];
-    EXPECT_TRUE(velmoran::test::boxStartsWith(compileBox, "GFX-PXSHDR-03 failed to compile")) << compileBox;
-    EXPECT_NE(compileBox.find("undefinedColour"), std::string::npos) << compileBox;
-    EXPECT_EQ(compileBox.substr(compileBox.size() - std::string(kAdvice).size() - 1),
+    // The boxes of one failed build, taken from the recorder.
+    const auto failedBuild = [](int number, const char* vertex, const char* fragment)
+    {
+        ProgramRecord record;
+        EXPECT_FALSE(velmoran::platform::buildProgram(
+            {number, vertex, fragment, "FragColour", "pos", "colour", 4}, record));
+        velmoran::platform::gGL.glDeleteProgram(record.program);
+        return std::exchange(velmoran::test::recordedBoxes(), {});
+    };
+    const std::vector<std::string> broken = failedBuild(
+        3, kGoodVertex,
+        "#version 150\nout vec4 FragColour;\nvoid main ()\n{\n    FragColour = undefinedColour;\n}");
+    ASSERT_EQ(broken.size(), 2u);
+    EXPECT_TRUE(velmoran::test::boxStartsWith(broken[0], "GFX-PXSHDR-03 failed to compile")) << broken[0];
+    EXPECT_NE(broken[0].find("undefinedColour"), std::string::npos) << broken[0];
+    EXPECT_EQ(broken[0].substr(broken[0].size() - std::string(kAdvice).size() - 1),
               std::string("\n") + kAdvice);
-    EXPECT_TRUE(velmoran::test::boxStartsWith(boxes[1], "GFX-UNSHDR-03 failed to link")) << boxes[1];
-    velmoran::platform::gGL.glDeleteProgram(record.program);
-}
+    EXPECT_TRUE(velmoran::test::boxStartsWith(broken[1], "GFX-UNSHDR-03 failed to link")) << broken[1];
 
-TEST_F(ShaderPrograms, StagesThatCompileButCannotRunFailAtLink)
-{
-    const ProgramDescription unmatched{5,
-                                       "#version 150\nin vec2 pos;\nvoid helper ()\n{\n}",
-                                       "#version 150\nout vec4 FragColour;\nvoid main ()\n{\n"
-                                       "    FragColour = vec4(1.0);\n}",
-                                       "FragColour",
-                                       "pos",
-                                       "colour",
-                                       4};
-    ProgramRecord record;
-    EXPECT_FALSE(velmoran::platform::buildProgram(unmatched, record));
-    const auto& boxes = velmoran::test::recordedBoxes();
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_TRUE(velmoran::test::boxStartsWith(boxes[0], "GFX-UNSHDR-05 failed to link")) << boxes[0];
-    EXPECT_NE(boxes[0].find("main"), std::string::npos) << boxes[0];
-    velmoran::platform::gGL.glDeleteProgram(record.program);
+    const std::vector<std::string> unmatched =
+        failedBuild(5, "#version 150\nin vec2 pos;\nvoid helper ()\n{\n}",
+                    "#version 150\nout vec4 FragColour;\nvoid main ()\n{\n"
+                    "    FragColour = vec4(1.0);\n}");
+    ASSERT_EQ(unmatched.size(), 1u);
+    EXPECT_TRUE(velmoran::test::boxStartsWith(unmatched[0], "GFX-UNSHDR-05 failed to link")) << unmatched[0];
+    EXPECT_NE(unmatched[0].find("main"), std::string::npos) << unmatched[0];
 }
 
 TEST_F(ShaderPrograms, ReleaseDeletesAProgramOnlyAtTheLastUse)

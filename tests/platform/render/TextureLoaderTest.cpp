@@ -10,6 +10,8 @@
 
 using velmoran::platform::CGLRenderer;
 using velmoran::platform::GLTexture;
+using velmoran::platform::loadImage;
+using velmoran::platform::loadTexture;
 
 namespace
 {
@@ -26,25 +28,13 @@ bool sameRow(const GLTexture& texture, int x, int y, const velmoran::platform::S
                        static_cast<size_t>(image.width * 4)) == 0;
 }
 
-class TextureLoader : public ::testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(velmoran::test::openClearedRenderer(renderer, 200, 100)); }
-
-    void TearDown() override
-    {
-        renderer.teardown();
-        velmoran::test::closeAllWindows();
-    }
-
-    CGLRenderer renderer;
-};
+using TextureLoader = velmoran::test::RendererTest;
 
 TEST_F(TextureLoader, FiveFrameStripIsPackedRowByRowIntoAPowerOfTwoTexture)
 {
-    const auto image = velmoran::platform::loadImage(velmoran::resources::kAutoLockSelector);
+    const auto image = loadImage(velmoran::resources::kAutoLockSelector);
     ASSERT_TRUE(image.has_value());
-    auto texture = velmoran::platform::loadTexture(renderer, velmoran::resources::kAutoLockSelector, 5);
+    auto texture = loadTexture(renderer, velmoran::resources::kAutoLockSelector, 5);
     ASSERT_NE(texture, nullptr);
     EXPECT_EQ(texture->width, 128);
     EXPECT_EQ(texture->height, 64);
@@ -60,9 +50,9 @@ TEST_F(TextureLoader, FiveFrameStripIsPackedRowByRowIntoAPowerOfTwoTexture)
 
 TEST_F(TextureLoader, SmallIconSitsInTheTopLeftOfA64Texture)
 {
-    const auto image = velmoran::platform::loadImage(velmoran::resources::kIconPeak);
+    const auto image = loadImage(velmoran::resources::kIconPeak);
     ASSERT_TRUE(image.has_value());
-    auto texture = velmoran::platform::loadTexture(renderer, velmoran::resources::kIconPeak);
+    auto texture = loadTexture(renderer, velmoran::resources::kIconPeak);
     ASSERT_NE(texture, nullptr);
     EXPECT_EQ(texture->width, 64);
     EXPECT_EQ(texture->height, 64);
@@ -72,39 +62,45 @@ TEST_F(TextureLoader, SmallIconSitsInTheTopLeftOfA64Texture)
     EXPECT_EQ(texel(*texture, 0, 16)[3], 0);
 }
 
-TEST_F(TextureLoader, LoadedFrameDrawsAsStored)
+// Each frame of a loaded strip, the one on the texture's second row too, draws as stored (its
+// opaque pixels) and no wider than a frame.
+TEST_F(TextureLoader, EveryLoadedFrameDrawsAsStored)
 {
-    const auto image = velmoran::platform::loadImage(velmoran::resources::kChannelModeButton);
+    const auto image = loadImage(velmoran::resources::kAutoLockSelector);
     ASSERT_TRUE(image.has_value());
-    auto texture = velmoran::platform::loadTexture(renderer, velmoran::resources::kChannelModeButton, 3);
+    auto texture = loadTexture(renderer, velmoran::resources::kAutoLockSelector, 5);
     ASSERT_NE(texture, nullptr);
-    renderer.drawImageFrame(*texture, 32, 32, 2, 10, 20);
-    // Compare the opaque pixels of frame 2 (rows 64..95 of the strip) with the drawing.
-    int compared = 0;
-    for (int y = 0; y < 32; ++y)
-        for (int x = 0; x < 32; ++x)
-        {
-            const uint8_t* source = image->pixels + static_cast<size_t>((64 + y) * image->rowstride + x * 4);
-            if (source[3] != 255)
-                continue;
-            const velmoran::test::Pixel drawn = velmoran::test::pixelAt(10 + x, 20 + y, 100);
-            EXPECT_NEAR(drawn.r, source[0], 1);
-            EXPECT_NEAR(drawn.g, source[1], 1);
-            EXPECT_NEAR(drawn.b, source[2], 1);
-            ++compared;
-        }
-    EXPECT_GT(compared, 100);
+    for (int frame = 0; frame < 5; ++frame)
+    {
+        SCOPED_TRACE(frame);
+        renderer.clear();
+        renderer.drawImageFrame(*texture, 32, 32, frame, 10, 20);
+        int compared = 0;
+        for (int y = 0; y < 32; ++y)
+            for (int x = 0; x < 32; ++x)
+            {
+                const uint8_t* stored =
+                    image->pixels + static_cast<size_t>((frame * 32 + y) * image->rowstride + x * 4);
+                if (stored[3] != 255)
+                    continue;
+                EXPECT_TRUE(
+                    velmoran::test::looksLike(at(10 + x, 20 + y), stored[0], stored[1], stored[2], 1));
+                ++compared;
+            }
+        EXPECT_GT(compared, 100);
+        expectPixels({{42, 36, 0, 0, 0}});
+    }
 }
 
 TEST_F(TextureLoader, MissingImageGivesNothing)
 {
-    EXPECT_EQ(velmoran::platform::loadTexture(renderer, 4242, 1), nullptr);
+    EXPECT_EQ(loadTexture(renderer, 4242, 1), nullptr);
 }
 
 TEST(TextureLoaderWithoutContext, GivesNothing)
 {
     CGLRenderer renderer;
-    EXPECT_EQ(velmoran::platform::loadTexture(renderer, velmoran::resources::kIconPeak), nullptr);
+    EXPECT_EQ(loadTexture(renderer, velmoran::resources::kIconPeak), nullptr);
 }
 
 } // namespace

@@ -16,34 +16,7 @@ namespace
 
 using test::ScratchFolder;
 
-class AudioFileRoundTrip : public testing::TestWithParam<test::SoundFormat>
-{
-};
-
-TEST_P(AudioFileRoundTrip, KeepsEverySampleRateAndFormat)
-{
-    const test::SoundFormat& format = GetParam();
-    ScratchFolder folder;
-    const std::vector<float> signal = test::busySignal(0.25, format.sampleRate, format.channels);
-    test::writeSound(folder.file("a"), signal, format.format, format.sampleRate, format.channels);
-    const test::Sound sound = test::readSound(folder.file("a"));
-    EXPECT_EQ(sound.info.format, format.format);
-    EXPECT_EQ(sound.info.channels, format.channels);
-    EXPECT_EQ(sound.info.sampleRate, format.sampleRate);
-    EXPECT_EQ(sound.samples, signal);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Formats, AudioFileRoundTrip,
-    testing::Values(test::SoundFormat{"wav16mono", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, 44100},
-                    test::SoundFormat{"wav24", SF_FORMAT_WAV | SF_FORMAT_PCM_24, 2, 48000},
-                    test::SoundFormat{"wav32", SF_FORMAT_WAV | SF_FORMAT_PCM_32, 2, 96000},
-                    test::SoundFormat{"wavfloat", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 2, 48000},
-                    test::SoundFormat{"aiff24", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 2, 44100},
-                    test::SoundFormat{"aifffloat", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, 1, 48000},
-                    test::SoundFormat{"flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 2, 44100},
-                    test::SoundFormat{"flac24mono", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 1, 88200}),
-    test::soundFormatName);
+// Reading and writing every format: see the tool's null test (RenderToolTest.cpp).
 
 TEST(AudioFile, OutputKeepsTheInputFormatUnlessAskedOtherwise)
 {

@@ -58,18 +58,24 @@ struct TypedValue
 {
     const char* title;
     const char* typed;
-    const char* shown; // or a part of the message that refuses it
+    const char* shown; // or, when refused, a part of the message
+    bool refused = false;
 };
 
 class PluginSettingsValues : public PluginSettingsTest, public testing::WithParamInterface<TypedValue>
 {
 };
 
+// Values are read in the plug-in's own texts; one outside the range is refused naming the range.
 TEST_P(PluginSettingsValues, ReadInThePluginsOwnTexts)
 {
-    const ParameterEntry& entry = mCatalogue->find(GetParam().title);
-    const ParamValue value = mCatalogue->valueOf(entry, GetParam().typed);
-    EXPECT_EQ(mCatalogue->text(entry.tag, value), GetParam().shown);
+    const TypedValue& value = GetParam();
+    const ParameterEntry& entry = mCatalogue->find(value.title);
+    if (value.refused)
+        EXPECT_TRUE(
+            test::contains(usageMessage([&] { mCatalogue->valueOf(entry, value.typed); }), value.shown));
+    else
+        EXPECT_EQ(mCatalogue->text(entry.tag, mCatalogue->valueOf(entry, value.typed)), value.shown);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -79,20 +85,12 @@ INSTANTIATE_TEST_SUITE_P(
                     TypedValue{"03 Filt Type", "lf shelf", "LF Shelf"},
                     TypedValue{"03 Freq", "1000 Hz", "1000.00 Hz"}, TypedValue{"03 Q", "2", "2.00"},
                     TypedValue{"03 Mode", "Left", "Left"}, TypedValue{"EQ", "Out", "Out"},
-                    TypedValue{"Output Gain", "0 dB", "0.00 dB"}));
-
-TEST_F(PluginSettingsTest, ValuesOutsideTheRangeNameTheRange)
-{
-    const TypedValue cases[] = {
-        {"03 Gain", "+30 dB", "from -18.00 dB to 18.00 dB"},
-        {"03 Freq", "25 kHz", "from 20.00 Hz to 20000.00 Hz"},
-        {"03 Filt Type", "Peak +6dB", "one of: [ --- ], No Filter, Pk dB/2, Peak -3dB"},
-        {"EQ", "maybe", "one of: Out, In"}};
-    for (const TypedValue& value : cases)
-        EXPECT_TRUE(test::contains(
-            usageMessage([&] { mCatalogue->valueOf(mCatalogue->find(value.title), value.typed); }),
-            value.shown));
-}
+                    TypedValue{"Output Gain", "0 dB", "0.00 dB"},
+                    TypedValue{"03 Gain", "+30 dB", "from -18.00 dB to 18.00 dB", true},
+                    TypedValue{"03 Freq", "25 kHz", "from 20.00 Hz to 20000.00 Hz", true},
+                    TypedValue{"03 Filt Type", "Peak +6dB", "one of: [ --- ], No Filter, Pk dB/2, Peak -3dB",
+                               true},
+                    TypedValue{"EQ", "maybe", "one of: Out, In", true}));
 
 TEST_F(PluginSettingsTest, ProgramsByNumberAndByEitherName)
 {

@@ -3,13 +3,11 @@
 #include "tools/render/AtomicFile.h"
 
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <stdexcept>
 
@@ -21,32 +19,22 @@ namespace
 
 constexpr double kPi = 3.141592653589793;
 
-std::string gModulePath;
-std::string gToolPath;
-
 std::string fileText(const std::string& path)
 {
     const std::vector<char> bytes = render::readFileBytes(path);
     return std::string(bytes.begin(), bytes.end());
 }
 
+// The text quoted as one word of a shell command.
+std::string shellWord(const std::string& text)
+{
+    std::string word = "'";
+    for (const char c : text)
+        word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return word + "'";
+}
+
 } // namespace
-
-void setRenderPaths(const std::string& modulePath, const std::string& toolPath)
-{
-    gModulePath = modulePath;
-    gToolPath = toolPath;
-}
-
-const std::string& renderModulePath()
-{
-    return gModulePath;
-}
-
-const std::string& renderToolPath()
-{
-    return gToolPath;
-}
 
 ScratchFolder::ScratchFolder()
 {
@@ -148,42 +136,16 @@ double rmsDb(const Sound& sound, int channel, size_t first)
 
 ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
 {
-    std::vector<std::string> all = {gToolPath};
+    std::string command = shellWord(renderToolPath());
     if (givePlugin)
-    {
-        all.push_back("--plugin");
-        all.push_back(gModulePath);
-    }
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    char errorsPath[] = "/tmp/velmoran-render-stderr.XXXXXX";
-    char outputPath[] = "/tmp/velmoran-render-stdout.XXXXXX";
-    const int errors = mkstemp(errorsPath);
-    const int output = mkstemp(outputPath);
-    ToolRun run;
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        dup2(errors, STDERR_FILENO);
-        dup2(output, STDOUT_FILENO);
-        std::vector<char*> argv;
-        for (std::string& argument : all)
-        {
-            argv.push_back(argument.data());
-        }
-        argv.push_back(nullptr);
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    close(errors);
-    close(output);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.errors = fileText(errorsPath);
-    run.output = fileText(outputPath);
-    unlink(errorsPath);
-    unlink(outputPath);
-    return run;
+        command += " --plugin " + shellWord(renderModulePath());
+    for (const std::string& argument : arguments)
+        command += " " + shellWord(argument);
+    const ScratchFolder streams;
+    const int status =
+        std::system((command + " >" + streams.file("output") + " 2>" + streams.file("errors")).c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileText(streams.file("errors")),
+            fileText(streams.file("output"))};
 }
 
 } // namespace velmoran::test

@@ -15,9 +15,16 @@ namespace velmoran::test
 {
 
 // Paths given to the test program: the built module and the velmoran-render program.
-void setRenderPaths(const std::string& modulePath, const std::string& toolPath);
-const std::string& renderModulePath();
-const std::string& renderToolPath();
+inline std::string& renderModulePath()
+{
+    static std::string path;
+    return path;
+}
+inline std::string& renderToolPath()
+{
+    static std::string path;
+    return path;
+}
 
 // A fresh folder removed with everything in it at destruction.
 class ScratchFolder

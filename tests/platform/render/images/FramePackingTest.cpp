@@ -58,34 +58,29 @@ TEST(FramePacking, EditorStripsGetColumnsRowsAndAPowerOfTwoTexture)
     }
 }
 
-TEST(FramePacking, FiveFrameStripFollowsTheTextureWidthNotTheColumnCount)
-{
-    const FramePacking packing = packFrames(32, 160, 5, kDriverLimit);
-    const int expected[5][2] = {{0, 0}, {32, 0}, {64, 0}, {96, 0}, {0, 32}};
-    for (int frame = 0; frame < 5; ++frame)
-    {
-        EXPECT_EQ(framePosition(packing, frame).x, expected[frame][0]) << "frame " << frame;
-        EXPECT_EQ(framePosition(packing, frame).y, expected[frame][1]) << "frame " << frame;
-    }
-}
-
-TEST(FramePacking, CopiedFramesLandInTheirCellsAndTheRestStaysTransparent)
+// The frames of a five-frame strip fill the texture's width row by row (four, not the three columns
+// the count gives, to a row), each copied into its cell; the rest stays transparent.
+TEST(FramePacking, FramesFillTheTextureWidthRowByRowAndTheRestStaysTransparent)
 {
     const std::vector<std::uint8_t> strip = numberedStrip(32, 160, 5);
     const FramePacking packing = packFrames(32, 160, 5, kDriverLimit);
     std::vector<std::uint8_t> texture(static_cast<std::size_t>(packing.textureWidth) * packing.textureHeight *
                                       4);
     copyFramesIntoTexture(packing, strip.data(), 32 * 4, texture.data());
-
     auto pixelAt = [&](int x, int y)
     { return &texture[(static_cast<std::size_t>(y) * packing.textureWidth + x) * 4]; };
-    // Frame 4's pixel (5, 7) sits at (0 + 5, 32 + 7).
-    EXPECT_EQ(pixelAt(5, 39)[0], 5);
-    EXPECT_EQ(pixelAt(5, 39)[1], 5);
-    EXPECT_EQ(pixelAt(5, 39)[2], 7);
-    // Frame 3's bottom-right corner.
-    EXPECT_EQ(pixelAt(127, 31)[0], 4);
-    // The second row past frame 4 is empty.
+
+    const int corners[5][2] = {{0, 0}, {32, 0}, {64, 0}, {96, 0}, {0, 32}};
+    for (int frame = 0; frame < 5; ++frame)
+    {
+        SCOPED_TRACE(frame);
+        EXPECT_EQ(framePosition(packing, frame).x, corners[frame][0]);
+        EXPECT_EQ(framePosition(packing, frame).y, corners[frame][1]);
+        // The frame's pixel (5, 7) and its bottom-right corner.
+        const std::uint8_t* pixel = pixelAt(corners[frame][0] + 5, corners[frame][1] + 7);
+        EXPECT_EQ(std::vector<int>(pixel, pixel + 4), (std::vector<int>{frame + 1, 5, 7, 255}));
+        EXPECT_EQ(pixelAt(corners[frame][0] + 31, corners[frame][1] + 31)[0], frame + 1);
+    }
     EXPECT_EQ(pixelAt(40, 40)[3], 0);
     EXPECT_EQ(pixelAt(40, 40)[0], 0);
 }

@@ -38,10 +38,8 @@ TEST(ImageLoader, LoadsASwitchFaceWithoutCopyingItsPixels)
 {
     const auto image = loadImage(velmoran::resources::kEffectSwitch);
     ASSERT_TRUE(image.has_value());
-    EXPECT_EQ(image->width, 64);
-    EXPECT_EQ(image->height, 86);
-    EXPECT_EQ(image->rowstride, 256);
-    EXPECT_EQ(image->bytesPerPixel, 4);
+    EXPECT_EQ(std::vector<int>({image->width, image->height, image->rowstride, image->bytesPerPixel}),
+              std::vector<int>({64, 86, 256, 4}));
     EXPECT_EQ(image->pixels,
               velmoran::resources::findBinaryResource(velmoran::resources::kEffectSwitch).data + 24);
 }
@@ -53,9 +51,9 @@ TEST(ImageLoader, ReadsPixelsTopRowFirstAsRedGreenBlueAlpha)
     ASSERT_TRUE(image.has_value());
     EXPECT_EQ(image->width, 2);
     EXPECT_EQ(image->height, 1);
-    EXPECT_EQ(image->pixels[0], 255); // first pixel red
-    EXPECT_EQ(image->pixels[6], 255); // second pixel blue
-    EXPECT_EQ(image->pixels[7], 128); // at half alpha
+    // Red, then blue at half alpha.
+    EXPECT_EQ(std::vector<int>(image->pixels, image->pixels + 8),
+              std::vector<int>({255, 0, 0, 255, 0, 0, 255, 128}));
 }
 
 // A record that is not a pixbuf is refused with the loader's diagnostic; a cut one is refused

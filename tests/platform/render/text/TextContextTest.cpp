@@ -289,7 +289,7 @@ std::string fontName(const ::testing::TestParamInfo<const FontDescriptor*>& info
 } // namespace
 
 // Capitals stand on the baseline about three quarters of the design size tall, and the pen moves
-// by the measured width.
+// by the measured width, which each character adds to.
 TEST_P(EveryFont, DrawsCapitalsOnTheBaselineAtItsDesignSize)
 {
     const FontDescriptor& font = *GetParam();
@@ -303,6 +303,7 @@ TEST_P(EveryFont, DrawsCapitalsOnTheBaselineAtItsDesignSize)
     EXPECT_GT(box.bottom - box.top + 1, font.designSize * 0.6);
     EXPECT_LT(box.bottom - box.top + 1, font.designSize * 0.85);
     EXPECT_NEAR(text.penX() - 10.0f, text.measure(kRoomy, kRoomy, "HEH").width, 1.0f);
+    EXPECT_GT(text.characterAdvance('H'), 0.0f);
 }
 
 INSTANTIATE_TEST_SUITE_P(BuiltInFonts, EveryFont, ::testing::ValuesIn(builtInFonts()), fontName);
