@@ -13,6 +13,7 @@
 #include "platform/window/CPlatformWindows.h"
 #include "resources/ResourceIds.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -146,12 +147,14 @@ void CPlugEditorView::open(HWND parent)
         shared->openImages(*mRenderer);
         mImagesOpen = true;
     }
-    const float designWidth = mEditorWidth / mDisplayScale;
-    const float designHeight = mEditorHeight / mDisplayScale;
+    // The screen is laid out at its design size and stretched over the window; text is drawn at
+    // the window's own density so it stays sharp.
+    const float density = std::min(mEditorWidth / velmoran::editor::kDesignWidth,
+                                   mEditorHeight / velmoran::editor::kDesignHeight);
     try
     {
-        mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, designWidth, designHeight, mSampleRate);
-        mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, mDisplayScale);
+        mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, mSampleRate);
+        mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density);
     }
     catch (...)
     {
@@ -177,9 +180,8 @@ bool CPlugEditorView::startRenderer(HWND window)
         if (!mRenderer)
             return false;
     }
-    const float designWidth = mEditorWidth / mDisplayScale;
-    const float designHeight = mEditorHeight / mDisplayScale;
-    const int result = gRendererStart(*mRenderer, window, designWidth, designHeight, mEditorWidthPixels,
+    const int result = gRendererStart(*mRenderer, window, velmoran::editor::kDesignWidth,
+                                      velmoran::editor::kDesignHeight, mEditorWidthPixels,
                                       mEditorHeightPixels);
     if (result != CGLRenderer::kOk)
     {

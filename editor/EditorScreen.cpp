@@ -89,8 +89,8 @@ TextStyle style(const platform::FontDescriptor& font, float size, Rgba colour)
 
 } // namespace
 
-EditorScreen::EditorScreen(EditorContext& context, float width, float height, float sampleRate)
-    : mContext(context), mWidth(width), mHeight(height)
+EditorScreen::EditorScreen(EditorContext& context, float sampleRate)
+    : mContext(context), mWidth(kDesignWidth), mHeight(kDesignHeight)
 {
     mGraph.setSampleRate(sampleRate);
     mGraph.layout();

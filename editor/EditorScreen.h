@@ -39,9 +39,9 @@ public:
     static constexpr uint32_t kTitleOnlyTicks = 125;
     static constexpr uint32_t kHintTicks = 625;
 
-    // A screen of width x height design pixels talking to `context`, its graph drawn for the
-    // given sample rate (Hz).
-    EditorScreen(EditorContext& context, float width, float height, float sampleRate);
+    // A screen of the design size talking to `context`, its graph drawn for the given sample
+    // rate (Hz).
+    EditorScreen(EditorContext& context, float sampleRate);
 
     // Reads every parameter and sets every widget without posting messages; the status line then
     // shows the title briefly.

@@ -22,7 +22,7 @@ constexpr Modifiers kNoModifiers{};
 class EditorScreenTest : public ::testing::Test
 {
 protected:
-    EditorScreenTest() : screen(context, 998.0f, 634.0f, 48000.0f) { screen.synchronise(); }
+    EditorScreenTest() : screen(context, 48000.0f) { screen.synchronise(); }
 
     void tick(int count)
     {
