@@ -108,7 +108,10 @@ private:
     float mEditorHeight = 634.0f;
     float mDisplayScale = 1.0f;
     std::vector<CPlugEditorView*> mOpenViews;
+#if defined(_WIN32)
+    // The reference on the images that all editors of the module share, from initialize to terminate.
     bool mHoldsEditorShared = false;
+#endif
 };
 
 } // namespace Velmoran
