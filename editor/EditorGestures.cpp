@@ -40,6 +40,9 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
 {
     mMouseX = x;
     mMouseY = y;
+    // While a message box is up the screen only shows; the box has the user's attention.
+    if (mGreyedOut)
+        return;
     if (button == MouseButton::WheelUp || button == MouseButton::WheelDown)
     {
         wheel(x, y, button == MouseButton::WheelUp ? 1 : -1, modifiers);
@@ -169,6 +172,8 @@ void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
 
 void EditorScreen::keyDown(int key, Modifiers modifiers)
 {
+    if (mGreyedOut)
+        return;
     if (mMenuBand >= 0)
     {
         PopupMenu& menu = *mBandMenus[static_cast<size_t>(mMenuBand)];

@@ -311,5 +311,18 @@ TEST_F(EditorScreenTest, DrawsFrameWidgetsAndStatus)
     EXPECT_FLOAT_EQ(painter.saturation, 0.0f);
 }
 
+// While a message box is up, clicks and keys change nothing.
+TEST_F(EditorScreenTest, GreyedScreenIgnoresInput)
+{
+    screen.setGreyedOut(true);
+    click(screen.toggle(EditorScreen::kEffectToggle));
+    const auto [x, y] = handle(5);
+    screen.mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen.mouseMove(x + 30.0f, y, kNoModifiers);
+    screen.mouseUp(x + 30.0f, y, MouseButton::Left, kNoModifiers);
+    screen.keyDown(keys::kDelete, kNoModifiers);
+    EXPECT_TRUE(context.log.empty());
+}
+
 } // namespace
 } // namespace velmoran::editor
