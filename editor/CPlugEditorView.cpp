@@ -6,11 +6,11 @@
 #include "EditorSize.h"
 #include "GLPainter.h"
 #include "mbx/MBXAboutMessage.h"
+#include "platform/render/CGLRenderer.h"
+#include "platform/window/CPlatformWindows.h"
 #include "plugin/PlugController.h"
 #include "plugin/PlugProgram.h"
 #include "plugin/SpectrumFrame.h"
-#include "platform/render/CGLRenderer.h"
-#include "platform/window/CPlatformWindows.h"
 #include "resources/ResourceIds.h"
 
 #include <algorithm>
@@ -84,11 +84,13 @@ CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : 
     mSampleRate = static_cast<float>(controller != nullptr ? controller->sampleRate() : 44100.0);
     mDisplayScale = mWindows != nullptr ? mWindows->displayScale() : 1.0f;
     mScaleX = mScaleY = mDisplayScale;
-    const float defaultWidth = controller != nullptr ? controller->editorWidth() : velmoran::editor::kDesignWidth;
-    const float defaultHeight = controller != nullptr ? controller->editorHeight() : velmoran::editor::kDesignHeight;
-    const velmoran::editor::EditorSize editor =
-        velmoran::editor::editorSize(defaultWidth, defaultHeight, mDisplayScale, size != nullptr,
-                                     size != nullptr ? size->getWidth() : 0, size != nullptr ? size->getHeight() : 0);
+    const float defaultWidth =
+        controller != nullptr ? controller->editorWidth() : velmoran::editor::kDesignWidth;
+    const float defaultHeight =
+        controller != nullptr ? controller->editorHeight() : velmoran::editor::kDesignHeight;
+    const velmoran::editor::EditorSize editor = velmoran::editor::editorSize(
+        defaultWidth, defaultHeight, mDisplayScale, size != nullptr, size != nullptr ? size->getWidth() : 0,
+        size != nullptr ? size->getHeight() : 0);
     mEditorWidth = editor.width;
     mEditorHeight = editor.height;
     mEditorWidthPixels = editor.widthPixels;
@@ -129,7 +131,8 @@ void CPlugEditorView::open(HWND parent)
     mIsOpen = false;
     if (mWindows == nullptr)
         return;
-    mWindowSlot = mWindows->createChildWindow(0, 0, mEditorWidthPixels, mEditorHeightPixels, 1.0f, parent, this);
+    mWindowSlot =
+        mWindows->createChildWindow(0, 0, mEditorWidthPixels, mEditorHeightPixels, 1.0f, parent, this);
     if (mWindowSlot < 0)
         return;
     mWindows->setWindowIcon(mWindowSlot, velmoran::resources::kWindowIcon);
@@ -180,9 +183,9 @@ bool CPlugEditorView::startRenderer(HWND window)
         if (!mRenderer)
             return false;
     }
-    const int result = gRendererStart(*mRenderer, window, velmoran::editor::kDesignWidth,
-                                      velmoran::editor::kDesignHeight, mEditorWidthPixels,
-                                      mEditorHeightPixels);
+    const int result =
+        gRendererStart(*mRenderer, window, velmoran::editor::kDesignWidth, velmoran::editor::kDesignHeight,
+                       mEditorWidthPixels, mEditorHeightPixels);
     if (result != CGLRenderer::kOk)
     {
         // The half-started renderer is given up, so that the next attach starts afresh.
@@ -373,7 +376,8 @@ void CPlugEditorView::onMouseDown(int x, int y, int button, int, void* user)
     {
         if (button == velmoran::platform::kButtonLeft)
             view->mWindows->captureMouse(view->mWindowSlot);
-        view->mScreen->mouseDown(view->designX(x), view->designY(y), static_cast<MouseButton>(button), heldModifiers());
+        view->mScreen->mouseDown(view->designX(x), view->designY(y), static_cast<MouseButton>(button),
+                                 heldModifiers());
     }
 }
 
@@ -384,7 +388,8 @@ void CPlugEditorView::onMouseUp(int x, int y, int button, int, void* user)
     {
         if (button == velmoran::platform::kButtonLeft)
             view->mWindows->releaseCapture();
-        view->mScreen->mouseUp(view->designX(x), view->designY(y), static_cast<MouseButton>(button), heldModifiers());
+        view->mScreen->mouseUp(view->designX(x), view->designY(y), static_cast<MouseButton>(button),
+                               heldModifiers());
     }
 }
 

@@ -18,10 +18,10 @@ namespace
 constexpr float kFineFactor = 0.1f;
 // Movement in design pixels before an armed lock decides on an axis.
 constexpr float kLockDistance = 6.0f;
-constexpr float kWheelQStep = 0.025f;     // normalised Q per wheel step
-constexpr float kKeyGainStepDb = 0.5f;    // per arrow key, a tenth with the fine modifier
+constexpr float kWheelQStep = 0.025f;  // normalised Q per wheel step
+constexpr float kKeyGainStepDb = 0.5f; // per arrow key, a tenth with the fine modifier
 constexpr float kKeyOctaveStep = 1.0f / 12.0f;
-constexpr int kNewBandType = 2;           // a new band starts as the first peaking flavour
+constexpr int kNewBandType = 2; // a new band starts as the first peaking flavour
 constexpr float kMinimumHz = 20.0f;
 constexpr float kMaximumHz = 20000.0f;
 constexpr float kGainRangeDb = 18.0f;
@@ -231,9 +231,11 @@ void EditorScreen::clickImageButton(int index)
     case kChannelModeButton:
         if (mSelectedBand >= 0)
         {
-            const int next = (std::clamp(mBands[static_cast<size_t>(mSelectedBand)].channelMode(), 0, 2) + 1) % 3;
+            const int next =
+                (std::clamp(mBands[static_cast<size_t>(mSelectedBand)].channelMode(), 0, 2) + 1) % 3;
             singleEdit(modeTag(mSelectedBand + 1), normalisedChannelMode(next));
-            static constexpr std::array<const char*, 3> kModes = {"Both Channels", "Left Channel", "Right Channel"};
+            static constexpr std::array<const char*, 3> kModes = {"Both Channels", "Left Channel",
+                                                                  "Right Channel"};
             postStatus(kModes[static_cast<size_t>(next)]);
         }
         break;

@@ -6,7 +6,7 @@ namespace velmoran::editor
 // Modifier keys held during an input event.
 struct Modifiers
 {
-    bool fine = false;      // shift: smaller steps
+    bool fine = false; // shift: smaller steps
 };
 
 // Virtual-key codes the editor reacts to (the window system's numbering).

@@ -75,8 +75,8 @@ int bandOfTag(unsigned tag)
 {
     for (int band = 1; band <= kBandCount; ++band)
     {
-        if (tag == filterTypeTag(band) || tag == frequencyTag(band) || tag == gainTag(band) || tag == qTag(band) ||
-            tag == enableTag(band) || tag == modeTag(band))
+        if (tag == filterTypeTag(band) || tag == frequencyTag(band) || tag == gainTag(band) ||
+            tag == qTag(band) || tag == enableTag(band) || tag == modeTag(band))
             return band - 1;
     }
     return -1;
@@ -100,15 +100,16 @@ EditorScreen::EditorScreen(EditorContext& context, float sampleRate)
 
 void EditorScreen::createWidgets()
 {
-    mTitleBar = std::make_unique<Panel>(Rect{0.0f, 0.0f, mWidth, kTitleBarHeight}, kTitleTop, kTitleBottom, false);
+    mTitleBar =
+        std::make_unique<Panel>(Rect{0.0f, 0.0f, mWidth, kTitleBarHeight}, kTitleTop, kTitleBottom, false);
     const Rect panel = graphPanelRect(mWidth, mHeight);
     const float rowTop = panel.bottom() + kRowGap;
-    mControlRow = std::make_unique<Panel>(Rect{16.0f, rowTop - 4.0f, mWidth - 32.0f, kToggleHeight + 8.0f}, kRowTop,
-                                          kRowBottom, false);
+    mControlRow = std::make_unique<Panel>(Rect{16.0f, rowTop - 4.0f, mWidth - 32.0f, kToggleHeight + 8.0f},
+                                          kRowTop, kRowBottom, false);
 
-    static constexpr std::array<int, kToggleCount> kToggleImages = {ids::kEffectSwitch,   ids::kFlatButton,
-                                                                    ids::kClearButton,    ids::kSpectrumSwitch,
-                                                                    ids::kSpectrumSourceSwitch, ids::kSpectrumSlopeSwitch};
+    static constexpr std::array<int, kToggleCount> kToggleImages = {
+        ids::kEffectSwitch,   ids::kFlatButton,           ids::kClearButton,
+        ids::kSpectrumSwitch, ids::kSpectrumSourceSwitch, ids::kSpectrumSlopeSwitch};
     for (int index = 0; index < kToggleCount; ++index)
         mToggles[static_cast<size_t>(index)] = std::make_unique<ImageToggle>(
             kToggleImages[static_cast<size_t>(index)], panel.x + index * kToggleSpacing, rowTop, kToggleWidth,
@@ -119,11 +120,12 @@ void EditorScreen::createWidgets()
         int id;
         int frames;
     };
-    static constexpr std::array<ButtonImage, kImageButtonCount> kButtonImages = {{{ids::kChannelModeButton, 3},
-                                                                                  {ids::kSoloButton, 2},
-                                                                                  {ids::kPolarityButton, 2},
-                                                                                  {ids::kTitleButton, 2},
-                                                                                  {ids::kInfoButton, 2}}};
+    static constexpr std::array<ButtonImage, kImageButtonCount> kButtonImages = {
+        {{ids::kChannelModeButton, 3},
+         {ids::kSoloButton, 2},
+         {ids::kPolarityButton, 2},
+         {ids::kTitleButton, 2},
+         {ids::kInfoButton, 2}}};
     const float buttonTop = rowTop + (kToggleHeight - kButtonSize) / 2.0f;
     const float buttonsLeft = panel.x + kToggleCount * kToggleSpacing + 14.0f;
     for (int index = 0; index < kImageButtonCount; ++index)
@@ -154,8 +156,8 @@ void EditorScreen::createBandWidgets()
     const TextStyle menuStyle = style(platform::kDejaVuSansFont, 13.0f, kLightGrey);
     for (int band = 0; band < kBandCount; ++band)
     {
-        auto menu = std::make_unique<PopupMenu>("Filter Function:", ids::kIconFilterFunction, menuStyle, kAmber,
-                                                kLightGrey);
+        auto menu = std::make_unique<PopupMenu>("Filter Function:", ids::kIconFilterFunction, menuStyle,
+                                                kAmber, kLightGrey);
         for (int code = 1; code <= 11; ++code)
             menu->addEntry(filterMenuLabel(code), filterMenuIcon(code), code);
         menu->addSeparator();
@@ -321,7 +323,8 @@ void EditorScreen::applyProgram(float value, bool post)
         return;
     mProgramBox->setTexts({name}, kGreyText);
     const Rect panel = graphPanelRect(mWidth, mHeight);
-    mProgramBox->moveTo(panel.right() - mProgramBox->bounds().width, mHeight - mProgramBox->bounds().height - 8.0f);
+    mProgramBox->moveTo(panel.right() - mProgramBox->bounds().width,
+                        mHeight - mProgramBox->bounds().height - 8.0f);
     mProgramBox->setVisible(true);
     if (post)
         postStatus(name);
@@ -414,7 +417,8 @@ void EditorScreen::updateBandButtons()
     if (!bandSelected)
         return;
     const BandSettings& settings = mBands[static_cast<size_t>(mSelectedBand)];
-    mImageButtons[kChannelModeButton]->setValue(static_cast<float>(std::clamp(settings.channelMode(), 0, 2)) * 100.0f);
+    mImageButtons[kChannelModeButton]->setValue(static_cast<float>(std::clamp(settings.channelMode(), 0, 2)) *
+                                                100.0f);
     mImageButtons[kSoloButton]->setValue(soloBand(mSolo) == mSelectedBand + 1 ? 100.0f : 0.0f);
 }
 

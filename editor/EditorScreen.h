@@ -75,7 +75,6 @@ public:
     uint32_t statusCountdown() const { return mStatusCountdown; }
     uint32_t hintCountdown() const { return mHintCountdown; }
     bool needsRedraw() const { return mNeedsRedraw; }
-    void clearNeedsRedraw() { mNeedsRedraw = false; }
     const StatusLine& statusLine() const { return *mStatusLine; }
     const ImageButton& titleWidget() const { return *mTitleButton; }
     const TextBox& bandInfoBox(int band) const { return *mInfoBoxes[static_cast<size_t>(band)]; }

@@ -145,14 +145,16 @@ BandInfoLines bandInfoLines(const BandDisplay& band)
     if (band.typeCode >= 2 && band.typeCode <= 11)
         lines.texts[1] = isShelfOrPass(band.typeCode) ? format("Q %.2f", shownResonance(band.q))
                                                       : format("Q %.1f", band.q);
-    lines.texts[2] = hasNoGain(band.typeCode) ? std::string("Gain 0.0 dB") : format("Gain %.1f dB", band.gainDb);
+    lines.texts[2] =
+        hasNoGain(band.typeCode) ? std::string("Gain 0.0 dB") : format("Gain %.1f dB", band.gainDb);
     lines.texts[3] = filterTypeLabel(band.typeCode);
     const bool soloed = band.soloBand == band.bandIndex + 1;
     lines.texts[4] = soloed ? "Solo" : (band.on ? "On" : "Off");
     lines.highlighted[4] = soloed;
     static constexpr std::array<int, 3> kHighlightedLine = {4, 2, 3};
     if (band.highlightCode >= 0 && band.highlightCode < 3)
-        lines.highlighted[static_cast<size_t>(kHighlightedLine[static_cast<size_t>(band.highlightCode)])] = true;
+        lines.highlighted[static_cast<size_t>(kHighlightedLine[static_cast<size_t>(band.highlightCode)])] =
+            true;
     return lines;
 }
 

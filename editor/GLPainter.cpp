@@ -61,7 +61,8 @@ void GLPainter::fillRect(const Rect& rect, Rgba colour)
 
 void GLPainter::fillRectGradient(const Rect& rect, Rgba top, Rgba bottom)
 {
-    mRenderer.fillRectVerticalGradient(rect.x, rect.y, rect.width, rect.height, colourOf(top), colourOf(bottom));
+    mRenderer.fillRectVerticalGradient(rect.x, rect.y, rect.width, rect.height, colourOf(top),
+                                       colourOf(bottom));
 }
 
 void GLPainter::fillTriangles(const ColouredVertex* vertices, int vertexCount)
@@ -78,10 +79,11 @@ void GLPainter::drawCircle(float centreX, float centreY, float outerRadius, floa
     mRenderer.drawCircle(centreX, centreY, outerRadius, innerRadius);
 }
 
-void GLPainter::drawImage(int imageId, int /*frameCount*/, int frame, float x, float y, float opacity, bool mirrorX,
-                          bool mirrorY)
+void GLPainter::drawImage(int imageId, int /*frameCount*/, int frame, float x, float y, float opacity,
+                          bool mirrorX, bool mirrorY)
 {
-    const Steinberg::Vst::Velmoran::EditorImage* image = mImages != nullptr ? mImages->image(imageId) : nullptr;
+    const Steinberg::Vst::Velmoran::EditorImage* image =
+        mImages != nullptr ? mImages->image(imageId) : nullptr;
     if (image == nullptr || frame < 0 || frame >= image->frameCount)
         return;
     platform::FramePacking packing;
@@ -95,9 +97,9 @@ void GLPainter::drawImage(int imageId, int /*frameCount*/, int frame, float x, f
     // A mirrored image is the same quad drawn from its far edge with a negative extent.
     const float width = static_cast<float>(image->frameWidth);
     const float height = static_cast<float>(image->frameHeight);
-    mRenderer.drawImageScaled(*image->texture, static_cast<float>(cell.x), static_cast<float>(cell.y), width, height,
-                              mirrorX ? x + width : x, mirrorY ? y + height : y, mirrorX ? -width : width,
-                              mirrorY ? -height : height, opacity);
+    mRenderer.drawImageScaled(*image->texture, static_cast<float>(cell.x), static_cast<float>(cell.y), width,
+                              height, mirrorX ? x + width : x, mirrorY ? y + height : y,
+                              mirrorX ? -width : width, mirrorY ? -height : height, opacity);
 }
 
 void GLPainter::drawText(float x, float y, const char* text, const TextStyle& style)
@@ -117,8 +119,8 @@ const GLPainter::TextTexture* GLPainter::textTexture(const char* text, const Tex
 {
     char key[96];
     std::snprintf(key, sizeof(key), "%p|%.2f|%02x%02x%02x%02x|%d|", static_cast<const void*>(style.font),
-                  static_cast<double>(style.size), style.colour.r, style.colour.g, style.colour.b, style.colour.a,
-                  style.shadow ? 1 : 0);
+                  static_cast<double>(style.size), style.colour.r, style.colour.g, style.colour.b,
+                  style.colour.a, style.shadow ? 1 : 0);
     const std::string name = std::string(key) + text;
     auto found = mTexts.find(name);
     if (found == mTexts.end())
@@ -157,7 +159,8 @@ void GLPainter::setClip(const Rect& rect)
         mRenderer.setScissor(0, 0, 0, 0);
         return;
     }
-    mRenderer.setScissor(static_cast<int>(std::floor(rect.x * mDensity)), static_cast<int>(std::floor(rect.y * mDensity)),
+    mRenderer.setScissor(static_cast<int>(std::floor(rect.x * mDensity)),
+                         static_cast<int>(std::floor(rect.y * mDensity)),
                          static_cast<int>(std::ceil(rect.width * mDensity)),
                          static_cast<int>(std::ceil(rect.height * mDensity)));
 }

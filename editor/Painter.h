@@ -22,7 +22,10 @@ struct Rgba
 // The same colour at another opacity (0..255).
 constexpr Rgba withAlpha(Rgba colour, int alpha)
 {
-    return {colour.r, colour.g, colour.b, static_cast<std::uint8_t>(alpha < 0 ? 0 : alpha > 255 ? 255 : alpha)};
+    return {colour.r, colour.g, colour.b,
+            static_cast<std::uint8_t>(alpha < 0     ? 0
+                                      : alpha > 255 ? 255
+                                                    : alpha)};
 }
 
 // A rectangle in design pixels (the editor's 998 x 634 coordinate system, origin top left).
@@ -36,7 +39,10 @@ struct Rect
     float right() const { return x + width; }
     float bottom() const { return y + height; }
     // True when (px, py) lies inside, edges included.
-    bool contains(float px, float py) const { return px >= x && px <= x + width && py >= y && py <= y + height; }
+    bool contains(float px, float py) const
+    {
+        return px >= x && px <= x + width && py >= y && py <= y + height;
+    }
 };
 
 // One vertex of a coloured triangle list, in design pixels.
@@ -72,7 +78,8 @@ public:
     // edges with transparent vertices).
     virtual void fillTriangles(const ColouredVertex* vertices, int vertexCount) = 0;
     // Anti-aliased ring between two radii (a radius of 0 gives a disc).
-    virtual void drawCircle(float centreX, float centreY, float outerRadius, float innerRadius, Rgba colour) = 0;
+    virtual void drawCircle(float centreX, float centreY, float outerRadius, float innerRadius,
+                            Rgba colour) = 0;
     // Frame `frame` of stored image `imageId` (split into `frameCount` frames stacked vertically)
     // with its top-left corner at (x, y), at 1:1; mirrored horizontally and/or vertically on request.
     virtual void drawImage(int imageId, int frameCount, int frame, float x, float y, float opacity = 1.0f,

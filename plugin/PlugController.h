@@ -76,8 +76,6 @@ public:
     // An editor opened or closed in the host's window: open editors follow every parameter change.
     void editorOpened(CPlugEditorView* view);
     void editorClosed(CPlugEditorView* view);
-    // Number of editors open now.
-    int openEditorCount() const { return static_cast<int>(mOpenViews.size()); }
     // Tells the processor that the first editor opened (true) or the last one closed (false): it
     // analyses the spectrum only while there is an editor to show it (UI thread).
     void setEditorOpen(bool open);

@@ -24,7 +24,8 @@ void Panel::draw(Painter& painter) const
 {
     const Rect& box = bounds();
     painter.fillRect(box, kRim);
-    painter.fillRectGradient({box.x + 1.0f, box.y + 1.0f, box.width - 2.0f, box.height - 2.0f}, mTop, mBottom);
+    painter.fillRectGradient({box.x + 1.0f, box.y + 1.0f, box.width - 2.0f, box.height - 2.0f}, mTop,
+                             mBottom);
     painter.fillRect({box.x + 2.0f, box.y + 1.0f, box.width - 4.0f, 1.0f}, kLitEdge);
     if (!mCornerBrackets)
         return;

@@ -142,16 +142,18 @@ void PopupMenu::draw(Painter& painter) const
     titleStyle.colour = mAccent;
     painter.drawImage(mTitleIcon, 1, 0, box.x + kPadding, box.y + kPadding + (kRowHeight - kIconSize) / 2.0f);
     painter.drawText(textLeft, box.y + kPadding + textOffset, mTitle.c_str(), titleStyle);
-    painter.fillRect({box.x + kPadding, box.y + kPadding + kRowHeight + 1.0f, box.width - 2.0f * kPadding, 1.0f},
-                     withAlpha(mAccent, 120));
+    painter.fillRect(
+        {box.x + kPadding, box.y + kPadding + kRowHeight + 1.0f, box.width - 2.0f * kPadding, 1.0f},
+        withAlpha(mAccent, 120));
     for (int index = 0; index < static_cast<int>(mEntries.size()); ++index)
     {
         const Entry& entry = mEntries[static_cast<size_t>(index)];
         const float top = rowTop(index);
         if (entry.separator)
         {
-            painter.fillRect({box.x + kPadding, top + kSeparatorHeight / 2.0f, box.width - 2.0f * kPadding, 1.0f},
-                             kDivider);
+            painter.fillRect(
+                {box.x + kPadding, top + kSeparatorHeight / 2.0f, box.width - 2.0f * kPadding, 1.0f},
+                kDivider);
             continue;
         }
         TextStyle style = mStyle;

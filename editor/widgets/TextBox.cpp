@@ -21,7 +21,8 @@ constexpr Rgba kBorder{90, 96, 105, 255};
 
 } // namespace
 
-TextBox::TextBox(const TextStyle& style, bool framed) : Widget({0.0f, 0.0f, 0.0f, 0.0f}), mStyle(style), mFramed(framed)
+TextBox::TextBox(const TextStyle& style, bool framed)
+    : Widget({0.0f, 0.0f, 0.0f, 0.0f}), mStyle(style), mFramed(framed)
 {
     setVisible(false);
 }
@@ -89,7 +90,8 @@ void TextBox::draw(Painter& painter) const
             painter.drawImage(line.icon, 1, 0, box.x + padding, y + (row - kIconSize) / 2.0f);
         TextStyle style = mStyle;
         style.colour = line.highlighted ? kAmber : line.colour;
-        painter.drawText(box.x + padding + iconRoom, y + (row - lineHeight(mStyle)) / 2.0f, line.text.c_str(), style);
+        painter.drawText(box.x + padding + iconRoom, y + (row - lineHeight(mStyle)) / 2.0f, line.text.c_str(),
+                         style);
         y += row;
     }
 }

@@ -32,9 +32,12 @@ class RecordingHandler : public IComponentHandler
 {
 public:
     RecordingHandler() { FUNKNOWN_CTOR }
-    virtual ~RecordingHandler() { FUNKNOWN_DTOR }
+    virtual ~RecordingHandler(){FUNKNOWN_DTOR}
 
-    tresult PLUGIN_API beginEdit(ParamID id) override { return record("begin", id); }
+    tresult PLUGIN_API beginEdit(ParamID id) override
+    {
+        return record("begin", id);
+    }
     tresult PLUGIN_API performEdit(ParamID id, ParamValue) override { return record("perform", id); }
     tresult PLUGIN_API endEdit(ParamID id) override { return record("end", id); }
     tresult PLUGIN_API restartComponent(int32) override { return kResultOk; }
@@ -46,10 +49,12 @@ public:
         const std::string suffix = " " + std::to_string(id);
         for (const std::string& call : log)
         {
-            if (call.size() <= suffix.size() || call.compare(call.size() - suffix.size(), suffix.size(), suffix) != 0)
+            if (call.size() <= suffix.size() ||
+                call.compare(call.size() - suffix.size(), suffix.size(), suffix) != 0)
                 continue;
             const std::string name = call.substr(0, call.size() - suffix.size());
-            if (name == "perform" && calls.size() >= 10 && calls.compare(calls.size() - 10, 10, "perform...") == 0)
+            if (name == "perform" && calls.size() >= 10 &&
+                calls.compare(calls.size() - 10, 10, "perform...") == 0)
                 continue;
             calls += (calls.empty() ? "" : " ") + (name == "perform" ? std::string("perform...") : name);
         }
@@ -89,7 +94,8 @@ protected:
 
     void SetUp() override
     {
-        controller = static_cast<CPlugController*>(static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
+        controller = static_cast<CPlugController*>(
+            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
         controller->initialize(&host);
         controller->setComponentHandler(handler);
         view = owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
@@ -106,7 +112,10 @@ protected:
     }
 
     EditorScreen& screen() { return *view->screen(); }
-    void send(UINT message, WPARAM wParam, int x, int y) { SendMessageA(window, message, wParam, MAKELPARAM(x, y)); }
+    void send(UINT message, WPARAM wParam, int x, int y)
+    {
+        SendMessageA(window, message, wParam, MAKELPARAM(x, y));
+    }
     void click(int x, int y)
     {
         send(WM_LBUTTONDOWN, MK_LBUTTON, x, y);
@@ -162,7 +171,8 @@ TEST_F(EditorInput, BandMenuSetsTypeAndDeleteFreesTheBand)
     send(WM_RBUTTONUP, 0, handle.x, handle.y);
     ASSERT_EQ(screen().openMenuBand(), 2);
     const auto& menu = screen().bandMenu(2);
-    auto entryPoint = [&menu](int code) {
+    auto entryPoint = [&menu](int code)
+    {
         const float x = menu.bounds().x + menu.bounds().width / 2.0f;
         for (float y = menu.bounds().y; y < menu.bounds().bottom(); y += 1.0f)
         {
@@ -220,10 +230,9 @@ TEST_F(EditorInput, SwitchesToggleAndReport)
                                {EditorScreen::kSpectrumToggle, kFftTag},
                                {EditorScreen::kSourceToggle, kFftSourceTag},
                                {EditorScreen::kSlopeToggle, kFftSlopeTag}};
-    const velmoran::editor::SwitchKind kinds[] = {velmoran::editor::SwitchKind::Effect,
-                                                  velmoran::editor::SwitchKind::Spectrum,
-                                                  velmoran::editor::SwitchKind::SpectrumSource,
-                                                  velmoran::editor::SwitchKind::SpectrumSlope};
+    const velmoran::editor::SwitchKind kinds[] = {
+        velmoran::editor::SwitchKind::Effect, velmoran::editor::SwitchKind::Spectrum,
+        velmoran::editor::SwitchKind::SpectrumSource, velmoran::editor::SwitchKind::SpectrumSlope};
     for (int index = 0; index < 4; ++index)
     {
         const Switch& sw = switches[index];
@@ -231,7 +240,8 @@ TEST_F(EditorInput, SwitchesToggleAndReport)
         clickWidget(screen().toggle(sw.toggle));
         const double after = controller->getParamNormalized(sw.tag);
         EXPECT_NE(before >= 0.5, after >= 0.5) << "tag " << sw.tag;
-        EXPECT_EQ(screen().statusText(), velmoran::editor::switchStatusText(kinds[index], static_cast<float>(after)));
+        EXPECT_EQ(screen().statusText(),
+                  velmoran::editor::switchStatusText(kinds[index], static_cast<float>(after)));
         EXPECT_EQ(handler->gestureOf(sw.tag), "begin perform... end");
     }
     clickWidget(screen().imageButton(EditorScreen::kPolarityButton));

@@ -40,12 +40,16 @@ struct Pixel
 class EditorPixels : public ::testing::Test
 {
 protected:
-    static void SetUpTestSuite() { CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken); }
+    static void SetUpTestSuite()
+    {
+        CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken);
+    }
     static void TearDownTestSuite() { velmoran::test::closeAllWindows(); }
 
     void SetUp() override
     {
-        controller = static_cast<CPlugController*>(static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
+        controller = static_cast<CPlugController*>(
+            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
         controller->initialize(&host);
         // Every band off but the one a test sets, so nothing else draws a curve.
         for (int band = 1; band <= kBandCount; ++band)
@@ -114,8 +118,8 @@ TEST_F(EditorPixels, BandCurvePassesThroughItsFrequencyAndGain)
     const float shownDb = graph.gainForY(static_cast<float>(row) + 0.5f);
     EXPECT_GT(shownDb, 9.0f) << "at " << hz << " Hz";
     EXPECT_LT(shownDb, 12.5f) << "at " << hz << " Hz";
-    const int peakColumnRow = brightestRow(static_cast<int>(peakX), static_cast<int>(peakY) - 20,
-                                           static_cast<int>(peakY) + 20);
+    const int peakColumnRow =
+        brightestRow(static_cast<int>(peakX), static_cast<int>(peakY) - 20, static_cast<int>(peakY) + 20);
     EXPECT_NEAR(static_cast<float>(peakColumnRow), peakY, 10.0f) << "handle and curve sit at +12 dB";
 }
 
@@ -145,7 +149,8 @@ TEST_F(EditorPixels, SpectrumOfSinePeaksAtItsFrequency)
     const int plotTop = static_cast<int>(graph.plotRect().y) + 3;
     const int plotBottom = static_cast<int>(graph.plotRect().bottom()) - 3;
     // The top of the spectrum in a column: the first row from the top that differs from the plot.
-    const auto spectrumTop = [&](int x) {
+    const auto spectrumTop = [&](int x)
+    {
         const Pixel background = at(x, plotTop + 1);
         for (int y = plotTop + 2; y < plotBottom; ++y)
         {

@@ -105,10 +105,11 @@ TEST_P(SwitchClicks, ToggleTheirParameterAndSaySo)
 
 INSTANTIATE_TEST_SUITE_P(
     EverySwitch, SwitchClicks,
-    ::testing::Values(SwitchClick{EditorScreen::kEffectToggle, kEqTag, "Effect : Out", "Effect : In "},
-                      SwitchClick{EditorScreen::kSpectrumToggle, kFftTag, "FFT : Off", "FFT : On "},
-                      SwitchClick{EditorScreen::kSourceToggle, kFftSourceTag, "FFT Source : Input", "FFT Source : Output "},
-                      SwitchClick{EditorScreen::kSlopeToggle, kFftSlopeTag, "FFT Slope : Flat", "FFT Slope : 3dB / oct "}));
+    ::testing::Values(
+        SwitchClick{EditorScreen::kEffectToggle, kEqTag, "Effect : Out", "Effect : In "},
+        SwitchClick{EditorScreen::kSpectrumToggle, kFftTag, "FFT : Off", "FFT : On "},
+        SwitchClick{EditorScreen::kSourceToggle, kFftSourceTag, "FFT Source : Input", "FFT Source : Output "},
+        SwitchClick{EditorScreen::kSlopeToggle, kFftSlopeTag, "FFT Slope : Flat", "FFT Slope : 3dB / oct "}));
 
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
 {
@@ -183,10 +184,12 @@ TEST_F(EditorScreenTest, BandMenuChoosesTypeAndDeletes)
     EXPECT_TRUE(menu.entries()[11].separator);
     EXPECT_EQ(menu.entries()[12].label, "Delete");
 
-    const auto entryCentre = [&](int code) {
+    const auto entryCentre = [&](int code)
+    {
         const float left = menu.bounds().x + menu.bounds().width / 2.0f;
         for (float top = menu.bounds().y; top < menu.bounds().bottom(); top += 1.0f)
-            if (menu.entryAt(left, top) >= 0 && menu.entries()[static_cast<size_t>(menu.entryAt(left, top))].code == code)
+            if (menu.entryAt(left, top) >= 0 &&
+                menu.entries()[static_cast<size_t>(menu.entryAt(left, top))].code == code)
                 return std::make_pair(left, top + 5.0f);
         return std::make_pair(-1.0f, -1.0f);
     };
@@ -207,7 +210,8 @@ TEST_F(EditorScreenTest, BandMenuChoosesTypeAndDeletes)
     const int free = screen.graph().firstFreeBand();
     ASSERT_GE(free, 0);
     const Rect plot = screen.graph().plotRect();
-    screen.mouseDown(plot.x + plot.width * 0.8f, plot.y + plot.height * 0.3f, MouseButton::Left, kNoModifiers);
+    screen.mouseDown(plot.x + plot.width * 0.8f, plot.y + plot.height * 0.3f, MouseButton::Left,
+                     kNoModifiers);
     screen.mouseUp(plot.x + plot.width * 0.8f, plot.y + plot.height * 0.3f, MouseButton::Left, kNoModifiers);
     EXPECT_TRUE(screen.graph().slot(free).visible);
     EXPECT_EQ(BandSettings{static_cast<float>(context.values[filterTypeTag(free + 1)])}.typeCode(), 2);

@@ -31,7 +31,8 @@ TEST_P(EditorSizes, FollowScaleOrHostRectangle)
 }
 
 INSTANTIATE_TEST_SUITE_P(ScalesAndRectangles, EditorSizes,
-                         ::testing::Values(SizeCase{1.0f, false, 0, 0, 998, 634}, SizeCase{2.0f, false, 0, 0, 1996, 1268},
+                         ::testing::Values(SizeCase{1.0f, false, 0, 0, 998, 634},
+                                           SizeCase{2.0f, false, 0, 0, 1996, 1268},
                                            SizeCase{1.25f, false, 0, 0, 1248, 793},
                                            SizeCase{2.0f, true, 1200, 700, 1200, 700}));
 

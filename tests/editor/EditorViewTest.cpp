@@ -67,7 +67,8 @@ void pump(int milliseconds)
 SIZE_T privateBytes()
 {
     PROCESS_MEMORY_COUNTERS_EX counters{};
-    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof(counters));
+    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
+                         sizeof(counters));
     return counters.PrivateUsage;
 }
 
@@ -76,7 +77,8 @@ struct Instance
 {
     Instance()
     {
-        controller = static_cast<CPlugController*>(static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
+        controller = static_cast<CPlugController*>(
+            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
         controller->initialize(&host);
     }
     ~Instance()
@@ -218,7 +220,8 @@ TEST_F(EditorView, HundredOpenCloseCyclesLeakNothing)
     Instance instance;
     IPtr<CPlugEditorView> view = owned(instance.createView());
     auto* kit = CPlatformWindows::instance(false);
-    auto slotsInUse = [kit] {
+    auto slotsInUse = [kit]
+    {
         int used = 0;
         for (int slot = 0; slot < CPlatformWindows::kSlotCount; ++slot)
             used += kit->slot(slot).inUse ? 1 : 0;

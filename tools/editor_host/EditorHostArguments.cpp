@@ -115,8 +115,9 @@ bool readGesture(const std::string& value, EditorHostArguments& parsed, std::str
             return true;
         }
     }
-    error = "--gesture takes move:X,Y, click:X,Y, right-click:X,Y, wheel:X,Y,NOTCHES or drag:X1,Y1,X2,Y2, not '" +
-            value + "'";
+    error =
+        "--gesture takes move:X,Y, click:X,Y, right-click:X,Y, wheel:X,Y,NOTCHES or drag:X1,Y1,X2,Y2, not '" +
+        value + "'";
     return false;
 }
 

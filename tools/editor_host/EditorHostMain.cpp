@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-using velmoran::editorhost::EditorHostArguments;
 using velmoran::editorhost::EditorGesture;
+using velmoran::editorhost::EditorHostArguments;
 using velmoran::editorhost::EditorSession;
 
 namespace
