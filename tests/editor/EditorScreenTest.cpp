@@ -76,41 +76,6 @@ TEST_F(EditorScreenTest, StatusCycleReturnsToTitleThenClears)
     EXPECT_EQ(screen.statusText(), "FFT : Off");
 }
 
-struct SwitchClick
-{
-    int toggle;
-    unsigned tag;
-    const char* offText;
-    const char* onText;
-};
-
-class SwitchClicks : public EditorScreenTest, public ::testing::WithParamInterface<SwitchClick>
-{
-};
-
-// Each switch writes its parameter as one edit and says what it did, both ways.
-TEST_P(SwitchClicks, ToggleTheirParameterAndSaySo)
-{
-    const SwitchClick& sw = GetParam();
-    hostSets(sw.tag, 0.0);
-    click(screen.toggle(sw.toggle));
-    EXPECT_EQ(context.lastPerformed(sw.tag), 1.0);
-    EXPECT_EQ(screen.statusText(), sw.onText);
-    click(screen.toggle(sw.toggle));
-    EXPECT_EQ(context.lastPerformed(sw.tag), 0.0);
-    EXPECT_EQ(screen.statusText(), sw.offText);
-    EXPECT_EQ(context.count("begin " + std::to_string(sw.tag)), 2);
-    EXPECT_EQ(context.count("end " + std::to_string(sw.tag)), 2);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    EverySwitch, SwitchClicks,
-    ::testing::Values(
-        SwitchClick{EditorScreen::kEffectToggle, kEqTag, "Effect : Out", "Effect : In "},
-        SwitchClick{EditorScreen::kSpectrumToggle, kFftTag, "FFT : Off", "FFT : On "},
-        SwitchClick{EditorScreen::kSourceToggle, kFftSourceTag, "FFT Source : Input", "FFT Source : Output "},
-        SwitchClick{EditorScreen::kSlopeToggle, kFftSlopeTag, "FFT Slope : Flat", "FFT Slope : 3dB / oct "}));
-
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
 {
     click(screen.imageButton(EditorScreen::kPolarityButton));
@@ -119,30 +84,6 @@ TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
     click(screen.lockSelector());
     EXPECT_EQ(screen.statusText(), "Auto Lock:  ---");
     EXPECT_EQ(screen.graph().lockMode(), 1u);
-}
-
-// A drag of a handle is one gesture: begin at the press, values while moving, end at release.
-TEST_F(EditorScreenTest, HandleDragIsOneEditPerTag)
-{
-    const int band = 5; // "06": a peaking band of the default program at 1 kHz
-    const auto [x, y] = handle(band);
-    screen.mouseDown(x, y, MouseButton::Left, kNoModifiers);
-    for (int step = 1; step <= 5; ++step)
-        screen.mouseMove(x + 10.0f * step, y - 8.0f * step, kNoModifiers);
-    screen.mouseUp(x + 50.0f, y - 40.0f, MouseButton::Left, kNoModifiers);
-
-    const std::string freq = std::to_string(frequencyTag(6));
-    const std::string gain = std::to_string(gainTag(6));
-    EXPECT_EQ(context.count("begin " + freq), 1);
-    EXPECT_EQ(context.count("end " + freq), 1);
-    EXPECT_EQ(context.count("begin " + gain), 1);
-    EXPECT_EQ(context.count("end " + gain), 1);
-    EXPECT_GE(context.count("perform " + freq), 5);
-    EXPECT_EQ(context.log.front(), "begin " + freq);
-    EXPECT_EQ(context.log.back(), "end " + gain);
-    EXPECT_GT(bandFrequencyHz(static_cast<float>(context.lastPerformed(frequencyTag(6)))), 1100.0f);
-    EXPECT_GT(bandGainDb(static_cast<float>(context.lastPerformed(gainTag(6)))), 1.0f);
-    EXPECT_TRUE(screen.bandInfoBox(band).visible());
 }
 
 TEST_F(EditorScreenTest, FineDragMovesATenth)
@@ -167,54 +108,6 @@ TEST_F(EditorScreenTest, ArmedLockHoldsTheOtherAxis)
     screen.mouseUp(x + 60.0f, y - 30.0f, MouseButton::Left, kNoModifiers);
     EXPECT_EQ(context.count("perform " + std::to_string(gainTag(6))), 0);
     EXPECT_EQ(screen.graph().lockMode(), 1u);
-}
-
-// Choosing "High Pass" in band 3's menu writes code 10; "Delete" frees the band, and the next
-// click and drag on an empty spot takes it again.
-TEST_F(EditorScreenTest, BandMenuChoosesTypeAndDeletes)
-{
-    hostSets(filterTypeTag(3), normalisedTypeCode(2));
-    const auto [x, y] = handle(2);
-    screen.mouseDown(x, y, MouseButton::Right, kNoModifiers);
-    screen.mouseUp(x, y, MouseButton::Right, kNoModifiers);
-    ASSERT_EQ(screen.openMenuBand(), 2);
-    const PopupMenu& menu = screen.bandMenu(2);
-    EXPECT_EQ(menu.title(), "Filter Function:");
-    ASSERT_EQ(menu.entries().size(), 13u);
-    EXPECT_TRUE(menu.entries()[11].separator);
-    EXPECT_EQ(menu.entries()[12].label, "Delete");
-
-    const auto entryCentre = [&](int code)
-    {
-        const float left = menu.bounds().x + menu.bounds().width / 2.0f;
-        for (float top = menu.bounds().y; top < menu.bounds().bottom(); top += 1.0f)
-            if (menu.entryAt(left, top) >= 0 &&
-                menu.entries()[static_cast<size_t>(menu.entryAt(left, top))].code == code)
-                return std::make_pair(left, top + 5.0f);
-        return std::make_pair(-1.0f, -1.0f);
-    };
-    const auto [hx, hy] = entryCentre(10);
-    screen.mouseMove(hx, hy, kNoModifiers);
-    screen.mouseDown(hx, hy, MouseButton::Left, kNoModifiers);
-    screen.mouseUp(hx, hy, MouseButton::Left, kNoModifiers);
-    EXPECT_DOUBLE_EQ(context.lastPerformed(filterTypeTag(3)), 0.5);
-    EXPECT_EQ(screen.openMenuBand(), -1);
-    EXPECT_EQ(screen.bandInfoBox(2).lines()[3].text, "HighPass");
-
-    screen.mouseDown(x, y, MouseButton::Right, kNoModifiers);
-    const auto [dx, dy] = entryCentre(0);
-    screen.mouseUp(dx, dy, MouseButton::Left, kNoModifiers);
-    EXPECT_DOUBLE_EQ(context.lastPerformed(filterTypeTag(3)), 0.0);
-    EXPECT_FALSE(screen.graph().slot(2).visible);
-
-    const int free = screen.graph().firstFreeBand();
-    ASSERT_GE(free, 0);
-    const Rect plot = screen.graph().plotRect();
-    screen.mouseDown(plot.x + plot.width * 0.8f, plot.y + plot.height * 0.3f, MouseButton::Left,
-                     kNoModifiers);
-    screen.mouseUp(plot.x + plot.width * 0.8f, plot.y + plot.height * 0.3f, MouseButton::Left, kNoModifiers);
-    EXPECT_TRUE(screen.graph().slot(free).visible);
-    EXPECT_EQ(BandSettings{static_cast<float>(context.values[filterTypeTag(free + 1)])}.typeCode(), 2);
 }
 
 TEST_F(EditorScreenTest, NoBandIsAddedWhenTenAreInUse)
@@ -257,18 +150,6 @@ TEST_F(EditorScreenTest, KeysNudgeAndDeleteTheSelectedBand)
     screen.keyDown(keys::kDelete, kNoModifiers);
     EXPECT_DOUBLE_EQ(context.lastPerformed(filterTypeTag(6)), 0.0);
     EXPECT_EQ(screen.selectedBand(), -1);
-}
-
-// Host automation moves the handle and shows the band's new values.
-TEST_F(EditorScreenTest, HostChangeMovesHandleAndUpdatesInfoBox)
-{
-    hostSets(frequencyTag(6), normalisedFrequency(4000.0f));
-    EXPECT_NEAR(handle(5).first, screen.graph().xForFrequency(4000.0f), 0.5f);
-    EXPECT_TRUE(screen.bandInfoBox(5).visible());
-    EXPECT_EQ(screen.bandInfoBox(5).lines()[0].text, "Freq 4.0 kHz");
-    hostSets(gainTag(6), normalisedGain(-6.0f));
-    EXPECT_NEAR(handle(5).second, screen.graph().yForGain(-6.0f), 0.5f);
-    EXPECT_EQ(screen.bandInfoBox(5).lines()[2].text, "Gain -6.0 dB");
 }
 
 TEST_F(EditorScreenTest, FlatAndClearButtons)
