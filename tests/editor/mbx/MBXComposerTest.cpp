@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <utility>
 
 using namespace Steinberg::Vst::Velmoran;
 using velmoran::platform::CanvasBuffer;
@@ -70,31 +71,26 @@ TEST(MBXComposer, PanelIsOpaqueWithAnAmberTopEdgeAndTheTitleInTheTitleBar)
     EXPECT_GT(count(result.canvas, lineArea, lightGrey), 300);
 }
 
+// Which kind of box has which sign is checked in MBXObjectTest.cpp.
 TEST(MBXComposer, EachSignIsDrawnInItsColour)
 {
-    const struct
-    {
-        MBXIcon icon;
-        PixelTest colour;
-    } cases[] = {
-        {MBXIcon::kWarning, amber},
-        {MBXIcon::kError, [](const std::uint8_t* p) { return p[0] > 200 && p[1] < 100 && p[2] < 110; }},
-        {MBXIcon::kInformation, [](const std::uint8_t* p) { return p[2] > 200 && p[0] < 120; }},
-        {MBXIcon::kQuestion, [](const std::uint8_t* p) { return p[0] > 80 && p[0] < 100 && p[2] > 100; }},
-    };
     const MBXAlertMessage warning("Title", "Text");
     const MBXErrorMessage error("Title", "Text");
     const MBXInfoMessage information("Title", "Text");
     const MBXDialogue question("Title", "Text");
-    const MBXObject* boxes[] = {&warning, &error, &information, &question};
-    for (int index = 0; index < 4; ++index)
+    const std::pair<const MBXObject*, PixelTest> cases[] = {
+        {&warning, amber},
+        {&error, [](const std::uint8_t* p) { return p[0] > 200 && p[1] < 100 && p[2] < 110; }},
+        {&information, [](const std::uint8_t* p) { return p[2] > 200 && p[0] < 120; }},
+        {&question, [](const std::uint8_t* p) { return p[0] > 80 && p[0] < 100 && p[2] > 100; }},
+    };
+    for (const auto& [box, colour] : cases)
     {
-        SCOPED_TRACE(index);
-        ASSERT_EQ(boxes[index]->icon(), cases[index].icon);
-        const Composed result = composed(*boxes[index]);
-        EXPECT_GT(count(result.canvas, result.layout.icon, cases[index].colour), 150);
+        SCOPED_TRACE(static_cast<int>(box->icon()));
+        const Composed result = composed(*box);
+        EXPECT_GT(count(result.canvas, result.layout.icon, colour), 150);
         const MBXRect besideSign{result.layout.icon.x, result.layout.icon.bottom() + 8, 24, 12};
-        EXPECT_EQ(count(result.canvas, besideSign, cases[index].colour), 0);
+        EXPECT_EQ(count(result.canvas, besideSign, colour), 0);
     }
 }
 

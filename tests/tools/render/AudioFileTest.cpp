@@ -26,7 +26,6 @@ TEST(AudioFile, OutputKeepsTheInputFormatUnlessAskedOtherwise)
     EXPECT_EQ(outputFormat(wav24, std::nullopt, Encoding::float32), SF_FORMAT_WAV | SF_FORMAT_FLOAT);
     EXPECT_EQ(containerOfPath("mix/out.AIF"), Container::aiff);
     EXPECT_EQ(containerOfPath("mix.d/out"), std::nullopt);
-    EXPECT_THROW(outputFormat(wav24, Container::flac, Encoding::float32), RenderError);
     EXPECT_EQ(formatDescription(SF_FORMAT_FLAC | SF_FORMAT_PCM_16), "FLAC 16-bit");
 }
 
@@ -81,13 +80,8 @@ TEST(AudioFile, IntegerOutputClipsAndCountsOvers)
 TEST(AudioFile, AFolderThatCannotBeWrittenIsNamed)
 {
     const std::string path = "/nonexistent-folder/out.wav";
-    EXPECT_TRUE(
-        test::contains(test::thrownBy(
-                           [&] {
-                               AudioWriter(path, AudioInfo{48000, 2, 0, SF_FORMAT_WAV | SF_FORMAT_PCM_16});
-                           })
-                           .message,
-                       path));
+    const auto open = [&] { AudioWriter(path, AudioInfo{48000, 2, 0, SF_FORMAT_WAV | SF_FORMAT_PCM_16}); };
+    EXPECT_TRUE(test::contains(test::thrownBy(open).message, path));
 }
 
 } // namespace

@@ -43,9 +43,7 @@ ScratchFolder::ScratchFolder()
     std::vector<char> buffer(pattern.begin(), pattern.end());
     buffer.push_back('\0');
     if (!mkdtemp(buffer.data()))
-    {
         throw std::runtime_error("cannot make a scratch folder");
-    }
     mPath = buffer.data();
 }
 
@@ -96,10 +94,8 @@ std::vector<float> sine(double frequencyHz, double levelDb, double seconds, int 
         const double value =
             amplitude * std::sin(2.0 * kPi * frequencyHz * static_cast<double>(frame) / sampleRate);
         for (int channel = 0; channel < channels; ++channel)
-        {
             samples[frame * static_cast<size_t>(channels) + static_cast<size_t>(channel)] =
                 static_cast<float>(value);
-        }
     }
     return samples;
 }

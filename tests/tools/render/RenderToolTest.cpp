@@ -13,6 +13,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <tuple>
 
 namespace velmoran::test
 {
@@ -88,14 +89,12 @@ TEST_P(RenderToolNull, EffectOutReturnsTheInputBitForBit)
     ScratchFolder folder;
     const std::vector<float> signal = busySignal(0.5, format.sampleRate, format.channels);
     writeSound(folder.file("in"), signal, format.format, format.sampleRate, format.channels);
-    EXPECT_EQ(readSound(folder.file("in")).samples, signal);
     const ToolRun run =
         runTool({"--set", "EQ=Out", "--block-size", "300", folder.file("in"), folder.file("out")});
     ASSERT_EQ(run.exitCode, 0) << run.errors;
     const Sound output = readSound(folder.file("out"));
-    EXPECT_EQ(output.info.format, format.format);
-    EXPECT_EQ(output.info.sampleRate, format.sampleRate);
-    EXPECT_EQ(output.info.channels, format.channels);
+    EXPECT_EQ(std::tie(output.info.format, output.info.sampleRate, output.info.channels),
+              std::tie(format.format, format.sampleRate, format.channels));
     EXPECT_EQ(output.samples, signal);
 }
 
@@ -137,9 +136,7 @@ TEST_P(RenderToolPeak, SixDecibelBandAtOneKilohertzMeasuresSixDecibels)
     const Sound output = readSound(folder.file("out.wav"));
     const size_t settled = static_cast<size_t>(rate) / 2;
     for (int channel = 0; channel < 2; ++channel)
-    {
         EXPECT_NEAR(rmsDb(output, channel, settled) - rmsDb(input, channel, settled), 6.0, 0.1);
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Peaks, RenderToolPeak,
@@ -207,10 +204,6 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{"GainOutOfRange",
                {"--set", "03 Gain=+30 dB", "@in.wav", "@out.wav"},
                "\"+30 dB\" is outside the range of \"03 Gain\": give a value from -18.00 dB to 18.00 dB",
-               2},
-        BadRun{"UnknownFilterType",
-               {"--set", "03 Filt Type=Peak +6dB", "@in.wav", "@out.wav"},
-               "one of: [ --- ], No Filter, Pk dB/2",
                2},
         BadRun{
             "UnknownPreset", {"--preset", "British", "@in.wav", "@out.wav"}, "unknown preset \"British\"", 2},

@@ -24,9 +24,7 @@ std::vector<char> stateWith(const std::vector<std::pair<ParamID, float>>& change
         const ParamID tag = stateTags()[static_cast<size_t>(index)];
         float value = defaultValue(tag);
         for (const auto& [changedTag, changedValue] : changes)
-        {
             value = changedTag == tag ? changedValue : value;
-        }
         std::memcpy(state.data() + index * sizeof(float), &value, sizeof(float));
     }
     return state;
