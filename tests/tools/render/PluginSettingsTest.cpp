@@ -19,8 +19,8 @@ class PluginSettingsTest : public testing::Test
 protected:
     void SetUp() override
     {
-        mModule = loadModule(test::renderModulePath());
-        mHost = std::make_unique<RenderHost>(*mModule, test::renderModulePath());
+        mModule = loadModule(test::renderModulePath);
+        mHost = std::make_unique<RenderHost>(*mModule, test::renderModulePath);
         mCatalogue = std::make_unique<ParameterCatalogue>(mHost->controller());
     }
 
@@ -115,7 +115,7 @@ TEST_F(PluginSettingsTest, SettingsReachTheProcessorInOrder)
     const std::vector<char> state = mHost->saveState();
     ASSERT_EQ(state.size(), 276u);
 
-    auto other = std::make_unique<RenderHost>(*mModule, test::renderModulePath());
+    auto other = std::make_unique<RenderHost>(*mModule, test::renderModulePath);
     other->loadState(state, "memory");
     other->start(48000.0, 2, 256);
     EXPECT_EQ(other->saveState(), state);

@@ -14,7 +14,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: %s MODULE_PATH RENDER_TOOL_PATH [gtest options]\n", argv[0]);
         return 2;
     }
-    velmoran::test::renderModulePath() = argv[1];
-    velmoran::test::renderToolPath() = argv[2];
+    velmoran::test::renderModulePath = argv[1];
+    velmoran::test::renderToolPath = argv[2];
     return RUN_ALL_TESTS();
 }

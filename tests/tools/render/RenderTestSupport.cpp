@@ -132,9 +132,9 @@ double rmsDb(const Sound& sound, int channel, size_t first)
 
 ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
 {
-    std::string command = shellWord(renderToolPath());
+    std::string command = shellWord(renderToolPath);
     if (givePlugin)
-        command += " --plugin " + shellWord(renderModulePath());
+        command += " --plugin " + shellWord(renderModulePath);
     for (const std::string& argument : arguments)
         command += " " + shellWord(argument);
     const ScratchFolder streams;

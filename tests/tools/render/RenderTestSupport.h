@@ -15,16 +15,8 @@ namespace velmoran::test
 {
 
 // Paths given to the test program: the built module and the velmoran-render program.
-inline std::string& renderModulePath()
-{
-    static std::string path;
-    return path;
-}
-inline std::string& renderToolPath()
-{
-    static std::string path;
-    return path;
-}
+inline std::string renderModulePath;
+inline std::string renderToolPath;
 
 // A fresh folder removed with everything in it at destruction.
 class ScratchFolder
@@ -47,19 +39,6 @@ struct Sound
     render::AudioInfo info;
     std::vector<float> samples;
 };
-
-// A libsndfile format with a channel count and a rate, named for parameterised tests.
-struct SoundFormat
-{
-    const char* name;
-    int format;
-    int channels;
-    int sampleRate;
-};
-inline std::string soundFormatName(const ::testing::TestParamInfo<SoundFormat>& info)
-{
-    return info.param.name;
-}
 
 // Writes samples (interleaved) to path with the given libsndfile format, rate and channels.
 void writeSound(const std::string& path, const std::vector<float>& samples, int format, int sampleRate,
