@@ -150,40 +150,34 @@ protected:
     ShownEditor editor;
 };
 
-TEST_F(BoxWindow, ClickOnAButtonChoosesIt)
+// A click on a button chooses it; Return answers with the default button, Escape and closing with
+// the cancel button.
+TEST_F(BoxWindow, ClicksKeysAndClosingChooseAButton)
 {
     MBXMessage message("Saved", "The preset was saved.");
     MBXDialogue okCancel("Reset?", "Every band goes back to its factory setting.");
     MBXDialogue yesNo("Reset?", "Every band goes back to its factory setting.", MBXDialogueButtons::kYesNo);
+    const auto button = [](const MBXObject& box, int index) { return at(layoutBox(box).buttons[index]); };
+    const auto clickOn = [&](const MBXObject& box, int index)
+    { return click(button(box, index), button(box, index)); };
     const struct
     {
         MBXObject* box;
-        int button;
-    } cases[] = {{&message, 0}, {&okCancel, 0}, {&okCancel, 1}, {&yesNo, 1}};
-    for (const auto& sample : cases)
-    {
-        const LPARAM button = at(layoutBox(*sample.box).buttons[sample.button]);
-        EXPECT_EQ(runWith(*sample.box, {click(button, button)}), sample.button)
-            << sample.box->buttons().back();
-    }
-}
-
-TEST_F(BoxWindow, KeysAndClosingAnswerWithTheDefaultOrTheCancelButton)
-{
-    MBXDialogue box("Reset?", "Every band goes back to its factory setting.", MBXDialogueButtons::kYesNo);
-    const LPARAM yes = at(layoutBox(box).buttons[0]);
-    const struct
-    {
         std::vector<Step> steps;
         int chosen;
     } cases[] = {
-        {{post(WM_KEYDOWN, VK_RETURN)}, 0},
-        {{post(WM_KEYDOWN, VK_ESCAPE)}, 1},
-        {{post(WM_CLOSE)}, 1},
-        {{click(yes, MAKELPARAM(2, 2)), post(WM_KEYDOWN, VK_ESCAPE)}, 1}, // released off the button
+        {&message, {clickOn(message, 0)}, 0},
+        {&okCancel, {clickOn(okCancel, 0)}, 0},
+        {&okCancel, {clickOn(okCancel, 1)}, 1},
+        {&yesNo, {clickOn(yesNo, 1)}, 1},
+        {&yesNo, {post(WM_KEYDOWN, VK_RETURN)}, 0},
+        {&yesNo, {post(WM_KEYDOWN, VK_ESCAPE)}, 1},
+        {&yesNo, {post(WM_CLOSE)}, 1},
+        // Pressed on Yes but released off it, so only the Escape that follows answers.
+        {&yesNo, {click(button(yesNo, 0), MAKELPARAM(2, 2)), post(WM_KEYDOWN, VK_ESCAPE)}, 1},
     };
     for (const auto& sample : cases)
-        EXPECT_EQ(runWith(box, sample.steps), sample.chosen);
+        EXPECT_EQ(runWith(*sample.box, sample.steps), sample.chosen) << "case " << &sample - cases;
 }
 
 TEST_F(BoxWindow, HandCursorOverTheLinkOnly)
