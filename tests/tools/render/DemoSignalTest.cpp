@@ -1,3 +1,5 @@
+#include "RenderTestSupport.h"
+
 #include "tools/render/DemoSignal.h"
 
 #include <gtest/gtest.h>
@@ -10,18 +12,6 @@ namespace velmoran::render
 namespace
 {
 
-// RMS level in dB of one channel over frames [first, first + count).
-double levelDb(const std::vector<float>& demo, int channel, size_t first, size_t count)
-{
-    double sum = 0.0;
-    for (size_t frame = first; frame < first + count; ++frame)
-    {
-        const double sample = demo[2 * frame + static_cast<size_t>(channel)];
-        sum += sample * sample;
-    }
-    return 10.0 * std::log10(std::max(sum / count, 1e-30));
-}
-
 // Its length and channels as the tool writes them are checked in RenderToolTest.cpp.
 TEST(DemoSignal, HasHeadroomSoundsThroughoutAndDiffersBetweenChannels)
 {
@@ -30,9 +20,10 @@ TEST(DemoSignal, HasHeadroomSoundsThroughoutAndDiffersBetweenChannels)
     for (float sample : demo)
         peak = std::max(peak, std::fabs(sample));
     EXPECT_NEAR(20.0 * std::log10(peak), kDemoPeakDb, 0.01);
+    const test::Sound sound{{kDemoSampleRate, 2, 0, 0}, demo};
     const size_t quarterSecond = kDemoSampleRate / 4;
     for (size_t first = 0; first + quarterSecond <= demo.size() / 2; first += quarterSecond)
-        EXPECT_GT(levelDb(demo, 0, first, quarterSecond), -40.0) << "silent near frame " << first;
+        EXPECT_GT(test::rmsDb(sound, 0, first, quarterSecond), -40.0) << "silent near frame " << first;
     size_t differing = 0;
     for (size_t frame = 0; frame < demo.size() / 2; ++frame)
         differing += demo[2 * frame] != demo[2 * frame + 1] ? 1 : 0;

@@ -116,18 +116,17 @@ std::vector<float> busySignal(double seconds, int sampleRate, int channels)
     return samples;
 }
 
-double rmsDb(const Sound& sound, int channel, size_t first)
+double rmsDb(const Sound& sound, int channel, size_t first, size_t count)
 {
     const auto channels = static_cast<size_t>(sound.info.channels);
+    const size_t last = first + std::min(count, sound.samples.size() / channels - first);
     double sum = 0.0;
-    size_t count = 0;
-    for (size_t index = first * channels + static_cast<size_t>(channel); index < sound.samples.size();
-         index += channels)
+    for (size_t frame = first; frame < last; ++frame)
     {
-        sum += static_cast<double>(sound.samples[index]) * sound.samples[index];
-        ++count;
+        const double sample = sound.samples[frame * channels + static_cast<size_t>(channel)];
+        sum += sample * sample;
     }
-    return 10.0 * std::log10(std::max(sum / std::max<size_t>(count, 1), 1e-30));
+    return 10.0 * std::log10(std::max(sum / static_cast<double>(std::max<size_t>(last - first, 1)), 1e-30));
 }
 
 ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)

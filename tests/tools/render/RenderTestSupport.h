@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -49,8 +50,8 @@ Sound readSound(const std::string& path);
 std::vector<float> sine(double frequencyHz, double levelDb, double seconds, int sampleRate, int channels);
 // seconds of a mix of tones and noise that uses every bit of a 16-bit sample, interleaved.
 std::vector<float> busySignal(double seconds, int sampleRate, int channels);
-// RMS level in dBFS of one channel from frame first to the end.
-double rmsDb(const Sound& sound, int channel, size_t first);
+// RMS level in dBFS of one channel over count frames from frame first (by default to the end).
+double rmsDb(const Sound& sound, int channel, size_t first, size_t count = SIZE_MAX);
 
 // Whether text contains part, showing the whole text if not.
 inline ::testing::AssertionResult contains(const std::string& text, const std::string& part)
