@@ -1,4 +1,5 @@
 #include "dsp/BandEngine.h"
+#include "dsp/FilterDesign.h"
 
 #include "support/Signals.h"
 
@@ -16,7 +17,7 @@
 namespace
 {
 
-using velmoran::dsp::BandEngine;
+using namespace velmoran::dsp;
 using velmoran::testing::GainDb;
 using velmoran::testing::kPi;
 using velmoran::testing::LargestStep;
@@ -27,19 +28,6 @@ constexpr double kRate = 48000.0;
 constexpr int kChunk = BandEngine::kMaxChunkLength;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
-
-// Type codes as the band menu offers them.
-constexpr int kNoBand = 0;
-constexpr int kPeak = 2;
-constexpr int kPeakMinus3 = 3;
-constexpr int kPeakPlus3 = 4;
-constexpr int kPeakAsym = 5;
-constexpr int kPeakInv = 6;
-constexpr int kLowShelf = 7;
-constexpr int kHighShelf = 8;
-constexpr int kLowPass = 9;
-constexpr int kHighPass = 10;
-constexpr int kBandPass = 11;
 
 constexpr int kStereo = 0;
 constexpr int kLeft = 1;
@@ -132,7 +120,7 @@ template <typename Case> std::string NameOf(const ::testing::TestParamInfo<Case>
 }
 
 const Configure kNothing = [](BandEngine&) {};
-const Configure kBoost = [](BandEngine& e) { SetBand(e, 4, kPeak, 1000.0f, 12.0f); };
+const Configure kBoost = [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 1000.0f, 12.0f); };
 
 // Switched out, and switched in with no band, the engine hands back the input bit for bit.
 TEST(BandEngineTest, TransparentWhenOutOrWithoutBands)
@@ -140,7 +128,7 @@ TEST(BandEngineTest, TransparentWhenOutOrWithoutBands)
     const auto left = MakeSine(440.0, kRate, 9600, 0.7);
     const auto right = MakeSine(3000.0, kRate, 9600, 0.2);
     auto switchedOut = std::make_unique<BandEngine>();
-    SetBand(*switchedOut, 4, kPeak, 1000.0f, 12.0f);
+    SetBand(*switchedOut, 4, kTypePeakHalfGain, 1000.0f, 12.0f);
     const auto withoutBands = MakeEngine();
     for (BandEngine* engine : {switchedOut.get(), withoutBands.get()})
     {
@@ -149,58 +137,6 @@ TEST(BandEngineTest, TransparentWhenOutOrWithoutBands)
         EXPECT_EQ(output.right, right);
     }
 }
-
-struct ResponseCase
-{
-    const char* name;
-    int type;
-    float bandHz;
-    float gainDb;
-    double probeHz;
-    double expectedDb;
-    double toleranceDb;
-};
-
-using BandResponseTest = ::testing::TestWithParam<ResponseCase>;
-
-TEST_P(BandResponseTest, GainAtProbeFrequency)
-{
-    const ResponseCase& c = GetParam();
-    auto engine = MakeEngine([&](BandEngine& e) { SetBand(e, 4, c.type, c.bandHz, c.gainDb); });
-    const ChannelGains gains = MeasureGain(*engine, c.probeHz);
-    EXPECT_NEAR(gains.left, c.expectedDb, c.toleranceDb);
-    EXPECT_NEAR(gains.right, c.expectedDb, c.toleranceDb);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Types, BandResponseTest,
-    ::testing::Values(ResponseCase{"PeakBoostAtCentre", kPeak, 1000.0f, 12.0f, 1000.0, 12.0, 0.3},
-                      ResponseCase{"PeakCutAtCentre", kPeak, 1000.0f, -12.0f, 1000.0, -12.0, 0.3},
-                      ResponseCase{"PeakFarBelow", kPeak, 1000.0f, 12.0f, 40.0, 0.0, 0.3},
-                      ResponseCase{"LowShelfBelow", kLowShelf, 300.0f, 12.0f, 32.0, 12.0, 0.8},
-                      ResponseCase{"LowShelfAbove", kLowShelf, 300.0f, 12.0f, 12000.0, 0.0, 0.3},
-                      ResponseCase{"HighShelfAbove", kHighShelf, 2000.0f, -12.0f, 16000.0, -12.0, 1.0},
-                      ResponseCase{"HighShelfBelow", kHighShelf, 2000.0f, -12.0f, 100.0, 0.0, 0.3},
-                      ResponseCase{"LowPassPassband", kLowPass, 1000.0f, 0.0f, 100.0, 0.0, 0.3},
-                      ResponseCase{"LowPassDecadeAbove", kLowPass, 1000.0f, 0.0f, 10000.0, -40.0, 3.0},
-                      ResponseCase{"HighPassPassband", kHighPass, 1000.0f, 0.0f, 10000.0, 0.0, 0.3},
-                      ResponseCase{"HighPassDecadeBelow", kHighPass, 1000.0f, 0.0f, 100.0, -40.0, 3.0},
-                      ResponseCase{"BandPassCentre", kBandPass, 1000.0f, 0.0f, 1000.0, 0.0, 0.3},
-                      ResponseCase{"BandPassDecadeBelow", kBandPass, 1000.0f, 0.0f, 100.0, -20.0, 1.5}),
-    NameOf<ResponseCase>);
-
-using ChannelModeTest = ::testing::TestWithParam<int>;
-
-TEST_P(ChannelModeTest, BandActsOnlyOnItsChannels)
-{
-    const int mode = GetParam();
-    auto engine = MakeEngine([=](BandEngine& e) { SetBand(e, 4, kPeak, 1000.0f, 12.0f, 1.0f, mode); });
-    const ChannelGains gains = MeasureGain(*engine, 1000.0);
-    EXPECT_NEAR(gains.left, mode == kRight ? 0.0 : 12.0, 0.3);
-    EXPECT_NEAR(gains.right, mode == kLeft ? 0.0 : 12.0, 0.3);
-}
-
-INSTANTIATE_TEST_SUITE_P(Modes, ChannelModeTest, ::testing::Values(kStereo, kLeft, kRight));
 
 struct ListenCase
 {
@@ -221,122 +157,53 @@ TEST_P(SoloListenTest, SoloedBandPlaysWhatItActsOn)
         [&](BandEngine& e)
         {
             SetBand(e, 6, c.type, 1000.0f, 9.0f, 1.0f, c.mode);
+            // Held at unity while band 6 is soloed.
+            SetBand(e, 1, kTypePeakHalfGain, static_cast<float>(c.passHz), 12.0f);
             e.setSoloBand(6);
         });
     const ChannelGains pass = MeasureGain(*engine, c.passHz);
     const ChannelGains stop = MeasureGain(*engine, c.stopHz);
-    const double silent = -std::numeric_limits<double>::infinity();
-    for (const bool left : {true, false})
+    const double silence = -std::numeric_limits<double>::infinity();
+    const auto expect = [&](double passDb, double stopDb, bool silent)
     {
-        SCOPED_TRACE(left ? "left" : "right");
-        const double passDb = left ? pass.left : pass.right;
-        const double stopDb = left ? stop.left : stop.right;
-        if (c.mode == (left ? kRight : kLeft))
-        {
-            EXPECT_EQ(passDb, silent);
-            EXPECT_EQ(stopDb, silent);
-            continue;
-        }
-        EXPECT_NEAR(passDb, 0.0, 1.0);
-        EXPECT_LT(stopDb, -15.0);
-    }
+        EXPECT_TRUE(silent ? passDb == silence : std::fabs(passDb) < 1.0) << passDb;
+        EXPECT_TRUE(silent ? stopDb == silence : stopDb < -15.0) << stopDb;
+    };
+    expect(pass.left, stop.left, c.mode == kRight);
+    expect(pass.right, stop.right, c.mode == kLeft);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     ListenTypes, SoloListenTest,
-    ::testing::Values(ListenCase{"PeakLeftIsBandPassLeftOnly", kPeak, kLeft, 1000.0, 100.0},
-                      ListenCase{"PeakRightIsBandPassRightOnly", kPeakMinus3, kRight, 1000.0, 100.0},
-                      ListenCase{"PeakPlus3IsBandPass", kPeakPlus3, kStereo, 1000.0, 10000.0},
-                      ListenCase{"PeakAsymIsBandPass", kPeakAsym, kStereo, 1000.0, 100.0},
-                      ListenCase{"PeakInvIsBandPass", kPeakInv, kStereo, 1000.0, 10000.0},
-                      ListenCase{"BandPassStaysBandPass", kBandPass, kLeft, 1000.0, 100.0},
-                      ListenCase{"LowShelfIsLowPass", kLowShelf, kStereo, 100.0, 10000.0},
-                      ListenCase{"HighPassIsLowPass", kHighPass, kRight, 100.0, 10000.0},
-                      ListenCase{"HighShelfIsHighPass", kHighShelf, kStereo, 10000.0, 100.0},
-                      ListenCase{"LowPassIsHighPass", kLowPass, kStereo, 10000.0, 100.0}),
+    ::testing::Values(ListenCase{"PeakLeftIsBandPassLeftOnly", kTypePeakHalfGain, kLeft, 1000.0, 100.0},
+                      ListenCase{"PeakRightIsBandPassRightOnly", kTypePeakMinus3Db, kRight, 1000.0, 100.0},
+                      ListenCase{"PeakPlus3IsBandPass", kTypePeakPlus3Db, kStereo, 1000.0, 10000.0},
+                      ListenCase{"PeakAsymIsBandPass", kTypePeakAsymmetric, kStereo, 1000.0, 100.0},
+                      ListenCase{"PeakInvIsBandPass", kTypePeakInverse, kStereo, 1000.0, 10000.0},
+                      ListenCase{"BandPassStaysBandPass", kTypeBandPass, kLeft, 1000.0, 100.0},
+                      ListenCase{"LowShelfIsLowPass", kTypeLowShelf, kStereo, 100.0, 10000.0},
+                      ListenCase{"HighPassIsLowPass", kTypeHighPass, kRight, 100.0, 10000.0},
+                      ListenCase{"HighShelfIsHighPass", kTypeHighShelf, kStereo, 10000.0, 100.0},
+                      ListenCase{"LowPassIsHighPass", kTypeLowPass, kStereo, 10000.0, 100.0}),
     NameOf<ListenCase>);
 
-// While a band is soloed the others are held at unity; clearing solo brings them all back.
-TEST(BandEngineTest, SoloHoldsTheOtherBandsAndClearingRestoresThem)
-{
-    auto engine = MakeEngine(
-        [](BandEngine& e)
-        {
-            SetBand(e, 1, kPeak, 1000.0f, 6.0f);
-            SetBand(e, 4, kPeak, 1000.0f, 6.0f);
-            e.setSoloBand(4);
-        });
-    EXPECT_NEAR(MeasureGain(*engine, 1000.0).left, 0.0, 0.3);
-    engine->setSoloBand(0);
-    EXPECT_NEAR(MeasureGain(*engine, 1000.0).left, 12.0, 0.3);
-}
-
-TEST(BandEngineTest, SwitchingInTakesEverySettingAtOnce)
+// The shown settings are the designed ones: taken at once on switching in, then a tenth of the
+// way to a new target after the first 512-sample cross-fade, and the target itself once settled.
+TEST(BandEngineTest, CurrentSettingsFollowTheDesign)
 {
     BandEngine engine;
-    SetBand(engine, 4, kPeak, 2000.0f, -9.0f);
+    SetBand(engine, 4, kTypePeakHalfGain, 100.0f, -9.0f);
     engine.setEffectOn(true);
     engine.updateBlock(kChunk);
-    EXPECT_EQ(engine.currentBandFrequency(4), 2000.0f);
+    EXPECT_EQ(engine.currentBandFrequency(4), 100.0f);
     EXPECT_EQ(engine.currentBandGain(4), -9.0f);
-}
-
-// Each move covers a tenth of the remaining way, one move per finished 512-sample cross-fade
-// (every eighth chunk of 64), until the step would be below 0.001, when it snaps.
-TEST(BandEngineTest, FrequencyChangeGlidesByTenthsAndSnaps)
-{
-    auto engine = MakeEngine([](BandEngine& e) { SetBand(e, 4, kPeak, 100.0f, 6.0f); });
-    engine->setBandFrequency(4, 1000.0f);
-    std::vector<float> frame(kChunk, 0.0f);
-    float previous = engine->currentBandFrequency(4);
-    int moves = 0;
-    int lastMoveChunk = -8;
-    bool snapped = false;
-    for (int chunk = 0; chunk < 2000 && !snapped; ++chunk)
-    {
-        Process(*engine, frame);
-        const float current = engine->currentBandFrequency(4);
-        if (current == previous)
-            continue;
-        ++moves;
-        EXPECT_EQ(chunk - lastMoveChunk, 8) << "move " << moves;
-        lastMoveChunk = chunk;
-        const double gap = 1000.0 - previous;
-        snapped = current == 1000.0f && std::fabs(gap * 0.1) < 0.0011;
-        if (!snapped)
-        {
-            ASSERT_NEAR(current - previous, gap * 0.1, 2e-4 + 1e-5 * gap) << "move " << moves;
-        }
-        previous = current;
-    }
-    EXPECT_TRUE(snapped);
-    EXPECT_GT(moves, 100);
-    EXPECT_LT(moves, 115);
-}
-
-// Each chunk ramps linearly to a level a tenth of the remaining way closer, which the next chunk
-// starts from.
-TEST(BandEngineTest, OutputGainGlidesATenthPerChunkWithLinearRamps)
-{
-    auto engine = MakeEngine();
-    engine->setOutputGainDb(6.0f);
-    const std::vector<float> dc(kChunk, 0.25f);
-    std::vector<Stereo> chunks;
-    for (int chunk = 0; chunk < 41; ++chunk)
-        chunks.push_back(Process(*engine, dc));
-    const auto startDb = [&](int chunk) { return 20.0 * std::log10(chunks[chunk].left.front() / 0.25); };
-    EXPECT_EQ(startDb(0), 0.0);
-    for (int chunk = 1; chunk < 41; ++chunk)
-    {
-        EXPECT_NEAR((6.0 - startDb(chunk)) / (6.0 - startDb(chunk - 1)), 0.9, 1e-5) << "chunk " << chunk;
-        const Stereo& previous = chunks[static_cast<std::size_t>(chunk - 1)];
-        EXPECT_NEAR(previous.left[kChunk / 2], (previous.left.front() + chunks[chunk].left.front()) / 2.0,
-                    1e-6);
-    }
-    ProcessSilence(*engine, 0.5);
-    const Stereo settled = Process(*engine, dc);
-    EXPECT_NEAR(20.0 * std::log10(settled.left.back() / 0.25), 6.0, 1e-5);
-    EXPECT_EQ(settled.left.front(), settled.left.back());
+    engine.setBandFrequency(4, 1000.0f);
+    engine.setBandGain(4, 9.0f);
+    Process(engine, std::vector<float>(8 * kChunk, 0.0f));
+    EXPECT_NEAR(engine.currentBandFrequency(4), 190.0f, 0.01f);
+    ProcessSilence(engine, 2.0);
+    EXPECT_EQ(engine.currentBandFrequency(4), 1000.0f);
+    EXPECT_EQ(engine.currentBandGain(4), 9.0f);
 }
 
 struct JumpCase
@@ -376,23 +243,27 @@ INSTANTIATE_TEST_SUITE_P(
     Changes, SettingJumpTest,
     ::testing::Values(
         JumpCase{"TypePeakToHighShelf", kBoost, kNothing,
-                 [](BandEngine& e) { e.setBandType(4, kHighShelf); }},
-        JumpCase{"TypePeakToLowPass", kBoost, kNothing, [](BandEngine& e) { e.setBandType(4, kLowPass); }},
-        JumpCase{"TypeToNone", kBoost, kNothing, [](BandEngine& e) { e.setBandType(4, kNoBand); }},
-        JumpCase{"TypeFromNone", [](BandEngine& e) { SetBand(e, 4, kNoBand, 1000.0f, 12.0f); }, kNothing,
-                 [](BandEngine& e) { e.setBandType(4, kPeak); }},
-        JumpCase{"GainCutToBoost", [](BandEngine& e) { SetBand(e, 4, kPeak, 1000.0f, -18.0f); }, kNothing,
-                 [](BandEngine& e) { e.setBandGain(4, 18.0f); }},
-        JumpCase{"FrequencyAcrossTheTone", [](BandEngine& e) { SetBand(e, 4, kPeak, 200.0f, 12.0f); },
-                 kNothing, [](BandEngine& e) { e.setBandFrequency(4, 5000.0f); }},
-        JumpCase{"QNarrowToWide", [](BandEngine& e) { SetBand(e, 4, kPeak, 1200.0f, 12.0f, 5.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandType(4, kTypeHighShelf); }},
+        JumpCase{"TypePeakToLowPass", kBoost, kNothing,
+                 [](BandEngine& e) { e.setBandType(4, kTypeLowPass); }},
+        JumpCase{"TypeToNone", kBoost, kNothing, [](BandEngine& e) { e.setBandType(4, kTypeNone); }},
+        JumpCase{"TypeFromNone", [](BandEngine& e) { SetBand(e, 4, kTypeNone, 1000.0f, 12.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandType(4, kTypePeakHalfGain); }},
+        JumpCase{"GainCutToBoost", [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 1000.0f, -18.0f); },
+                 kNothing, [](BandEngine& e) { e.setBandGain(4, 18.0f); }},
+        JumpCase{"FrequencyAcrossTheTone",
+                 [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 200.0f, 12.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandFrequency(4, 5000.0f); }},
+        JumpCase{"QNarrowToWide",
+                 [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 1200.0f, 12.0f, 5.0f); }, kNothing,
                  [](BandEngine& e) { e.setBandQ(4, 0.3f); }},
-        JumpCase{"ResonantLowPassDown", [](BandEngine& e) { SetBand(e, 4, kLowPass, 2000.0f, 0.0f, 5.0f); },
-                 kNothing, [](BandEngine& e) { e.setBandFrequency(4, 300.0f); }},
+        JumpCase{"ResonantLowPassDown",
+                 [](BandEngine& e) { SetBand(e, 4, kTypeLowPass, 2000.0f, 0.0f, 5.0f); }, kNothing,
+                 [](BandEngine& e) { e.setBandFrequency(4, 300.0f); }},
         JumpCase{"AllAtOnce", kBoost, kNothing,
                  [](BandEngine& e)
                  {
-                     e.setBandType(4, kLowShelf);
+                     e.setBandType(4, kTypeLowShelf);
                      e.setBandFrequency(4, 3000.0f);
                      e.setBandGain(4, -15.0f);
                      e.setBandQ(4, 4.0f);
@@ -414,6 +285,8 @@ INSTANTIATE_TEST_SUITE_P(
         JumpCase{"PolarityFlip", kBoost, kNothing, [](BandEngine& e) { e.setPolarityInverted(true); }}),
     NameOf<JumpCase>);
 
+// The effect switch and the polarity ramp use the same ramp code as the reference engine, so the
+// identity test cannot vouch for their timing; these two measure it.
 TEST(BandEngineTest, EffectSwitchedOffSettlesToTheExactInputIn50Ms)
 {
     auto engine = MakeEngine(kBoost);
@@ -455,63 +328,13 @@ TEST_P(PolarityRampTest, InversionRampsOverTwentyMilliseconds)
 
 INSTANTIATE_TEST_SUITE_P(Rates, PolarityRampTest, ::testing::Values(48000.0f, 44100.0f, 96000.0f));
 
-// Polarity is part of the effect: inverted while out it waits, and it ramps in once switched in.
-TEST(BandEngineTest, PolarityChangedWhileSwitchedOutWaitsForTheEffect)
-{
-    auto engine = MakeEngine();
-    engine->setEffectOn(false);
-    ProcessSilence(*engine, 0.2);
-    engine->setPolarityInverted(true);
-    const std::vector<float> dc(48000, 0.5f);
-    EXPECT_EQ(Process(*engine, dc).left, dc);
-
-    engine->setEffectOn(true);
-    const Stereo afterIn = Process(*engine, dc);
-    EXPECT_NEAR(afterIn.left[0], 0.5, 1e-6);
-    EXPECT_NEAR(afterIn.left[480], 0.0, 1e-3);
-    EXPECT_NEAR(afterIn.left[960], -0.5, 1e-6);
-    EXPECT_NEAR(afterIn.right.back(), -0.5, 1e-6);
-}
-
-TEST(BandEngineTest, PolarityInvertedBeforeSwitchingOutStaysInverted)
-{
-    auto engine = MakeEngine();
-    engine->setPolarityInverted(true);
-    ProcessSilence(*engine, 0.1);
-    engine->setEffectOn(false);
-    ProcessSilence(*engine, 0.2);
-    const auto tone = MakeSine(700.0, kRate, 4800, 0.5);
-    const Stereo output = Process(*engine, tone);
-    for (std::size_t i = 0; i < tone.size(); ++i)
-        ASSERT_EQ(output.left[i], -tone[i]);
-}
-
-TEST(BandEngineTest, DisabledBandFadesOutOver512Samples)
-{
-    auto engine = MakeEngine(kBoost);
-    const auto tone = MakeSine(1000.0, kRate, 24000 + 4800, 0.25);
-    const Stereo output =
-        ProcessWithChange(*engine, tone, 24000, [](BandEngine& e) { e.setBandEnabled(4, false); });
-    // Halfway through the fade the boost is still partly there, on the last faded sample barely.
-    const auto deviation = [&](std::size_t from, std::size_t count)
-    { return Rms(output.left, from, from + count) / Rms(tone, from, from + count); };
-    EXPECT_GT(deviation(24000, 48), 3.0);
-    EXPECT_GT(deviation(24000 + 240, 48), 1.5);
-    EXPECT_NE(output.left[24000 + 511], tone[24000 + 511]);
-    for (std::size_t i = 24000 + 512; i < tone.size(); ++i)
-    {
-        ASSERT_EQ(output.left[i], tone[i]) << i;
-        ASSERT_EQ(output.right[i], tone[i]) << i;
-    }
-}
-
 TEST(BandEngineTest, NonFiniteInputIsTakenAsSilence)
 {
     auto engine = MakeEngine(
         [](BandEngine& e)
         {
-            SetBand(e, 4, kPeak, 1000.0f, 12.0f);
-            SetBand(e, 7, kLowPass, 8000.0f, 0.0f, 5.0f);
+            SetBand(e, 4, kTypePeakHalfGain, 1000.0f, 12.0f);
+            SetBand(e, 7, kTypeLowPass, 8000.0f, 0.0f, 5.0f);
             e.setAnalyserOn(true);
             e.setAnalyserSourceOutput(true);
         });
@@ -524,9 +347,6 @@ TEST(BandEngineTest, NonFiniteInputIsTakenAsSilence)
     const Stereo output = Process(*engine, left, right);
     for (std::size_t i = 0; i < output.left.size(); ++i)
         ASSERT_TRUE(std::isfinite(output.left[i]) && std::isfinite(output.right[i])) << i;
-    const ChannelGains gains = MeasureGain(*engine, 1000.0);
-    EXPECT_NEAR(gains.left, 12.0, 0.5);
-    EXPECT_NEAR(gains.right, 12.0, 0.5);
     for (int bin = 0; bin < 2048; ++bin)
         ASSERT_TRUE(std::isfinite(engine->analyserMagnitudes()[bin]));
 }
@@ -552,23 +372,24 @@ TEST_P(BadSetterTest, IsIgnored)
 
 INSTANTIATE_TEST_SUITE_P(
     Calls, BadSetterTest,
-    ::testing::Values(BadCall{"BandZero", [](BandEngine& e) { SetBand(e, 0, kLowPass, 100.0f, 0.0f); }},
-                      BadCall{"BandEleven", [](BandEngine& e) { SetBand(e, 11, kLowPass, 100.0f, 0.0f); }},
-                      BadCall{"BandNegative", [](BandEngine& e) { SetBand(e, -4, kLowPass, 100.0f, 0.0f); }},
-                      BadCall{"FrequencyNaN", [](BandEngine& e) { e.setBandFrequency(4, kNaN); }},
-                      BadCall{"GainNaN", [](BandEngine& e) { e.setBandGain(4, kNaN); }},
-                      BadCall{"GainInfinite", [](BandEngine& e) { e.setBandGain(4, -kInfinity); }},
-                      BadCall{"QNaN", [](BandEngine& e) { e.setBandQ(4, kNaN); }},
-                      BadCall{"QInfinite", [](BandEngine& e) { e.setBandQ(4, kInfinity); }},
-                      BadCall{"TypeTooLarge", [](BandEngine& e) { e.setBandType(4, 55); }},
-                      BadCall{"TypeNegative", [](BandEngine& e) { e.setBandType(4, -1); }},
-                      BadCall{"ModeUnknown", [](BandEngine& e) { e.setBandMode(4, 3); }},
-                      BadCall{"SoloEleven", [](BandEngine& e) { e.setSoloBand(11); }},
-                      BadCall{"SoloNegative", [](BandEngine& e) { e.setSoloBand(-1); }},
-                      BadCall{"InputGainNaN", [](BandEngine& e) { e.setInputGainDb(kNaN); }},
-                      BadCall{"OutputGainInfinite", [](BandEngine& e) { e.setOutputGainDb(kInfinity); }},
-                      BadCall{"SampleRateNaN", [](BandEngine& e) { e.setSampleRate(kNaN); }},
-                      BadCall{"SampleRateZero", [](BandEngine& e) { e.setSampleRate(0.0f); }}),
+    ::testing::Values(
+        BadCall{"BandZero", [](BandEngine& e) { SetBand(e, 0, kTypeLowPass, 100.0f, 0.0f); }},
+        BadCall{"BandEleven", [](BandEngine& e) { SetBand(e, 11, kTypeLowPass, 100.0f, 0.0f); }},
+        BadCall{"BandNegative", [](BandEngine& e) { SetBand(e, -4, kTypeLowPass, 100.0f, 0.0f); }},
+        BadCall{"FrequencyNaN", [](BandEngine& e) { e.setBandFrequency(4, kNaN); }},
+        BadCall{"GainNaN", [](BandEngine& e) { e.setBandGain(4, kNaN); }},
+        BadCall{"GainInfinite", [](BandEngine& e) { e.setBandGain(4, -kInfinity); }},
+        BadCall{"QNaN", [](BandEngine& e) { e.setBandQ(4, kNaN); }},
+        BadCall{"QInfinite", [](BandEngine& e) { e.setBandQ(4, kInfinity); }},
+        BadCall{"TypeTooLarge", [](BandEngine& e) { e.setBandType(4, 55); }},
+        BadCall{"TypeNegative", [](BandEngine& e) { e.setBandType(4, -1); }},
+        BadCall{"ModeUnknown", [](BandEngine& e) { e.setBandMode(4, 3); }},
+        BadCall{"SoloEleven", [](BandEngine& e) { e.setSoloBand(11); }},
+        BadCall{"SoloNegative", [](BandEngine& e) { e.setSoloBand(-1); }},
+        BadCall{"InputGainNaN", [](BandEngine& e) { e.setInputGainDb(kNaN); }},
+        BadCall{"OutputGainInfinite", [](BandEngine& e) { e.setOutputGainDb(kInfinity); }},
+        BadCall{"SampleRateNaN", [](BandEngine& e) { e.setSampleRate(kNaN); }},
+        BadCall{"SampleRateZero", [](BandEngine& e) { e.setSampleRate(0.0f); }}),
     NameOf<BadCall>);
 
 TEST(BandEngineTest, OutOfRangeSettingsAreKeptInRange)
@@ -576,7 +397,7 @@ TEST(BandEngineTest, OutOfRangeSettingsAreKeptInRange)
     auto engine = MakeEngine(
         [](BandEngine& e)
         {
-            SetBand(e, 4, kPeak, 1000.0f, 1000.0f);
+            SetBand(e, 4, kTypePeakHalfGain, 1000.0f, 1000.0f);
             e.setBandFrequency(5, 1e9f);
             e.setBandQ(5, -3.0f);
         });
@@ -595,45 +416,9 @@ TEST(BandEngineTest, SampleRateChangeRedesignsTheBandsAndResizesTheAnalyser)
     EXPECT_NEAR(MeasureGain(*engine, 100.0, 96000.0).left, 0.0, 0.5);
 }
 
-// Bin 86 of the 4096-point transform at 48 kHz lies at 1007.8 Hz; a sine of amplitude A there
-// reads 0.179 A. The analyser is fed while the effect is out, from the input or the output.
-TEST(BandEngineTest, AnalyserShowsInputOrOutputAndRunsWhileOut)
-{
-    const auto levelAt1008Hz = [](bool effectOn, bool sourceOutput)
-    {
-        BandEngine engine;
-        SetBand(engine, 4, kPeak, 1007.8125f, -18.0f);
-        engine.setAnalyserOn(true);
-        engine.setAnalyserSourceOutput(sourceOutput);
-        engine.setEffectOn(effectOn);
-        Process(engine, MakeSine(1007.8125, kRate, 96000, 0.5));
-        return static_cast<double>(engine.analyserMagnitudes()[86]);
-    };
-    const double inputLevel = levelAt1008Hz(true, false);
-    EXPECT_NEAR(inputLevel, 0.5 * 0.35875 / 2.0, 0.002);
-    EXPECT_NEAR(20.0 * std::log10(levelAt1008Hz(true, true) / inputLevel), -18.0, 0.5);
-    EXPECT_NEAR(levelAt1008Hz(false, false), 0.5 * 0.35875 / 2.0, 0.002);
-}
-
-TEST(BandEngineTest, AnalyserOffKeepsItsLastSpectrumAndSwitchingOnClearsIt)
-{
-    auto engine = MakeEngine([](BandEngine& e) { e.setAnalyserOn(true); });
-    Process(*engine, MakeSine(1000.0, kRate, 48000, 0.5));
-    const std::vector<float> shown(engine->analyserMagnitudes(), engine->analyserMagnitudes() + 2048);
-    ASSERT_GT(*std::max_element(shown.begin(), shown.end()), 0.05f);
-
-    engine->setAnalyserOn(false);
-    Process(*engine, MakeSine(5000.0, kRate, 48000, 0.5));
-    EXPECT_TRUE(std::equal(shown.begin(), shown.end(), engine->analyserMagnitudes()));
-
-    engine->setAnalyserOn(true);
-    engine->updateBlock(kChunk);
-    EXPECT_EQ(*std::max_element(engine->analyserMagnitudes(), engine->analyserMagnitudes() + 2048), 0.0f);
-}
-
 TEST(BandEngineTest, ResetSilencesFilterTails)
 {
-    const Configure resonant = [](BandEngine& e) { SetBand(e, 4, kLowPass, 500.0f, 0.0f, 5.0f); };
+    const Configure resonant = [](BandEngine& e) { SetBand(e, 4, kTypeLowPass, 500.0f, 0.0f, 5.0f); };
     auto withReset = MakeEngine(resonant);
     auto withoutReset = MakeEngine(resonant);
     const auto tone = MakeSine(500.0, kRate, 4800, 0.9);
