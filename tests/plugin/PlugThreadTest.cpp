@@ -73,10 +73,10 @@ TEST(PlugThreads, SenderPostsFramesWhileTheAudioThreadProcesses)
     EXPECT_TRUE(processFor(instance, std::chrono::milliseconds(600)));
     const ReceivedFrames frames = instance.received();
     EXPECT_GE(frames.count, 5);
-    EXPECT_EQ(frames.sampleRate, 48000.0f);
-    EXPECT_TRUE(frames.transformSize == 4096 || frames.transformSize == 8192 ||
-                frames.transformSize == 16384);
-    EXPECT_GT(frames.loudestBin, 0.0f);
+    EXPECT_EQ(frames.last.sampleRate, 48000.0f);
+    EXPECT_TRUE(frames.last.transformSize == 4096 || frames.last.transformSize == 8192 ||
+                frames.last.transformSize == 16384);
+    EXPECT_GT(frames.loudestBin(), 0.0f);
 }
 
 using PlugTakenDownWhileSending = testing::TestWithParam<int>;
@@ -109,9 +109,9 @@ TEST(PlugThreads, TwoInstancesRunSideBySideWithoutCrossTalk)
     first.join();
     second.join();
     // Each controller is sent its own processor's signal: module-wide state is not shared.
-    EXPECT_GT(loud.received().loudestBin, 1e-3f);
+    EXPECT_GT(loud.received().loudestBin(), 1e-3f);
     EXPECT_GT(silent.received().count, 0);
-    EXPECT_EQ(silent.received().loudestBin, 0.0f);
+    EXPECT_EQ(silent.received().loudestBin(), 0.0f);
     for (float sample : silent.outputs[0])
     {
         ASSERT_EQ(sample, 0.0f);

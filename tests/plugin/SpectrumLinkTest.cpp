@@ -1,7 +1,6 @@
 // The spectrum link: frames and the sample rate travelling from processor to controller.
 
-#include "PluginHost.h"
-#include "support/AtomicReferences.h"
+#include "RunningInstance.h"
 
 #include "plugin/PlugParameters.h"
 #include "plugin/SpectrumFrame.h"
@@ -9,11 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
-#include <cstring>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -25,66 +21,11 @@ namespace
 namespace Plug = Vst::Velmoran;
 using Clock = std::chrono::steady_clock;
 
-// What reached the peer: the size of every frame, the last frame, every sample rate.
-struct Received
+// The header and the analyser's magnitudes of a frame.
+std::pair<std::pair<float, int32>, std::vector<float>> contentOf(const Plug::SpectrumFrame& frame)
 {
-    std::vector<uint32> frameSizes;
-    std::vector<char> lastFrame;
-    std::vector<double> sampleRates;
-};
-
-// A controller stand-in at the other end of the processor's connection: records what arrives.
-class ListeningPeer : public IConnectionPoint
-{
-public:
-    ListeningPeer() = default;
-    virtual ~ListeningPeer() = default;
-
-    tresult PLUGIN_API connect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
-    tresult PLUGIN_API disconnect(IConnectionPoint*) SMTG_OVERRIDE { return kResultOk; }
-    tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE
-    {
-        if (!message || !message->getMessageID() || !message->getAttributes())
-            return kInvalidArgument;
-        std::lock_guard<std::mutex> guard(mLock);
-        const void* data = nullptr;
-        uint32 size = 0;
-        double rate = 0.0;
-        if (std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
-            message->getAttributes()->getBinary("FFTData", data, size) == kResultOk)
-        {
-            mReceived.frameSizes.push_back(size);
-            mReceived.lastFrame.assign(static_cast<const char*>(data), static_cast<const char*>(data) + size);
-        }
-        else if (std::strcmp(message->getMessageID(), "setActive") == 0 &&
-                 message->getAttributes()->getFloat("sampleRate", rate) == kResultOk)
-        {
-            mReceived.sampleRates.push_back(rate);
-        }
-        return kResultOk;
-    }
-
-    Received received()
-    {
-        std::lock_guard<std::mutex> guard(mLock);
-        return mReceived;
-    }
-
-    VELMORAN_ATOMIC_REFERENCES(IConnectionPoint)
-
-private:
-    std::mutex mLock;
-    Received mReceived;
-};
-
-// The rate in Hz and transform size at the head of a spectrum frame.
-std::pair<float, int32> headerOf(const std::vector<char>& frame)
-{
-    float rate = 0.0f;
-    int32 size = -1;
-    std::memcpy(&rate, frame.data(), 4);
-    std::memcpy(&size, frame.data() + 4, 4);
-    return {rate, size};
+    return {{frame.sampleRate, frame.transformSize},
+            {frame.magnitudes, frame.magnitudes + Plug::kAnalyserMagnitudeCount}};
 }
 
 class SpectrumLink : public testing::Test
@@ -104,22 +45,20 @@ protected:
     }
 
     PluginInstance plugin{false};
-    IPtr<ListeningPeer> peer = owned(new ListeningPeer());
+    IPtr<FrameRelay> peer = owned(new FrameRelay());
     IPtr<IConnectionPoint> point;
 };
 
 TEST_F(SpectrumLink, FullFramesArriveAboutEvery20Ms)
 {
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    const Received received = peer->received();
+    const ReceivedFrames received = peer->received();
     // 25 periods; a loaded machine or an emulator may lose some.
-    EXPECT_GE(received.frameSizes.size(), 8u);
-    EXPECT_LE(received.frameSizes.size(), 27u);
-    for (uint32 size : received.frameSizes)
-        EXPECT_EQ(size, 32776u);
-    ASSERT_EQ(received.lastFrame.size(), 32776u);
+    EXPECT_GE(received.count, 8);
+    EXPECT_LE(received.count, 27);
+    EXPECT_EQ(received.otherSizes, 0);
     // Rate and size are never written while "FFT" is off.
-    EXPECT_EQ(headerOf(received.lastFrame), std::make_pair(44100.0f, int32{0}));
+    EXPECT_EQ(contentOf(received.last).first, std::make_pair(44100.0f, int32{0}));
 }
 
 // Without an editor the analyser rests and the frame stays as it was; once one opens, a 1 kHz
@@ -143,17 +82,11 @@ TEST_F(SpectrumLink, FrameRestsWithoutAnEditorAndCatchesUpWhenOneOpens)
     // The header and magnitudes of a frame sent wholly after this call.
     const auto nextFrame = [&]
     {
-        const size_t sent = peer->received().frameSizes.size();
+        const int sent = peer->received().count;
         const auto start = Clock::now();
-        while (peer->received().frameSizes.size() < sent + 2 &&
-               Clock::now() - start < std::chrono::seconds(2))
+        while (peer->received().count < sent + 2 && Clock::now() - start < std::chrono::seconds(2))
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        const std::vector<char> frame = peer->received().lastFrame;
-        std::vector<float> magnitudes(2048);
-        if (frame.size() != 32776u)
-            return std::make_pair(std::make_pair(0.0f, int32{-1}), magnitudes);
-        std::memcpy(magnitudes.data(), frame.data() + 8, sizeof(float) * magnitudes.size());
-        return std::make_pair(headerOf(frame), magnitudes);
+        return contentOf(peer->received().last);
     };
 
     run(0.5, 0.5);
