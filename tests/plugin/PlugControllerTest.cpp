@@ -22,10 +22,8 @@ class PlugController : public testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(plugin.valid()); }
 
-    IUnitInfo* units() { return unitInfo; }
-
     PluginInstance plugin;
-    FUnknownPtr<IUnitInfo> unitInfo{plugin.controller};
+    FUnknownPtr<IUnitInfo> units{plugin.controller};
 };
 
 struct ExpectedParameter
@@ -78,17 +76,17 @@ INSTANTIATE_TEST_SUITE_P(Table, PlugParameterInfo,
 
 TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
 {
-    ASSERT_TRUE(units());
-    ASSERT_EQ(units()->getUnitCount(), 1);
+    ASSERT_TRUE(units);
+    ASSERT_EQ(units->getUnitCount(), 1);
     UnitInfo unit;
-    ASSERT_EQ(units()->getUnitInfo(0, unit), kResultOk);
+    ASSERT_EQ(units->getUnitInfo(0, unit), kResultOk);
     EXPECT_EQ(unit.id, 0);
     EXPECT_EQ(unit.parentUnitId, kNoParentUnitId);
     EXPECT_EQ(unit.programListId, 69);
     EXPECT_EQ(asciiOf(unit.name), "Root");
-    ASSERT_EQ(units()->getProgramListCount(), 1);
+    ASSERT_EQ(units->getProgramListCount(), 1);
     ProgramListInfo list;
-    ASSERT_EQ(units()->getProgramListInfo(0, list), kResultOk);
+    ASSERT_EQ(units->getProgramListInfo(0, list), kResultOk);
     EXPECT_EQ(list.id, 69);
     EXPECT_EQ(list.programCount, 6);
     EXPECT_EQ(asciiOf(list.name), "Factory Presets");
@@ -97,11 +95,11 @@ TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
     String128 name = {};
     for (int32 index = 0; index < 6; ++index)
     {
-        ASSERT_EQ(units()->getProgramName(69, index, name), kResultOk);
+        ASSERT_EQ(units->getProgramName(69, index, name), kResultOk);
         EXPECT_EQ(asciiOf(name), expected[index]);
     }
-    EXPECT_NE(units()->getProgramName(70, 0, name), kResultOk);
-    EXPECT_NE(units()->getProgramName(69, 6, name), kResultOk);
+    EXPECT_NE(units->getProgramName(70, 0, name), kResultOk);
+    EXPECT_NE(units->getProgramName(69, 6, name), kResultOk);
 }
 
 struct TextCase

@@ -36,6 +36,9 @@ struct ChangeCase
 {
     const char* name;
     std::vector<Step> steps;
+    // An editor opens before steps 0, 2, 4... and closes before steps 1, 3, 5...; otherwise one
+    // stays open throughout.
+    bool editorOpensAndCloses = false;
 };
 
 std::ostream& operator<<(std::ostream& stream, const ChangeCase& change)
@@ -101,6 +104,8 @@ std::vector<ChangeCase> changeCases()
          {{{Plug::kInputGainTag, 1.0}, {Plug::kOutputGainTag, 0.0}},
           {{Plug::kInputGainTag, 0.0}, {Plug::kOutputGainTag, 1.0}}}},
         {"PresetAndUnknownTags", {{{Plug::kPresetTag, 1.0}, {13, 0.5}, {98, 1.0}, {5000, 0.5}}}},
+        // Editors opening and closing on the UI thread switch the analyser on and off.
+        {"EditorOpensAndCloses", {{{Plug::kFftTag, 1.0}}, {}, {}, {}, {}, {}}, true},
     };
 }
 
@@ -126,55 +131,33 @@ void processStep(RunningInstance& instance, IParameterChanges* changes, int& blo
     }
 }
 
-void expectNone(const RealTimeCounts& counts, int step)
-{
-    EXPECT_EQ(counts.allocations, 0) << "step " << step;
-    EXPECT_EQ(counts.frees, 0) << "step " << step;
-    EXPECT_EQ(counts.locks, 0) << "step " << step;
-}
-
 TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
 {
     RunningInstance instance(kLongestBlock);
     ASSERT_TRUE(instance.valid());
-    instance.openEditor();
     fillInputs(instance);
     // Every change list is made before the audio thread is watched, as a host makes its lists.
     std::vector<IPtr<ParameterChanges>> changes;
     for (const Step& step : GetParam().steps)
-    {
         changes.push_back(changesOf(step));
-    }
-    armRealTimeProbe();
     int block = 0;
-    for (auto& change : changes)
+    for (size_t step = 0; step < changes.size(); ++step)
     {
-        processStep(instance, change, block);
+        // Editor messages are made and delivered on the UI thread, outside the count.
+        if (step == 0 || GetParam().editorOpensAndCloses)
+            instance.openEditor(step % 2 == 0 || !GetParam().editorOpensAndCloses);
+        armRealTimeProbe();
+        processStep(instance, changes[step], block);
+        const RealTimeCounts counts = disarmRealTimeProbe();
+        EXPECT_EQ(counts.allocations, 0) << "step " << step;
+        EXPECT_EQ(counts.frees, 0) << "step " << step;
+        EXPECT_EQ(counts.locks, 0) << "step " << step;
     }
-    expectNone(disarmRealTimeProbe(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryKindOfChange, PlugRealTime, testing::ValuesIn(changeCases()),
                          [](const testing::TestParamInfo<ChangeCase>& info)
                          { return std::string(info.param.name); });
-
-// Editors opening and closing on the UI thread switch the analyser on and off; the audio thread
-// follows without allocating or locking (the messages are made and delivered outside the count).
-TEST(PlugRealTimeEditor, EditorOpeningAndClosingNeitherAllocatesNorLocks)
-{
-    RunningInstance instance(kLongestBlock);
-    ASSERT_TRUE(instance.valid());
-    fillInputs(instance);
-    auto fftOn = changesOf({{Plug::kFftTag, 1.0}});
-    int block = 0;
-    for (int step = 0; step < 6; ++step)
-    {
-        instance.openEditor(step % 2 == 0);
-        armRealTimeProbe();
-        processStep(instance, step == 0 ? fftOn.get() : nullptr, block);
-        expectNone(disarmRealTimeProbe(), step);
-    }
-}
 
 // The probe itself must see what it is there to see, also inside the loaded module.
 TEST(RealTimeProbe, SeesAllocationsFreesAndLocksAlsoInsideTheModule)

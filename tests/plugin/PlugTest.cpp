@@ -216,26 +216,6 @@ TEST_F(PlugProcessor, MonoBusesProcessOneChannel)
     EXPECT_GT(std::fabs(outputs[0][255]), 0.1f);
 }
 
-// Set-up refuses rates that are no rates and 64-bit samples; a valid one activates and processes.
-TEST_F(PlugProcessor, SetupRefusesBadRatesAndActivationRoundTrips)
-{
-    ProcessSetup setup{kRealtime, kSample64, 512, 44100.0};
-    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
-    setup.symbolicSampleSize = kSample32;
-    for (double rate : {0.0, std::numeric_limits<double>::quiet_NaN()})
-    {
-        setup.sampleRate = rate;
-        EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk) << rate;
-    }
-    setup.sampleRate = 44100.0;
-    ASSERT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
-    EXPECT_EQ(plugin.component->setActive(true), kResultOk);
-    std::vector<std::vector<float>> inputs(2, std::vector<float>(512, 0.1f));
-    std::vector<std::vector<float>> outputs(2, std::vector<float>(512));
-    EXPECT_EQ(processBlock(plugin.processor, inputs, outputs, 512), kResultOk);
-    EXPECT_EQ(plugin.component->setActive(false), kResultOk);
-}
-
 TEST_F(PlugProcessor, OwnBinaryMessageIsAcceptedAndIgnored)
 {
     auto message = owned(new HostMessage());

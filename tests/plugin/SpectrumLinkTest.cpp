@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -49,9 +50,18 @@ TEST_F(SpectrumLink, FullFramesArriveAboutEvery20Ms)
     EXPECT_EQ(received.last.transformSize, 0);
 }
 
+// Set-up refuses rates that are no rates and 64-bit samples; a valid one is sent on activation.
 TEST_F(SpectrumLink, ActivationSendsTheSampleRate)
 {
-    ProcessSetup setup{kRealtime, kSample32, 256, 88200.0};
+    ProcessSetup setup{kRealtime, kSample64, 256, 88200.0};
+    EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk);
+    setup.symbolicSampleSize = kSample32;
+    for (double rate : {0.0, std::numeric_limits<double>::quiet_NaN()})
+    {
+        setup.sampleRate = rate;
+        EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk) << rate;
+    }
+    setup.sampleRate = 88200.0;
     ASSERT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
     ASSERT_EQ(plugin.component->setActive(true), kResultOk);
     ASSERT_EQ(plugin.component->setActive(false), kResultOk);
