@@ -5,8 +5,6 @@
 
 #include "plugin/PlugParameters.h"
 
-#include "pluginterfaces/base/ustring.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -114,35 +112,6 @@ TEST_F(PlugHostileInput, TextsOfValuesBeyondTheRangeAreThoseOfItsEnds)
         }
     }
     EXPECT_EQ(textOf(Plug::frequencyTag(4), 1e300), "20000.00 Hz");
-}
-
-class PlugTextThatIsNoNumber : public PlugHostileInput, public testing::WithParamInterface<const char*>
-{
-};
-
-TEST_P(PlugTextThatIsNoNumber, ReadsAsNoValue)
-{
-    for (ParamID tag : std::initializer_list<ParamID>{Plug::kPresetTag, Plug::frequencyTag(1), Plug::qTag(5),
-                                                      Plug::kSoloTag})
-    {
-        String128 text{};
-        Steinberg::UString(text, 128).fromAscii(GetParam());
-        ParamValue value = 0.25;
-        EXPECT_EQ(plugin.controller->getParamValueByString(tag, text, value), kResultFalse) << "tag " << tag;
-        EXPECT_EQ(value, 0.25) << "tag " << tag;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Texts, PlugTextThatIsNoNumber,
-                         testing::Values("nan", "inf", "-inf", "infinity", "NAN"));
-
-TEST_F(PlugHostileInput, NumbersForAParameterWithoutTextsOfItsOwnAreLimitedToTheRange)
-{
-    String128 text{};
-    Steinberg::UString(text, 128).fromAscii("1e10");
-    ParamValue value = 0.25;
-    ASSERT_EQ(plugin.controller->getParamValueByString(Plug::kPresetTag, text, value), kResultOk);
-    EXPECT_EQ(value, 1.0);
 }
 
 TEST_F(PlugHostileInput, MessageWithoutAttributesIsRefusedOnBothSides)
