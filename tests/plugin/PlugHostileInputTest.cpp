@@ -52,9 +52,7 @@ protected:
     {
         String128 text{};
         if (plugin.controller->getParamStringByValue(tag, value, text) != kResultOk)
-        {
             return "(refused)";
-        }
         return asciiOf(text);
     }
 

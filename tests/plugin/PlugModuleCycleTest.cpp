@@ -33,9 +33,7 @@ bool stillLoaded(const std::string& systemPath)
 #else
     void* library = dlopen(systemPath.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (library)
-    {
         dlclose(library);
-    }
     return library != nullptr;
 #endif
 }
@@ -73,9 +71,7 @@ TEST(PlugModuleCycles, HundredEntriesAndExitsWithUseInBetween)
         }
         module.reset();
         if (!stillLoaded(systemPath))
-        {
             ++unloaded;
-        }
     }
     // Every exit really let the system unload the library, so the next entry started afresh.
     EXPECT_EQ(unloaded, kCycles);

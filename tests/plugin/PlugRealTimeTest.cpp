@@ -53,9 +53,7 @@ std::vector<Step> everyBand(ParamID (*tagOf)(int), std::vector<ParamValue> value
     {
         Step step;
         for (int band = 1; band <= Plug::kBandCount; ++band)
-        {
             step.emplace_back(tagOf(band), value);
-        }
         steps.push_back(step);
     }
     return steps;

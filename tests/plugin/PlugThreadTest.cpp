@@ -46,19 +46,11 @@ bool processFor(RunningInstance& instance, std::chrono::milliseconds duration)
     while (Clock::now() - start < duration)
     {
         if (instance.process(kBlock) != kResultOk)
-        {
             return false;
-        }
         for (const auto& channel : instance.outputs)
-        {
-            for (float sample : channel)
-            {
-                if (!std::isfinite(sample))
-                {
-                    return false;
-                }
-            }
-        }
+            if (!std::all_of(channel.begin(), channel.end(),
+                             [](float sample) { return std::isfinite(sample); }))
+                return false;
         // A host's audio thread waits for the next buffer; so the sender gets its turns.
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -113,9 +105,7 @@ TEST(PlugThreads, TwoInstancesRunSideBySideWithoutCrossTalk)
     EXPECT_GT(silent.received().count, 0);
     EXPECT_EQ(silent.received().loudestBin(), 0.0f);
     for (float sample : silent.outputs[0])
-    {
         ASSERT_EQ(sample, 0.0f);
-    }
 }
 
 TEST(PlugThreads, StateLoadedFromTheMainThreadWhileProcessing)

@@ -54,9 +54,7 @@ RunningInstance::RunningInstance(int32 maxBlockLength)
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
     FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
     if (!plugin.valid() || !componentPoint || !controllerPoint)
-    {
         return;
-    }
     mRelay = owned(new FrameRelay(controllerPoint));
     componentPoint->connect(mRelay);
     controllerPoint->connect(componentPoint);
@@ -85,9 +83,7 @@ RunningInstance::RunningInstance(int32 maxBlockLength)
 RunningInstance::~RunningInstance()
 {
     if (mActive)
-    {
         plugin.component->setActive(false);
-    }
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
     FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
     if (mRelay && componentPoint && controllerPoint)
@@ -101,9 +97,7 @@ void RunningInstance::openEditor(bool open)
 {
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
     if (componentPoint)
-    {
         componentPoint->notify(editorMessage(open));
-    }
 }
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
