@@ -95,9 +95,12 @@ RunningInstance::~RunningInstance()
 
 void RunningInstance::openEditor(bool open)
 {
+    auto message = owned(new HostMessage());
+    message->setMessageID("EditorOpen");
+    message->getAttributes()->setInt("open", open ? 1 : 0);
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
     if (componentPoint)
-        componentPoint->notify(editorMessage(open));
+        componentPoint->notify(message);
 }
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
