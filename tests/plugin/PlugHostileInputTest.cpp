@@ -112,6 +112,8 @@ TEST_F(PlugHostileInput, TextsOfValuesBeyondTheRangeAreThoseOfItsEnds)
     EXPECT_EQ(textOf(Plug::frequencyTag(4), 1e300), "20000.00 Hz");
 }
 
+// No message, or one without attributes, is refused on both sides; the processor takes a binary
+// message with data of another name and ignores it.
 TEST_F(PlugHostileInput, MessageWithoutAttributesIsRefusedOnBothSides)
 {
     FUnknownPtr<IConnectionPoint> processorPoint(plugin.component);
@@ -122,6 +124,13 @@ TEST_F(PlugHostileInput, MessageWithoutAttributesIsRefusedOnBothSides)
         EXPECT_NE(processorPoint->notify(message), kResultOk) << id;
         EXPECT_NE(controllerPoint->notify(message), kResultOk) << id;
     }
+    EXPECT_EQ(processorPoint->notify(nullptr), kInvalidArgument);
+    EXPECT_EQ(controllerPoint->notify(nullptr), kInvalidArgument);
+    auto message = owned(new HostMessage());
+    message->setMessageID("BinaryMessage");
+    const char payload[4] = {1, 2, 3, 4};
+    message->getAttributes()->setBinary("MyData", payload, sizeof(payload));
+    EXPECT_EQ(processorPoint->notify(message), kResultOk);
 }
 
 } // namespace

@@ -212,17 +212,5 @@ TEST_F(PlugProcessor, OddProcessDataNeverCrashes)
         ASSERT_TRUE(std::isfinite(sample));
 }
 
-TEST_F(PlugProcessor, OwnBinaryMessageIsAcceptedAndIgnored)
-{
-    auto message = owned(new HostMessage());
-    message->setMessageID("BinaryMessage");
-    const char payload[4] = {1, 2, 3, 4};
-    message->getAttributes()->setBinary("MyData", payload, sizeof(payload));
-    FUnknownPtr<IConnectionPoint> point(plugin.component);
-    ASSERT_TRUE(point);
-    EXPECT_EQ(point->notify(message), kResultOk);
-    EXPECT_EQ(point->notify(nullptr), kInvalidArgument);
-}
-
 } // namespace
 } // namespace velmoran::test
