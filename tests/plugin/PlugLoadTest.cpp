@@ -126,7 +126,7 @@ TEST(PlugLoad, ThirtyTwoInstancesOnTwoThreadsWithTheirSenders)
     {
         instances.push_back(std::make_unique<RunningInstance>(kBlock));
         ASSERT_TRUE(instances.back()->valid()) << "instance " << index;
-        instances.back()->openEditor();
+        ASSERT_TRUE(instances.back()->openEditor());
     }
     const std::vector<ParamID> tags = automatedTags();
     std::atomic<int> failures{0};
@@ -239,7 +239,7 @@ TEST(PlugLoad, SoakWithRandomAutomationOnEveryBlock)
     RunningInstance instance(kBlock);
     ASSERT_TRUE(instance.valid());
     // With an editor open, so that the analyser's share is in every block time.
-    instance.openEditor();
+    ASSERT_TRUE(instance.openEditor());
     const std::vector<ParamID> tags = automatedTags();
     const IPtr<ParameterChanges> reference = referenceSetting();
     Random random(5);

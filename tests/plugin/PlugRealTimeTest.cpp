@@ -143,7 +143,9 @@ TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
     {
         // Editor messages are made and delivered on the UI thread, outside the count.
         if (step == 0 || GetParam().editorOpensAndCloses)
-            instance.openEditor(step % 2 == 0 || !GetParam().editorOpensAndCloses);
+        {
+            ASSERT_TRUE(instance.openEditor(step % 2 == 0 || !GetParam().editorOpensAndCloses));
+        }
         armRealTimeProbe();
         processStep(instance, changes[step], block);
         const RealTimeCounts counts = disarmRealTimeProbe();

@@ -28,14 +28,13 @@ constexpr int32 kBlock = 512;
 constexpr double kPi = 3.14159265358979323846;
 
 // With an editor open and "FFT" on, a sine of the given frequency (48 kHz, amplitude 0.5) in both
-// input channels; false if the first block failed.
+// input channels; false if the processor refused the editor message or the first block.
 bool startAnalysing(RunningInstance& instance, double frequencyHz)
 {
-    instance.openEditor();
     for (auto& channel : instance.inputs)
         for (size_t index = 0; index < channel.size(); ++index)
             channel[index] = static_cast<float>(0.5 * std::sin(2.0 * kPi * frequencyHz * index / 48000.0));
-    return instance.process(kBlock, changesOf({{Plug::kFftTag, 1.0}})) == kResultOk;
+    return instance.openEditor() && instance.process(kBlock, changesOf({{Plug::kFftTag, 1.0}})) == kResultOk;
 }
 
 // Processes blocks for the given wall-clock time, as the audio thread does; false if a block

@@ -93,14 +93,13 @@ RunningInstance::~RunningInstance()
     }
 }
 
-void RunningInstance::openEditor(bool open)
+bool RunningInstance::openEditor(bool open)
 {
     auto message = owned(new HostMessage());
     message->setMessageID("EditorOpen");
     message->getAttributes()->setInt("open", open ? 1 : 0);
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
-    if (componentPoint)
-        componentPoint->notify(message);
+    return componentPoint && componentPoint->notify(message) == kResultOk;
 }
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)

@@ -67,8 +67,9 @@ public:
     tresult process(int32 sampleCount, IParameterChanges* changes = nullptr);
     // What reached the controller.
     ReceivedFrames received() { return mRelay ? mRelay->received() : ReceivedFrames{}; }
-    // Tells the processor that an editor opened or closed, with the message the controller sends.
-    void openEditor(bool open = true);
+    // Tells the processor that an editor opened or closed, with the message the controller sends;
+    // true when the processor took it.
+    bool openEditor(bool open = true);
 
     PluginInstance plugin{false};
     std::array<std::vector<float>, 2> inputs;
