@@ -22,10 +22,8 @@ class PlugController : public testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(plugin.valid()); }
 
-    IUnitInfo* units() { return unitInfo; }
-
     PluginInstance plugin;
-    FUnknownPtr<IUnitInfo> unitInfo{plugin.controller};
+    FUnknownPtr<IUnitInfo> units{plugin.controller};
 };
 
 struct ExpectedParameter
@@ -78,17 +76,17 @@ INSTANTIATE_TEST_SUITE_P(Table, PlugParameterInfo,
 
 TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
 {
-    ASSERT_TRUE(units());
-    ASSERT_EQ(units()->getUnitCount(), 1);
+    ASSERT_TRUE(units);
+    ASSERT_EQ(units->getUnitCount(), 1);
     UnitInfo unit;
-    ASSERT_EQ(units()->getUnitInfo(0, unit), kResultOk);
+    ASSERT_EQ(units->getUnitInfo(0, unit), kResultOk);
     EXPECT_EQ(unit.id, 0);
     EXPECT_EQ(unit.parentUnitId, kNoParentUnitId);
     EXPECT_EQ(unit.programListId, 69);
     EXPECT_EQ(asciiOf(unit.name), "Root");
-    ASSERT_EQ(units()->getProgramListCount(), 1);
+    ASSERT_EQ(units->getProgramListCount(), 1);
     ProgramListInfo list;
-    ASSERT_EQ(units()->getProgramListInfo(0, list), kResultOk);
+    ASSERT_EQ(units->getProgramListInfo(0, list), kResultOk);
     EXPECT_EQ(list.id, 69);
     EXPECT_EQ(list.programCount, 6);
     EXPECT_EQ(asciiOf(list.name), "Factory Presets");
@@ -97,11 +95,11 @@ TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
     String128 name = {};
     for (int32 index = 0; index < 6; ++index)
     {
-        ASSERT_EQ(units()->getProgramName(69, index, name), kResultOk);
+        ASSERT_EQ(units->getProgramName(69, index, name), kResultOk);
         EXPECT_EQ(asciiOf(name), expected[index]);
     }
-    EXPECT_NE(units()->getProgramName(70, 0, name), kResultOk);
-    EXPECT_NE(units()->getProgramName(69, 6, name), kResultOk);
+    EXPECT_NE(units->getProgramName(70, 0, name), kResultOk);
+    EXPECT_NE(units->getProgramName(69, 6, name), kResultOk);
 }
 
 struct TextCase
@@ -155,25 +153,31 @@ TEST_P(PlugValueParse, TextReadsBackAsItsValue)
     EXPECT_NEAR(value, GetParam().value, 1e-4);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, PlugValueParse,
-                         testing::Values(TextCase{0, 1.0, "In"}, TextCase{0, 0.0, "Out"},
-                                         TextCase{1, 0.5, "0.00 dB"}, TextCase{12, 0.75, "3 dB"},
-                                         TextCase{12, 1.0, "+9 dB"}, TextCase{2, 0.35, "LF Shelf"},
-                                         TextCase{4, 0.5, "high pass"}, TextCase{17, 0.0490490, "1000.00 Hz"},
-                                         TextCase{27, 0.8333333, "12 dB"}, TextCase{37, 0.4279403, "1.00"},
-                                         TextCase{37, 1.0, "5"}, TextCase{47, 1.0, "On "},
-                                         TextCase{57, 1.0, "Inverted"}, TextCase{60, 0.5, "Right"},
-                                         TextCase{68, 0.0, "None"}, TextCase{68, 0.25, "03\n"}));
+INSTANTIATE_TEST_SUITE_P(
+    Texts, PlugValueParse,
+    testing::Values(TextCase{0, 1.0, "In"}, TextCase{0, 0.0, "Out"}, TextCase{1, 0.5, "0.00 dB"},
+                    TextCase{12, 0.75, "3 dB"}, TextCase{12, 1.0, "+9 dB"}, TextCase{2, 0.35, "LF Shelf"},
+                    TextCase{4, 0.5, "high pass"}, TextCase{17, 0.0490490, "1000.00 Hz"},
+                    TextCase{27, 0.8333333, "12 dB"}, TextCase{37, 0.4279403, "1.00"}, TextCase{37, 1.0, "5"},
+                    TextCase{47, 1.0, "On "}, TextCase{57, 1.0, "Inverted"}, TextCase{60, 0.5, "Right"},
+                    TextCase{68, 0.0, "None"}, TextCase{68, 0.25, "03\n"}, TextCase{69, 1.0, "1e10"}));
 
+// Words, and numbers that are no numbers, read as no value and leave the value given alone.
 TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
 {
-    for (auto [tag, text] : std::vector<std::pair<ParamID, const char*>>{
-             {1, "loud"}, {2, "Peak"}, {17, "12 dB"}, {60, "Centre"}, {68, "13"}, {0, "Maybe"}})
+    std::vector<std::pair<ParamID, const char*>> cases = {{1, "loud"},    {2, "Peak"}, {17, "12 dB"},
+                                                          {60, "Centre"}, {68, "13"},  {0, "Maybe"}};
+    for (ParamID tag : std::initializer_list<ParamID>{Plug::kPresetTag, Plug::frequencyTag(1), Plug::qTag(5),
+                                                      Plug::kSoloTag})
+        for (const char* text : {"nan", "inf", "-inf", "infinity", "NAN"})
+            cases.emplace_back(tag, text);
+    for (auto [tag, text] : cases)
     {
         String128 buffer = {};
         copyAscii(text, buffer);
-        ParamValue value = 0.0;
-        EXPECT_NE(plugin.controller->getParamValueByString(tag, buffer, value), kResultOk) << text;
+        ParamValue value = 0.25;
+        EXPECT_EQ(plugin.controller->getParamValueByString(tag, buffer, value), kResultFalse) << tag << text;
+        EXPECT_EQ(value, 0.25) << tag << text;
     }
     ParamValue value = 0.0;
     EXPECT_EQ(plugin.controller->getParamValueByString(1, nullptr, value), kInvalidArgument);
@@ -244,7 +248,6 @@ TEST_F(PlugController, ReservedEditorTagsChangeNothing)
         EXPECT_EQ(plugin.controller->setParamNormalized(reserved, 0.7), kResultFalse);
         EXPECT_EQ(plugin.controller->getParamNormalized(reserved), 0.0);
     }
-    EXPECT_EQ(plugin.controller->getParameterCount(), static_cast<int32>(Plug::parameterTable().size()));
 }
 
 } // namespace

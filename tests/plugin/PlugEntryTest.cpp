@@ -105,15 +105,6 @@ TEST(PlugEntry, SecondFactoryCallGivesTheSameObjectWithOneMoreReference)
     first->release();
 }
 
-TEST(PlugEntry, ProcessorNamesItsController)
-{
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
-    TUID controllerId;
-    ASSERT_EQ(plugin.component->getControllerClassId(controllerId), kResultOk);
-    EXPECT_EQ(FUID::fromTUID(controllerId), Vst::Velmoran::kPlugControllerUID);
-}
-
 TEST(PlugEntry, CreateInstanceAnswersForEveryInterfaceAndRefusesUnknownClasses)
 {
     IPtr<IPluginFactory> factory = sharedModule()->factory();
@@ -122,7 +113,13 @@ TEST(PlugEntry, CreateInstanceAnswersForEveryInterfaceAndRefusesUnknownClasses)
     void* object = nullptr;
     ASSERT_EQ(factory->createInstance(processorId, IAudioProcessor::iid, &object), kResultOk);
     ASSERT_NE(object, nullptr);
-    static_cast<IAudioProcessor*>(object)->release();
+    IPtr<IAudioProcessor> processor = owned(static_cast<IAudioProcessor*>(object));
+    // The processor names its controller.
+    FUnknownPtr<IComponent> component(processor);
+    TUID controllerId;
+    ASSERT_TRUE(component);
+    ASSERT_EQ(component->getControllerClassId(controllerId), kResultOk);
+    EXPECT_EQ(FUID::fromTUID(controllerId), Vst::Velmoran::kPlugControllerUID);
 
     object = reinterpret_cast<void*>(1);
     EXPECT_NE(factory->createInstance(processorId, IEditController::iid, &object), kResultOk);

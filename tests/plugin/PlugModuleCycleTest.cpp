@@ -33,38 +33,24 @@ bool stillLoaded(const std::string& systemPath)
 #else
     void* library = dlopen(systemPath.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (library)
-    {
         dlclose(library);
-    }
     return library != nullptr;
 #endif
 }
 
-// Makes a processor, runs one block through it and takes it down; false at the first failure.
+// Makes an instance, runs one block through it and takes it down; false at the first failure.
 bool useOnce(IPluginFactory* factory)
 {
-    PClassInfo info;
-    IComponent* component = nullptr;
-    if (factory->getClassInfo(0, &info) != kResultOk ||
-        factory->createInstance(info.cid, IComponent::iid, reinterpret_cast<void**>(&component)) != kResultOk)
-    {
-        return false;
-    }
-    IPtr<IComponent> processor = owned(component);
-    FUnknownPtr<IAudioProcessor> audio(processor);
-    HostApplication host;
+    Steinberg::Vst::PluginInstance plugin(factory, false);
     ProcessSetup setup{kRealtime, kSample32, 256, 48000.0};
-    bool ok = audio && processor->initialize(&host) == kResultOk &&
-              audio->setupProcessing(setup) == kResultOk && processor->setActive(true) == kResultOk;
-    if (ok)
-    {
-        std::vector<std::vector<float>> inputs(2, std::vector<float>(256, 0.25f));
-        std::vector<std::vector<float>> outputs(2, std::vector<float>(256));
-        ok = processBlock(audio, inputs, outputs, 256) == kResultOk && outputs[0][255] != 0.0f;
-        processor->setActive(false);
-    }
-    processor->terminate();
-    return ok;
+    if (!plugin.valid() || plugin.processor->setupProcessing(setup) != kResultOk ||
+        plugin.component->setActive(true) != kResultOk)
+        return false;
+    std::vector<std::vector<float>> inputs(2, std::vector<float>(256, 0.25f));
+    std::vector<std::vector<float>> outputs(2, std::vector<float>(256));
+    const bool processed =
+        processBlock(plugin.processor, inputs, outputs, 256) == kResultOk && outputs[0][255] != 0.0f;
+    return plugin.component->setActive(false) == kResultOk && processed;
 }
 
 TEST(PlugModuleCycles, HundredEntriesAndExitsWithUseInBetween)
@@ -85,9 +71,7 @@ TEST(PlugModuleCycles, HundredEntriesAndExitsWithUseInBetween)
         }
         module.reset();
         if (!stillLoaded(systemPath))
-        {
             ++unloaded;
-        }
     }
     // Every exit really let the system unload the library, so the next entry started afresh.
     EXPECT_EQ(unloaded, kCycles);

@@ -36,6 +36,9 @@ struct ChangeCase
 {
     const char* name;
     std::vector<Step> steps;
+    // An editor opens before steps 0, 2, 4... and closes before steps 1, 3, 5...; otherwise one
+    // stays open throughout.
+    bool editorOpensAndCloses = false;
 };
 
 std::ostream& operator<<(std::ostream& stream, const ChangeCase& change)
@@ -50,9 +53,7 @@ std::vector<Step> everyBand(ParamID (*tagOf)(int), std::vector<ParamValue> value
     {
         Step step;
         for (int band = 1; band <= Plug::kBandCount; ++band)
-        {
             step.emplace_back(tagOf(band), value);
-        }
         steps.push_back(step);
     }
     return steps;
@@ -101,12 +102,12 @@ std::vector<ChangeCase> changeCases()
          {{{Plug::kInputGainTag, 1.0}, {Plug::kOutputGainTag, 0.0}},
           {{Plug::kInputGainTag, 0.0}, {Plug::kOutputGainTag, 1.0}}}},
         {"PresetAndUnknownTags", {{{Plug::kPresetTag, 1.0}, {13, 0.5}, {98, 1.0}, {5000, 0.5}}}},
+        // Editors opening and closing on the UI thread switch the analyser on and off.
+        {"EditorOpensAndCloses", {{{Plug::kFftTag, 1.0}}, {}, {}, {}, {}, {}}, true},
     };
 }
 
-class PlugRealTime : public testing::TestWithParam<ChangeCase>
-{
-};
+using PlugRealTime = testing::TestWithParam<ChangeCase>;
 
 // Two sines of different pitch in the instance's inputs.
 void fillInputs(RunningInstance& instance)
@@ -132,86 +133,59 @@ TEST_P(PlugRealTime, ProcessNeitherAllocatesNorLocks)
 {
     RunningInstance instance(kLongestBlock);
     ASSERT_TRUE(instance.valid());
-    instance.openEditor();
     fillInputs(instance);
     // Every change list is made before the audio thread is watched, as a host makes its lists.
     std::vector<IPtr<ParameterChanges>> changes;
     for (const Step& step : GetParam().steps)
-    {
         changes.push_back(changesOf(step));
-    }
-    armRealTimeProbe();
     int block = 0;
-    for (auto& change : changes)
+    for (size_t step = 0; step < changes.size(); ++step)
     {
-        processStep(instance, change, block);
+        // Editor messages are made and delivered on the UI thread, outside the count.
+        if (step == 0 || GetParam().editorOpensAndCloses)
+        {
+            ASSERT_TRUE(instance.openEditor(step % 2 == 0 || !GetParam().editorOpensAndCloses));
+        }
+        armRealTimeProbe();
+        processStep(instance, changes[step], block);
+        const RealTimeCounts counts = disarmRealTimeProbe();
+        EXPECT_EQ(counts.allocations, 0) << "step " << step;
+        EXPECT_EQ(counts.frees, 0) << "step " << step;
+        EXPECT_EQ(counts.locks, 0) << "step " << step;
     }
-    const RealTimeCounts counts = disarmRealTimeProbe();
-    EXPECT_EQ(counts.allocations, 0);
-    EXPECT_EQ(counts.frees, 0);
-    EXPECT_EQ(counts.locks, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryKindOfChange, PlugRealTime, testing::ValuesIn(changeCases()),
                          [](const testing::TestParamInfo<ChangeCase>& info)
                          { return std::string(info.param.name); });
 
-// Editors opening and closing on the UI thread switch the analyser on and off; the audio thread
-// follows without allocating or locking (the messages are made and delivered outside the count).
-TEST(PlugRealTimeEditor, EditorOpeningAndClosingNeitherAllocatesNorLocks)
-{
-    RunningInstance instance(kLongestBlock);
-    ASSERT_TRUE(instance.valid());
-    fillInputs(instance);
-    auto fftOn = changesOf({{Plug::kFftTag, 1.0}});
-    RealTimeCounts counts;
-    int block = 0;
-    for (int step = 0; step < 6; ++step)
-    {
-        instance.openEditor(step % 2 == 0);
-        armRealTimeProbe();
-        processStep(instance, step == 0 ? fftOn.get() : nullptr, block);
-        const RealTimeCounts stepCounts = disarmRealTimeProbe();
-        counts.allocations += stepCounts.allocations;
-        counts.frees += stepCounts.frees;
-        counts.locks += stepCounts.locks;
-    }
-    EXPECT_EQ(counts.allocations, 0);
-    EXPECT_EQ(counts.frees, 0);
-    EXPECT_EQ(counts.locks, 0);
-}
-
-// The probe itself: it must see what it is there to see, also inside the loaded module.
-TEST(RealTimeProbe, SeesAllocationsFreesAndLocks)
-{
-    std::mutex mutex;
-    armRealTimeProbe();
-    // Called by name: a new-expression may be left out by the optimiser.
-    void* block = ::operator new(16);
-    ::operator delete(block);
-    {
-        std::lock_guard<std::mutex> guard(mutex);
-    }
-    const RealTimeCounts counts = disarmRealTimeProbe();
-    EXPECT_GE(counts.allocations, 1);
-    EXPECT_GE(counts.frees, 1);
-    EXPECT_GE(counts.locks, 1);
-}
-
-TEST(RealTimeProbe, SeesAllocationsInsideTheModule)
+// The probe itself must see what it is there to see, also inside the loaded module.
+TEST(RealTimeProbe, SeesAllocationsFreesAndLocksAlsoInsideTheModule)
 {
     IPtr<IPluginFactory> factory = sharedModule()->factory();
     ASSERT_TRUE(factory);
     PClassInfo info;
     ASSERT_EQ(factory->getClassInfo(1, &info), kResultOk);
+    std::mutex mutex;
+    armRealTimeProbe();
+    // Called by name: a new-expression may be left out by the optimiser.
+    ::operator delete(::operator new(16));
+    {
+        std::lock_guard<std::mutex> guard(mutex);
+    }
+    const RealTimeCounts ownCounts = disarmRealTimeProbe();
     IEditController* controller = nullptr;
     armRealTimeProbe();
     ASSERT_EQ(factory->createInstance(info.cid, IEditController::iid, reinterpret_cast<void**>(&controller)),
               kResultOk);
     controller->release();
-    const RealTimeCounts counts = disarmRealTimeProbe();
-    EXPECT_GE(counts.allocations, 1);
-    EXPECT_GE(counts.frees, 1);
+    const RealTimeCounts moduleCounts = disarmRealTimeProbe();
+    for (const RealTimeCounts& counts : {ownCounts, moduleCounts})
+    {
+        EXPECT_GE(counts.allocations, 1);
+        EXPECT_GE(counts.frees, 1);
+    }
+    EXPECT_GE(ownCounts.locks, 1);
 }
 
 } // namespace

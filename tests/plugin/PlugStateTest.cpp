@@ -34,16 +34,6 @@ class PlugState : public testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(plugin.valid()); }
 
-    // Moves bypass, two modes and solo away from their defaults through the processor.
-    void changeExtensions()
-    {
-        ASSERT_EQ(applyChanges(plugin.processor, changesOf({{Plug::kHostBypassTag, 1.0},
-                                                            {Plug::modeTag(3), 0.5},
-                                                            {Plug::modeTag(10), 0.25},
-                                                            {Plug::kSoloTag, 7.0 / 12.0}})),
-                  kResultOk);
-    }
-
     PluginInstance plugin{false};
 };
 
@@ -86,7 +76,12 @@ TEST_F(PlugState, FullStateRoundTripsAndTheControllerReadsIt)
 // extension loads the values that are whole.
 TEST_F(PlugState, EarlierAndPartialStatesKeepWhatTheyDoNotHold)
 {
-    changeExtensions();
+    // Bypass, two modes and solo away from their defaults.
+    ASSERT_EQ(applyChanges(plugin.processor, changesOf({{Plug::kHostBypassTag, 1.0},
+                                                        {Plug::modeTag(3), 0.5},
+                                                        {Plug::modeTag(10), 0.25},
+                                                        {Plug::kSoloTag, 7.0 / 12.0}})),
+              kResultOk);
     const std::vector<float> before = stateValues(plugin.component);
     const std::vector<float> values = distinctState();
     const std::vector<float> older(values.begin(), values.begin() + Plug::kRequiredStateValueCount);

@@ -75,14 +75,6 @@ tresult applyChanges(IAudioProcessor* processor, IParameterChanges* changes)
     return processBlock(processor, inputs, outputs, 0, changes);
 }
 
-IPtr<IMessage> editorMessage(bool open)
-{
-    auto message = owned(new HostMessage());
-    message->setMessageID("EditorOpen");
-    message->getAttributes()->setInt("open", open ? 1 : 0);
-    return message;
-}
-
 std::string asciiOf(const TChar* text)
 {
     char8 ascii[256] = {};

@@ -56,10 +56,6 @@ IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue
 // Runs an empty stereo block carrying the given changes.
 tresult applyChanges(IAudioProcessor* processor, IParameterChanges* changes);
 
-// The message the controller sends the processor when its first editor opens or its last one
-// closes.
-IPtr<IMessage> editorMessage(bool open);
-
 // The text of a String128 as plain ASCII, and back.
 std::string asciiOf(const TChar* text);
 void copyAscii(const char* ascii, String128 text);

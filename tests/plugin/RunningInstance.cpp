@@ -1,7 +1,5 @@
 #include "RunningInstance.h"
 
-#include "plugin/SpectrumFrame.h"
-
 #include <algorithm>
 #include <cstring>
 
@@ -10,9 +8,10 @@ namespace velmoran::test
 
 namespace Plug = Vst::Velmoran;
 
-FrameRelay::FrameRelay(IConnectionPoint* controller) : mController(controller) {}
-
-FrameRelay::~FrameRelay() = default;
+float ReceivedFrames::loudestBin() const
+{
+    return *std::max_element(last.magnitudes, last.magnitudes + Plug::kAnalyserMagnitudeCount);
+}
 
 ReceivedFrames FrameRelay::received()
 {
@@ -24,19 +23,30 @@ tresult PLUGIN_API FrameRelay::notify(IMessage* message)
 {
     const void* data = nullptr;
     uint32 size = 0;
-    if (message && message->getMessageID() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
-        message->getAttributes() && message->getAttributes()->getBinary("FFTData", data, size) == kResultOk &&
-        size == sizeof(Plug::SpectrumFrame))
+    double rate = 0.0;
+    const char* id = message && message->getAttributes() ? message->getMessageID() : nullptr;
+    id = id ? id : "";
+    if (std::strcmp(id, "BinaryMessage") == 0 &&
+        message->getAttributes()->getBinary("FFTData", data, size) == kResultOk)
     {
-        const auto* frame = static_cast<const Plug::SpectrumFrame*>(data);
         std::lock_guard<std::mutex> guard(mLock);
-        ++mReceived.count;
-        mReceived.sampleRate = frame->sampleRate;
-        mReceived.transformSize = frame->transformSize;
-        mReceived.loudestBin =
-            *std::max_element(frame->magnitudes, frame->magnitudes + Plug::kAnalyserMagnitudeCount);
+        if (size != sizeof(Plug::SpectrumFrame))
+        {
+            ++mReceived.otherSizes;
+        }
+        else
+        {
+            ++mReceived.count;
+            std::memcpy(&mReceived.last, data, size);
+        }
     }
-    return mController->notify(message);
+    else if (std::strcmp(id, "setActive") == 0 &&
+             message->getAttributes()->getFloat("sampleRate", rate) == kResultOk)
+    {
+        std::lock_guard<std::mutex> guard(mLock);
+        mReceived.sampleRates.push_back(rate);
+    }
+    return mController ? mController->notify(message) : kResultOk;
 }
 
 RunningInstance::RunningInstance(int32 maxBlockLength)
@@ -44,9 +54,7 @@ RunningInstance::RunningInstance(int32 maxBlockLength)
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
     FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
     if (!plugin.valid() || !componentPoint || !controllerPoint)
-    {
         return;
-    }
     mRelay = owned(new FrameRelay(controllerPoint));
     componentPoint->connect(mRelay);
     controllerPoint->connect(componentPoint);
@@ -75,32 +83,23 @@ RunningInstance::RunningInstance(int32 maxBlockLength)
 RunningInstance::~RunningInstance()
 {
     if (mActive)
-    {
         plugin.component->setActive(false);
-    }
-    disconnect();
-}
-
-void RunningInstance::disconnect()
-{
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
     FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
-    if (!mRelay || !componentPoint || !controllerPoint)
+    if (mRelay && componentPoint && controllerPoint)
     {
-        return;
+        componentPoint->disconnect(mRelay);
+        controllerPoint->disconnect(componentPoint);
     }
-    componentPoint->disconnect(mRelay);
-    controllerPoint->disconnect(componentPoint);
-    mRelay = nullptr;
 }
 
-void RunningInstance::openEditor(bool open)
+bool RunningInstance::openEditor(bool open)
 {
+    auto message = owned(new HostMessage());
+    message->setMessageID("EditorOpen");
+    message->getAttributes()->setInt("open", open ? 1 : 0);
     FUnknownPtr<IConnectionPoint> componentPoint(plugin.component);
-    if (componentPoint)
-    {
-        componentPoint->notify(editorMessage(open));
-    }
+    return componentPoint && componentPoint->notify(message) == kResultOk;
 }
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)

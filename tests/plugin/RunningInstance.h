@@ -6,6 +6,7 @@
 // controller, which notes what the frames held.
 
 #include "PluginHost.h"
+#include "plugin/SpectrumFrame.h"
 #include "support/AtomicReferences.h"
 
 #include <array>
@@ -15,22 +16,25 @@
 namespace velmoran::test
 {
 
-// What the spectrum frames that reached the controller held.
+// What reached the controller from the processor.
 struct ReceivedFrames
 {
-    int count = 0;
-    float sampleRate = 0.0f;
-    int32 transformSize = 0;
-    float loudestBin = 0.0f; // of the last frame
+    int count = 0;                     // spectrum frames of the exchanged size
+    int otherSizes = 0;                // spectrum data of any other size
+    Vst::Velmoran::SpectrumFrame last; // the last frame of the exchanged size
+    std::vector<double> sampleRates;   // sent on activation, in Hz
+
+    // The loudest of the analyser's magnitudes in the last frame.
+    float loudestBin() const;
 };
 
-// Passes the processor's messages on to the controller and notes the spectrum frames (on the
-// thread that sends them).
+// Notes the processor's messages (on the thread that sends them) and passes them on to the
+// controller, if there is one.
 class FrameRelay : public IConnectionPoint
 {
 public:
-    explicit FrameRelay(IConnectionPoint* controller);
-    virtual ~FrameRelay();
+    explicit FrameRelay(IConnectionPoint* controller = nullptr) : mController(controller) {}
+    virtual ~FrameRelay() = default;
 
     // What has arrived so far.
     ReceivedFrames received();
@@ -61,12 +65,11 @@ public:
     bool valid() const { return mActive; }
     // Processes the first sampleCount samples of inputs into outputs (audio thread).
     tresult process(int32 sampleCount, IParameterChanges* changes = nullptr);
-    // What the spectrum frames that reached the controller held.
+    // What reached the controller.
     ReceivedFrames received() { return mRelay ? mRelay->received() : ReceivedFrames{}; }
-    // Stops messages from reaching the controller.
-    void disconnect();
-    // Tells the processor that an editor opened or closed, with the message the controller sends.
-    void openEditor(bool open = true);
+    // Tells the processor that an editor opened or closed, with the message the controller sends;
+    // true when the processor took it.
+    bool openEditor(bool open = true);
 
     PluginInstance plugin{false};
     std::array<std::vector<float>, 2> inputs;
