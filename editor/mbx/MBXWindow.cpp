@@ -189,7 +189,11 @@ private:
     {
         const int button = buttonAt(mLayout, x, y);
         const bool onLink = linkAt(mLayout, x, y);
-        // The class cursor comes back with every move, so the hand is asked for on each one.
+        // A real pointer move brings the class cursor back, so the hand is asked for on every move
+        // over the link. The cursor saved by the first ask is put back before each later one, or the
+        // hand itself would be saved and stay after the pointer leaves.
+        if (onLink && mPointer.linkHovered)
+            mKit.showHandCursor(false);
         if (onLink)
             mKit.showHandCursor(true);
         else if (mPointer.linkHovered)
