@@ -190,14 +190,15 @@ private:
         const int button = buttonAt(mLayout, x, y);
         const bool onLink = linkAt(mLayout, x, y);
         // A real pointer move brings the class cursor back, so the hand is asked for on every move
-        // over the link. The cursor saved by the first ask is put back before each later one, or the
-        // hand itself would be saved and stay after the pointer leaves.
+        // over the link. The normal cursor goes back before each later ask, or the hand itself would
+        // be saved; and it is the normal one, not just the saved one, that comes back off the link,
+        // since a thread the pointer never visited had no cursor to save.
         if (onLink && mPointer.linkHovered)
-            mKit.showHandCursor(false);
+            mKit.restoreNormalCursor();
         if (onLink)
             mKit.showHandCursor(true);
         else if (mPointer.linkHovered)
-            mKit.showHandCursor(false);
+            mKit.restoreNormalCursor();
         // A held button looks pressed only while the pointer is on it.
         setPointer({button, button >= 0 && button == mHeldButton ? button : -1, onLink});
     }
@@ -230,7 +231,7 @@ private:
         if (windowAlive())
         {
             if (mPointer.linkHovered)
-                mKit.showHandCursor(false);
+                mKit.restoreNormalCursor();
             if (mHeldButton >= 0)
                 mKit.releaseCapture();
             mKit.destroyWindow(mSlot);
