@@ -381,7 +381,7 @@ void PrintWholeTransform()
     constexpr int kLog2Size = 11;
     std::vector<double> real(1u << kLog2Size, 0.25);
     std::vector<double> imag(1u << kLog2Size, 0.0);
-    velmoran::dsp::FftStepper stepper(kLog2Size);
+    velmoran::dsp::FftStepper stepper;
     constexpr int kRepeats = 200;
     const double start = ThreadMicroseconds();
     for (int i = 0; i < kRepeats; ++i)

@@ -11,26 +11,28 @@ namespace velmoran::dsp
 namespace
 {
 
-constexpr double kPi = 3.14159265358979323846;
-
 // The stages that PlacePadded has already done.
 constexpr int kFirstSpan = 4;
 
 // `count` butterfly pairs of one stage from pair `first` on, in memory order. Pair q lies in block
 // q / (span/2) of 2*span values, at k = 2*(q mod span/2): the butterflies (k, k + span) and
-// (k + 1, k + 1 + span) of the block, with twiddle factors w[k] and w[k + 1].
-void RunButterflyPairs(double* real, double* imag, int span, int first, int count, const double* twiddleCos,
-                       const double* twiddleSin) noexcept
+// (k + 1, k + 1 + span) of the block, with the twiddle factors w^k and w^(k+1) that `twiddles`
+// holds for pair `first` and is left holding for the pair after the last.
+void RunButterflyPairs(double* real, double* imag, int span, int first, int count, TwiddlePair& twiddles) noexcept
 {
     const int pairsPerBlock = span / 2;
     const int blockOffset = first / pairsPerBlock * 2 * span;
     double* re = real + blockOffset;
     double* im = imag + blockOffset;
     int k = 2 * (first % pairsPerBlock);
+    __m128d cosines = _mm_load_pd(twiddles.cosines);
+    __m128d sines = _mm_load_pd(twiddles.sines);
+    const __m128d stepCos = _mm_set1_pd(twiddles.pairStep.cos);
+    const __m128d stepSin = _mm_set1_pd(twiddles.pairStep.sin);
+    const __m128d blockCos = _mm_set_pd(twiddles.step.cos, 1.0);
+    const __m128d blockSin = _mm_set_pd(twiddles.step.sin, 0.0);
     for (int i = 0; i < count; ++i)
     {
-        const __m128d cosines = _mm_load_pd(twiddleCos + k);
-        const __m128d sines = _mm_load_pd(twiddleSin + k);
         const __m128d secondRe = _mm_load_pd(re + k + span);
         const __m128d secondIm = _mm_load_pd(im + k + span);
         const __m128d rotatedRe = _mm_sub_pd(_mm_mul_pd(cosines, secondRe), _mm_mul_pd(sines, secondIm));
@@ -47,8 +49,18 @@ void RunButterflyPairs(double* real, double* imag, int span, int first, int coun
             k = 0;
             re += 2 * span;
             im += 2 * span;
+            cosines = blockCos;
+            sines = blockSin;
+        }
+        else
+        {
+            const __m128d nextCos = _mm_sub_pd(_mm_mul_pd(cosines, stepCos), _mm_mul_pd(sines, stepSin));
+            sines = _mm_add_pd(_mm_mul_pd(cosines, stepSin), _mm_mul_pd(sines, stepCos));
+            cosines = nextCos;
         }
     }
+    _mm_store_pd(twiddles.cosines, cosines);
+    _mm_store_pd(twiddles.sines, sines);
 }
 
 } // namespace
@@ -78,21 +90,32 @@ void PlacePadded(double* real, double* imag, int log2Size, int position, double 
     _mm_store_pd(imag + first + 2, imagPair);
 }
 
-FftStepper::FftStepper(int largestLog2Size)
+TwiddleStep HalveTwiddleStep(TwiddleStep step) noexcept
 {
-    const int largestSpan = 1 << (largestLog2Size - 1);
-    const auto entries = static_cast<std::size_t>(std::max(0, 2 * largestSpan - kFirstSpan));
-    mTwiddleCos.resize(entries);
-    mTwiddleSin.resize(entries);
-    for (int span = kFirstSpan; span <= largestSpan; span *= 2)
-    {
-        for (int k = 0; k < span; ++k)
-        {
-            const double angle = kPi * k / span;
-            mTwiddleCos[static_cast<std::size_t>(span - kFirstSpan + k)] = std::cos(angle);
-            mTwiddleSin[static_cast<std::size_t>(span - kFirstSpan + k)] = -std::sin(angle);
-        }
-    }
+    return {std::sqrt((1.0 + step.cos) / 2.0), -std::sqrt((1.0 - step.cos) / 2.0)};
+}
+
+TwiddleStep TwiddleStepForSpan(int span) noexcept
+{
+    TwiddleStep step;
+    for (int halved = 1; halved < span; halved *= 2)
+        step = HalveTwiddleStep(step);
+    return step;
+}
+
+void TwiddlePair::setStep(TwiddleStep stageStep) noexcept
+{
+    step = stageStep;
+    pairStep = {step.cos * step.cos - step.sin * step.sin, 2.0 * step.cos * step.sin};
+    restart();
+}
+
+void TwiddlePair::restart() noexcept
+{
+    cosines[0] = 1.0;
+    sines[0] = 0.0;
+    cosines[1] = step.cos;
+    sines[1] = step.sin;
 }
 
 void FftStepper::start(double* real, double* imag, int log2Size) noexcept
@@ -100,6 +123,7 @@ void FftStepper::start(double* real, double* imag, int log2Size) noexcept
     mReal = real;
     mImag = imag;
     mSize = 1 << log2Size;
+    mTwiddles.setStep(TwiddleStepForSpan(kFirstSpan));
     startStage(kFirstSpan);
 }
 
@@ -108,12 +132,12 @@ int FftStepper::run(int pairBudget) noexcept
     while (pairBudget > 0 && !mDone)
     {
         const int count = std::min(pairBudget, mSize / 4 - mPair);
-        const auto table = static_cast<std::size_t>(mSpan - kFirstSpan);
-        RunButterflyPairs(mReal, mImag, mSpan, mPair, count, &mTwiddleCos[table], &mTwiddleSin[table]);
+        RunButterflyPairs(mReal, mImag, mSpan, mPair, count, mTwiddles);
         pairBudget -= count;
         mPair += count;
         if (mPair == mSize / 4)
         {
+            mTwiddles.setStep(HalveTwiddleStep(mTwiddles.step));
             startStage(2 * mSpan);
         }
     }

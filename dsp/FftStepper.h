@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <vector>
 
 namespace velmoran::dsp
 {
@@ -16,18 +14,40 @@ unsigned ReverseBits(unsigned value, int bitCount) noexcept;
 // must be 16-byte aligned.
 void PlacePadded(double* real, double* imag, int log2Size, int position, double re, double im) noexcept;
 
+// A twiddle step w = exp(-j*pi/span) of a transform stage, as its cosine and (negative) sine.
+struct TwiddleStep
+{
+    double cos = -1.0;
+    double sin = 0.0;
+};
+
+// The step of twice the span, by the half-angle formulas: no trigonometric call.
+TwiddleStep HalveTwiddleStep(TwiddleStep step) noexcept;
+
+// The step of a stage of the given span (a power of two), halved down from the span of 1.
+TwiddleStep TwiddleStepForSpan(int span) noexcept;
+
+// Twiddle factors by recurrence for two neighbouring indices at once: (w^k, w^(k+1)), moved on by
+// w^2 per pair. restart() goes back to k = 0.
+struct TwiddlePair
+{
+    void setStep(TwiddleStep step) noexcept;
+    void restart() noexcept;
+
+    alignas(16) double cosines[2] = {1.0, 1.0};
+    alignas(16) double sines[2] = {0.0, 0.0};
+    TwiddleStep step;
+    TwiddleStep pairStep; // w^2
+};
+
 // The forward transform (kernel exp(-j...)) of a four-times zero-padded frame laid out by
 // PlacePadded, in place, by radix-2 decimation in time, run in portions so that it can be spread
 // evenly over many audio samples. A portion is a count of butterfly pairs: two neighbouring
 // butterflies of a stage done at once in SSE2 registers. Each stage walks its blocks in memory
-// order with its twiddle factors from a table made once, so no butterfly waits for a rotation or
-// a trigonometric call.
+// order; the twiddle factors come by recurrence, with no table and no trigonometric call.
 class FftStepper
 {
 public:
-    // Makes the twiddle table for transforms of up to 2^largestLog2Size values (allocates).
-    explicit FftStepper(int largestLog2Size);
-
     // Starts the transform of 2^log2Size complex values (log2Size 2 .. largestLog2Size) held in
     // real[] and imag[] (16-byte aligned); the result lands in natural order in the same arrays.
     void start(double* real, double* imag, int log2Size) noexcept;
@@ -42,26 +62,13 @@ public:
     // True when no butterfly is left.
     bool finished() const noexcept { return mDone; }
 
-    // Twiddle factors cos(pi*k/span) and -sin(pi*k/span) for k < span, a power of two from 4 to
-    // 2^(largestLog2Size - 1): the rotations exp(-j*2*pi*k/(2*span)).
-    const double* twiddleCosines(int span) const noexcept
-    {
-        return &mTwiddleCos[static_cast<std::size_t>(span - 4)];
-    }
-    const double* twiddleSines(int span) const noexcept
-    {
-        return &mTwiddleSin[static_cast<std::size_t>(span - 4)];
-    }
-
     // Butterfly pairs of a whole transform of 2^log2Size values.
     static int PairCount(int log2Size) noexcept { return (log2Size - 2) << (log2Size - 2); }
 
 private:
     void startStage(int span) noexcept;
 
-    // Twiddle factors of the stage of span h at offset h - 4: cos and -sin of pi*k/h, k < h.
-    std::vector<double> mTwiddleCos;
-    std::vector<double> mTwiddleSin;
+    TwiddlePair mTwiddles; // of the next butterfly pair
     double* mReal = nullptr;
     double* mImag = nullptr;
     int mSize = 0;

@@ -37,9 +37,9 @@ double FrameCoefficient(int frameLength, double seconds, float sampleRateHz) noe
 // Bins k and k + 1 of the N-point spectrum of the real frame from the N/2-point transform Z of
 // its even (real part) and odd (imaginary part) samples: with Z' = conj(Z[N/2 - k]), the even
 // samples' spectrum is (Z[k] + Z')/2, the odd samples' one is (Z[k] - Z')/2j, and the odd one is
-// shifted by w^k = exp(-j*2*pi*k/N). Returns the magnitudes twice over.
-__m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k, const double* twiddleCos,
-                        const double* twiddleSin) noexcept
+// shifted by w^k = exp(-j*2*pi*k/N), given for k and k + 1. Returns the magnitudes twice over.
+__m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k, __m128d cosines,
+                        __m128d sines) noexcept
 {
     const int mask = halfSize - 1;
     const __m128d zRe = _mm_loadu_pd(re + k);
@@ -51,8 +51,6 @@ __m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k,
     // -j*(Z[k] - Z'), twice the odd samples' spectrum.
     const __m128d oddRe = _mm_add_pd(zIm, mirrorIm);
     const __m128d oddIm = _mm_sub_pd(mirrorRe, zRe);
-    const __m128d cosines = _mm_loadu_pd(twiddleCos + k);
-    const __m128d sines = _mm_loadu_pd(twiddleSin + k);
     const __m128d binRe =
         _mm_add_pd(evenRe, _mm_sub_pd(_mm_mul_pd(cosines, oddRe), _mm_mul_pd(sines, oddIm)));
     const __m128d binIm =
@@ -64,7 +62,7 @@ __m128d TwiceMagnitudes(const double* re, const double* im, int halfSize, int k,
 
 SpectrumAnalyser::SpectrumAnalyser()
     : mFillReal(kMaxSize / 2), mFillImag(kMaxSize / 2), mTransformReal(kMaxSize / 2),
-      mTransformImag(kMaxSize / 2), mWindow(kMaxSize / 4), mStepper(kMaxLog2Size)
+      mTransformImag(kMaxSize / 2), mWindow(kMaxSize / 4)
 {
     setSampleRate(48000.0f);
 }
@@ -169,6 +167,7 @@ void SpectrumAnalyser::finishFrame() noexcept
     mFillReal.swap(mTransformReal);
     mFillImag.swap(mTransformImag);
     mStepper.start(mTransformReal.data(), mTransformImag.data(), mLog2Size - 1);
+    mBinTwiddles.setStep(TwiddleStepForSpan(1 << (mLog2Size - 1)));
 }
 
 // Moves the shown magnitudes towards the finished transform's levels, attack or release per bin,
@@ -177,8 +176,10 @@ void SpectrumAnalyser::prepareMagnitudes(int binBudget) noexcept
 {
     const int halfSize = 1 << (mLog2Size - 1);
     const int end = std::min(kBinCount, mNextBin + binBudget + binBudget % 2);
-    const double* twiddleCos = mStepper.twiddleCosines(halfSize);
-    const double* twiddleSin = mStepper.twiddleSines(halfSize);
+    __m128d cosines = _mm_load_pd(mBinTwiddles.cosines);
+    __m128d sines = _mm_load_pd(mBinTwiddles.sines);
+    const __m128d stepCos = _mm_set1_pd(mBinTwiddles.pairStep.cos);
+    const __m128d stepSin = _mm_set1_pd(mBinTwiddles.pairStep.sin);
     const float* shown = mMagnitudes[static_cast<std::size_t>(mShown)].data();
     float* next = mMagnitudes[static_cast<std::size_t>(1 - mShown)].data();
     // The magnitudes come out twice over; a frame of M samples reads M times its mean.
@@ -188,7 +189,7 @@ void SpectrumAnalyser::prepareMagnitudes(int binBudget) noexcept
     for (int bin = mNextBin; bin < end; bin += 2)
     {
         const __m128d level = _mm_mul_pd(TwiceMagnitudes(mTransformReal.data(), mTransformImag.data(),
-                                                         halfSize, bin, twiddleCos, twiddleSin),
+                                                         halfSize, bin, cosines, sines),
                                          scale);
         const __m128d smoothed =
             _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(shown + bin))));
@@ -199,7 +200,12 @@ void SpectrumAnalyser::prepareMagnitudes(int binBudget) noexcept
         const __m128d tiny = _mm_cmplt_pd(_mm_andnot_pd(_mm_set1_pd(-0.0), moved), _mm_set1_pd(kFlushLevel));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(next + bin),
                          _mm_castps_si128(_mm_cvtpd_ps(_mm_andnot_pd(tiny, moved))));
+        const __m128d nextCos = _mm_sub_pd(_mm_mul_pd(cosines, stepCos), _mm_mul_pd(sines, stepSin));
+        sines = _mm_add_pd(_mm_mul_pd(cosines, stepSin), _mm_mul_pd(sines, stepCos));
+        cosines = nextCos;
     }
+    _mm_store_pd(mBinTwiddles.cosines, cosines);
+    _mm_store_pd(mBinTwiddles.sines, sines);
     mNextBin = end;
 }
 

@@ -73,6 +73,7 @@ private:
     int mShown = 0;
     int mNextBin = kBinCount;
     FftStepper mStepper;
+    TwiddlePair mBinTwiddles; // w^k for the next bins to prepare, w = exp(-j*2*pi/N)
 };
 
 } // namespace velmoran::dsp

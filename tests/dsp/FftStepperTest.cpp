@@ -41,7 +41,7 @@ Transformed Transform(const std::vector<std::complex<double>>& frame, int log2Si
     alignas(16) static double imag[1 << 14];
     for (std::size_t i = 0; i < frame.size(); ++i)
         PlacePadded(real, imag, log2Size, static_cast<int>(i), frame[i].real(), frame[i].imag());
-    FftStepper stepper(14);
+    FftStepper stepper;
     stepper.start(real, imag, log2Size);
     Transformed transformed;
     for (; !stepper.finished(); ++transformed.pairCalls)
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, FftStepperSizeTest, ::testing::Values(2, 3, 5, 1
 // or already finished, hands back all of it and leaves the data alone.
 TEST(FftStepperTest, UnusedBudgetComesBackAndAFinishedStepperStaysFinished)
 {
-    FftStepper stepper(4);
+    FftStepper stepper;
     EXPECT_TRUE(stepper.finished());
     EXPECT_EQ(stepper.run(5), 5);
     alignas(16) double real[16] = {};
