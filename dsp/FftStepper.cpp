@@ -54,9 +54,7 @@ void RunButterflyPairs(double* real, double* imag, int span, int first, int coun
         }
         else
         {
-            const __m128d nextCos = _mm_sub_pd(_mm_mul_pd(cosines, stepCos), _mm_mul_pd(sines, stepSin));
-            sines = _mm_add_pd(_mm_mul_pd(cosines, stepSin), _mm_mul_pd(sines, stepCos));
-            cosines = nextCos;
+            AdvanceTwiddles(cosines, sines, stepCos, stepSin);
         }
     }
     _mm_store_pd(twiddles.cosines, cosines);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <emmintrin.h>
+
 
 namespace velmoran::dsp
 {
@@ -39,6 +41,14 @@ struct TwiddlePair
     TwiddleStep step;
     TwiddleStep pairStep; // w^2
 };
+
+// Moves a pair of twiddle factors on by the step (cos, sin) held in both lanes.
+inline void AdvanceTwiddles(__m128d& cosines, __m128d& sines, __m128d stepCos, __m128d stepSin) noexcept
+{
+    const __m128d nextCos = _mm_sub_pd(_mm_mul_pd(cosines, stepCos), _mm_mul_pd(sines, stepSin));
+    sines = _mm_add_pd(_mm_mul_pd(cosines, stepSin), _mm_mul_pd(sines, stepCos));
+    cosines = nextCos;
+}
 
 // The forward transform (kernel exp(-j...)) of a four-times zero-padded frame laid out by
 // PlacePadded, in place, by radix-2 decimation in time, run in portions so that it can be spread

@@ -200,9 +200,7 @@ void SpectrumAnalyser::prepareMagnitudes(int binBudget) noexcept
         const __m128d tiny = _mm_cmplt_pd(_mm_andnot_pd(_mm_set1_pd(-0.0), moved), _mm_set1_pd(kFlushLevel));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(next + bin),
                          _mm_castps_si128(_mm_cvtpd_ps(_mm_andnot_pd(tiny, moved))));
-        const __m128d nextCos = _mm_sub_pd(_mm_mul_pd(cosines, stepCos), _mm_mul_pd(sines, stepSin));
-        sines = _mm_add_pd(_mm_mul_pd(cosines, stepSin), _mm_mul_pd(sines, stepCos));
-        cosines = nextCos;
+        AdvanceTwiddles(cosines, sines, stepCos, stepSin);
     }
     _mm_store_pd(mBinTwiddles.cosines, cosines);
     _mm_store_pd(mBinTwiddles.sines, sines);
