@@ -39,17 +39,23 @@ void SpectrumSender::stop()
     {
         return;
     }
-    mStopRequested = true;
+    {
+        std::lock_guard<std::mutex> guard(mWakeLock);
+        mStopRequested = true;
+    }
+    mWake.notify_one();
     mThread.join();
 }
 
 void SpectrumSender::run()
 {
     // The thread clears the flag itself as it ends: that is the other half of the stop handshake.
-    while (!mStopRequested)
+    std::unique_lock<std::mutex> lock(mWakeLock);
+    while (!mWake.wait_for(lock, std::chrono::milliseconds(kPeriodMs), [this] { return mStopRequested.load(); }))
     {
-        std::this_thread::sleep_for(std::chrono::milliseconds(kPeriodMs));
+        lock.unlock();
         sendFrame();
+        lock.lock();
     }
     mStopRequested = false;
 }

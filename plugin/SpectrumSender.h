@@ -6,6 +6,7 @@
 #include "public.sdk/source/vst/vstcomponentbase.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
 #include <thread>
 
@@ -29,7 +30,7 @@ public:
 
     // Starts the thread (UI thread); throws std::system_error if the system cannot make one.
     void start();
-    // Asks the thread to end and waits for it, about one period at most (UI thread).
+    // Asks the thread to end and waits for it: at once, or after the frame it is sending (UI thread).
     void stop();
     // Interval between two frames in milliseconds.
     static constexpr int kPeriodMs = 20;
@@ -43,6 +44,10 @@ private:
     const SpectrumFrame& mFrame;
     std::recursive_mutex& mLinkLock;
     std::atomic<bool> mStopRequested{false};
+    // Wakes the thread from its wait between frames when a stop is asked for, so that a host
+    // making and dropping instances (a plug-in scan) never waits out a period.
+    std::mutex mWakeLock;
+    std::condition_variable mWake;
     std::thread mThread;
 };
 
