@@ -1,5 +1,6 @@
 #include "FilterDesign.h"
 
+#include "BeyondNyquistDesign.h"
 #include "MatchedDesigns.h"
 
 #include <cmath>
@@ -25,7 +26,7 @@ enum class PeakingGainStep
 };
 
 // The clamp ignores the sample rate: at rates under 40 kHz a 20 kHz band lies above Nyquist and is
-// designed as it stands.
+// designed for the part of its curve below Nyquist.
 float ClampFrequency(float frequencyHz) noexcept
 {
     if (frequencyHz > kMaxFrequencyHz)
@@ -64,6 +65,49 @@ double AnalogueNyquistTerm(double u, double q) noexcept
     return std::sqrt(u * u / (q * q) + (1.0 - u * u) * (1.0 - u * u));
 }
 
+// Linear gain of a peaking band as the chosen path takes it.
+double PeakingGain(float gainDb, PeakingGainStep step) noexcept
+{
+    return step == PeakingGainStep::Single ? std::pow(10.0, gainDb * static_cast<double>(0.05f))
+                                           : std::pow(10.0, gainDb * 0.05);
+}
+
+// The analogue prototype a band of codes 2..11 is matched to, with the Q its design uses.
+AnalogueResponse Prototype(double f, float gainDb, float q, int type, PeakingGainStep step) noexcept
+{
+    switch (type)
+    {
+    case kTypeLowShelf:
+    case kTypeHighShelf:
+        return {type, f, std::pow(10.0, gainDb / 20.0), MapResonantQ(q)};
+    case kTypeLowPass:
+    case kTypeHighPass:
+        return {type, f, 1.0, MapResonantQ(q)};
+    case kTypeBandPass:
+        return {type, f, 1.0, q};
+    default:
+        return {type, f, PeakingGain(gainDb, step), CorrectPeakingQ(type, gainDb, q)};
+    }
+}
+
+BiquadCoefficients DesignInReach(double fs, const AnalogueResponse& p, float gainDb) noexcept
+{
+    switch (p.type)
+    {
+    case kTypeLowShelf:
+    case kTypeHighShelf:
+        return DesignShelf(fs, p.centreHz, gainDb, p.q, p.type == kTypeHighShelf);
+    case kTypeLowPass:
+        return DesignMatchedLowPass(fs, p.centreHz, p.q);
+    case kTypeHighPass:
+        return DesignMatchedHighPass(fs, p.centreHz, p.q);
+    case kTypeBandPass:
+        return DesignBandPass(fs, p.centreHz, 0.0, p.q);
+    default:
+        return DesignPeakingForGain(fs, p.centreHz, p.gain, p.q);
+    }
+}
+
 // Dispatch shared by both entries; false for codes that design nothing.
 bool DesignByType(double fs, float frequencyHz, float gainDb, float q, int type, PeakingGainStep step,
                   BiquadCoefficients& c) noexcept
@@ -76,29 +120,11 @@ bool DesignByType(double fs, float frequencyHz, float gainDb, float q, int type,
     if (type < kTypePeakHalfGain || type > kTypeBandPass)
         return false;
 
-    const double f = ClampFrequency(frequencyHz);
-    switch (type)
-    {
-    case kTypeLowShelf:
-    case kTypeHighShelf:
-        c = DesignShelf(fs, f, gainDb, MapResonantQ(q), type == kTypeHighShelf);
-        return true;
-    case kTypeLowPass:
-        c = DesignMatchedLowPass(fs, f, MapResonantQ(q));
-        return true;
-    case kTypeHighPass:
-        c = DesignMatchedHighPass(fs, f, MapResonantQ(q));
-        return true;
-    case kTypeBandPass:
-        c = DesignBandPass(fs, f, 0.0, q);
-        return true;
-    default:
-        break;
-    }
-    const double peakingQ = CorrectPeakingQ(type, gainDb, q);
-    c = step == PeakingGainStep::Single
-            ? DesignPeaking(fs, f, gainDb, peakingQ)
-            : DesignPeakingForGain(fs, f, std::pow(10.0, gainDb * 0.05), peakingQ);
+    const AnalogueResponse prototype = Prototype(ClampFrequency(frequencyHz), gainDb, q, type, step);
+    // The second-order designs place their corner below Nyquist; a band at or above it keeps the
+    // part of its curve that the rate can reach.
+    c = prototype.centreHz < 0.5 * fs ? DesignInReach(fs, prototype, gainDb)
+                                      : DesignBeyondNyquist(fs, prototype);
     return true;
 }
 

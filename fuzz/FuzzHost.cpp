@@ -119,7 +119,7 @@ SharedProcessor::SharedProcessor()
     require(mProcessor != nullptr, "the processor is an audio processor");
 }
 
-void SharedProcessor::restart()
+void SharedProcessor::restart(double sampleRate)
 {
     mComponent->setActive(false);
     SpeakerArrangement stereo = SpeakerArr::kStereo;
@@ -128,8 +128,8 @@ void SharedProcessor::restart()
     require(mComponent->setState(streamOver(reinterpret_cast<const uint8_t*>(state.data()), state.size())) ==
                 kResultOk,
             "the default state loads");
-    ProcessSetup setup{kRealtime, kSample32, 8192, 48000.0};
-    require(mProcessor->setupProcessing(setup) == kResultOk, "48 kHz is taken");
+    ProcessSetup setup{kRealtime, kSample32, 8192, sampleRate};
+    require(mProcessor->setupProcessing(setup) == kResultOk, "any positive sample rate is taken");
     require(mComponent->setActive(true) == kResultOk, "the processor activates");
     setEditorOpen(false);
 }

@@ -39,15 +39,16 @@ IPtr<IBStream> streamOver(const uint8_t* data, size_t size);
 // The processor's state written to a stream, as floats.
 std::vector<float> stateOf(IComponent* component);
 
-// One processor kept for the whole run, stereo, 48 kHz, active.
+// One processor kept for the whole run, stereo, active.
 class SharedProcessor
 {
 public:
     // The processor of this run, made on first use.
     static SharedProcessor& instance();
 
-    // Back to stereo buses, default parameters and cleared filters, active at 48 kHz, no editor open.
-    void restart();
+    // Back to stereo buses, default parameters and cleared filters, active at the sample rate in Hz
+    // (48 kHz unless given), no editor open.
+    void restart(double sampleRate = 48000.0);
     // Tells the processor that an editor opened or closed, as the controller does.
     void setEditorOpen(bool open);
     // Processes one block of the given channels (equal lengths), with optional changes.

@@ -1,5 +1,5 @@
-// process with made-up blocks: parameter queues of any tag, point count, offset and value (NaN,
-// infinities, values outside 0..1), block sizes from 0 to 8192 samples, input samples of any bit
+// process at any sample rate with made-up blocks: parameter queues of any tag, point count, offset and value
+// (NaN, infinities, values outside 0..1), block sizes from 0 to 8192 samples, input samples of any bit
 // pattern (NaN, infinities, denormals, huge values), and editors opening and closing in between. Whatever
 // came before, a block of ordinary audio afterwards comes out finite.
 
@@ -24,6 +24,15 @@ constexpr int32 kLongestBlock = 8192;
 constexpr int32 kSamplesPerInput = 3 * kLongestBlock;
 // Inputs up to this magnitude leave filter tails that still fit a float at the output.
 constexpr float kLargestOrdinaryInput = 1e30f;
+
+// The rates hosts offer, or any rate from 1 Hz to 1 MHz: bands beyond Nyquist must stay stable.
+double anySampleRate(FuzzedDataProvider& input)
+{
+    return input.ConsumeBool()
+               ? input.PickValueInArray<double>({8000.0, 11025.0, 16000.0, 22050.0, 24000.0, 32000.0, 44100.0,
+                                                 48000.0, 88200.0, 96000.0, 176400.0, 192000.0, 384000.0})
+               : input.ConsumeFloatingPointInRange<double>(1.0, 1e6);
+}
 
 ParamID anyTag(FuzzedDataProvider& input)
 {
@@ -113,9 +122,9 @@ void fillInputs(FuzzedDataProvider& input, std::vector<std::vector<float>>& chan
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     SharedProcessor& shared = SharedProcessor::instance();
-    shared.restart();
-    static IPtr<ParameterChanges> changes = owned(new ParameterChanges());
     FuzzedDataProvider input(data, size);
+    shared.restart(anySampleRate(input));
+    static IPtr<ParameterChanges> changes = owned(new ParameterChanges());
     std::vector<std::vector<float>> inputs(2);
     std::vector<std::vector<float>> outputs(2);
     bool ordinary = true;
