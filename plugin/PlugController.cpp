@@ -37,6 +37,14 @@ constexpr ParamID kLastReservedEditorTag = 99;
 constexpr float kEditorDesignWidth = 998.0f;
 constexpr float kEditorDesignHeight = 634.0f;
 
+// The factory program a "Preset" value selects; the seventh step (1.0) selects the last program.
+int ProgramIndexOf(ParamValue value)
+{
+    const double steps = kPresetStepCount;
+    const double step = std::floor(std::min(steps, std::clamp(value, 0.0, 1.0) * (steps + 1.0)));
+    return std::clamp(static_cast<int>(step), 0, kFactoryProgramCount - 1);
+}
+
 } // namespace
 
 FUnknown* CPlugController::createInstance(void* /*context*/)
@@ -168,6 +176,44 @@ void CPlugController::loadProgram(int index)
         loadValue(tag);
     }
     loadValue(kEqTag);
+    mReportedProgram = index;
+}
+
+void CPlugController::reportRestoredValues(const StateValues& restored)
+{
+    const CPlugProgram* reported = program(mReportedProgram);
+    if (!reported)
+    {
+        return;
+    }
+    const auto& tags = stateTags();
+    auto reportValue = [&](int index)
+    {
+        const ParamID tag = tags[static_cast<size_t>(index)];
+        const float value = restored.values[static_cast<size_t>(index)];
+        if (value == reported->values[tag])
+        {
+            return;
+        }
+        beginEdit(tag);
+        performEdit(tag, value);
+        endEdit(tag);
+    };
+    // "EQ" last, as in a program load, so that the effect switches on fully set up.
+    int eqIndex = -1;
+    for (int index = 0; index < restored.count; ++index)
+    {
+        if (tags[static_cast<size_t>(index)] == kEqTag)
+        {
+            eqIndex = index;
+            continue;
+        }
+        reportValue(index);
+    }
+    if (eqIndex >= 0)
+    {
+        reportValue(eqIndex);
+    }
 }
 
 tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue value)
@@ -183,6 +229,12 @@ tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue v
     }
     if (tag != kPresetTag)
     {
+        // A host replaying a restored project sends the values the state already holds; a value
+        // that changes is the user at work, and the restore is over.
+        if (value != getParamNormalized(tag))
+        {
+            mExpectedPresetReplay = -1;
+        }
         return setValueAndShow(tag, value);
     }
     const tresult result = EditControllerEx1::setParamNormalized(tag, value);
@@ -190,10 +242,15 @@ tresult PLUGIN_API CPlugController::setParamNormalized(ParamID tag, ParamValue v
     {
         return result;
     }
-    // The seventh step (1.0) loads the last program again.
-    const double steps = kPresetStepCount;
-    const double step = std::floor(std::min(steps, std::clamp(value, 0.0, 1.0) * (steps + 1.0)));
-    loadProgram(std::clamp(static_cast<int>(step), 0, kFactoryProgramCount - 1));
+    const int index = ProgramIndexOf(value);
+    const bool replayAfterRestore = index == mExpectedPresetReplay;
+    mExpectedPresetReplay = -1;
+    // A host that restores this controller's state and then replays the saved "Preset" value must
+    // not load the program over the restored values; a user choosing a program always loads it.
+    if (!replayAfterRestore)
+    {
+        loadProgram(index);
+    }
     // The editors name the program after its values, so the name is the last thing they show.
     showToEditors(kPresetTag);
     return result;
@@ -210,6 +267,43 @@ tresult PLUGIN_API CPlugController::setComponentState(IBStream* state)
     for (int index = 0; index < read.count; ++index)
     {
         setValueAndShow(tags[static_cast<size_t>(index)], read.values[static_cast<size_t>(index)]);
+    }
+    // The order matters. Ardour 7 sets "Preset" to its saved value before it hands over the saved
+    // state, so the edits of that program load reach the processor after its restored state and
+    // would override what the user saved. Reported again now, the restored values come after the
+    // program's in the host's queue: the saved state has the last word.
+    reportRestoredValues(read);
+    mReportedProgram = -1;
+    return kResultOk;
+}
+
+tresult PLUGIN_API CPlugController::setState(IBStream* state)
+{
+    float preset = 0.0f;
+    int32 bytesRead = 0;
+    if (!state || state->read(&preset, sizeof(preset), &bytesRead) != kResultOk ||
+        bytesRead != static_cast<int32>(sizeof(preset)) || !(preset >= 0.0f && preset <= 1.0f))
+    {
+        return kResultFalse;
+    }
+    const int index = ProgramIndexOf(preset);
+    // A host that replays parameters after the state sends this program again: it is a reminder of
+    // the choice, not a new one. When the controller already shows it, the replay came first.
+    if (index != ProgramIndexOf(getParamNormalized(kPresetTag)))
+    {
+        mExpectedPresetReplay = index;
+    }
+    return setValueAndShow(kPresetTag, preset);
+}
+
+tresult PLUGIN_API CPlugController::getState(IBStream* state)
+{
+    const auto preset = static_cast<float>(getParamNormalized(kPresetTag));
+    int32 bytesWritten = 0;
+    if (!state || state->write(const_cast<float*>(&preset), sizeof(preset), &bytesWritten) != kResultOk ||
+        bytesWritten != static_cast<int32>(sizeof(preset)))
+    {
+        return kResultFalse;
     }
     return kResultOk;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PlugProgram.h"
+#include "PlugState.h"
 #include "SpectrumFrame.h"
 
 #include "pluginterfaces/vst/ivstmidicontrollers.h"
@@ -41,6 +42,10 @@ public:
 
     // Reads the processor's state stream into the parameters (UI thread).
     tresult PLUGIN_API setComponentState(IBStream* state) SMTG_OVERRIDE;
+    // The controller's own state: the "Preset" value, one float, so that a host replaying the saved
+    // program choice after restoring can be told from a user choosing a program (UI thread).
+    tresult PLUGIN_API setState(IBStream* state) SMTG_OVERRIDE;
+    tresult PLUGIN_API getState(IBStream* state) SMTG_OVERRIDE;
     // A change of "Preset" loads a factory program and reports every value as an edit.
     tresult PLUGIN_API setParamNormalized(ParamID tag, ParamValue value) SMTG_OVERRIDE;
     // Value texts as the host shows them, and their inverse.
@@ -90,6 +95,8 @@ private:
     void registerParameters();
     void addFactoryProgramList();
     void loadProgram(int index);
+    // Reports the restored values that differ from the last loaded program's as edits.
+    void reportRestoredValues(const StateValues& restored);
     // Sets a parameter's value and tells every open editor.
     tresult setValueAndShow(ParamID tag, ParamValue value);
     // Tells every open editor the parameter's current value.
@@ -106,6 +113,11 @@ private:
     float mEditorHeight = 634.0f;
     float mDisplayScale = 1.0f;
     std::vector<CPlugEditorView*> mOpenViews;
+    // The program whose values went to the host as edits since the last restored state, -1 if none.
+    int mReportedProgram = -1;
+    // The program a host is expected to replay as "Preset" after restoring this controller's
+    // state, -1 if none: that replay must not load it over the restored values.
+    int mExpectedPresetReplay = -1;
 #if defined(_WIN32)
     // The reference on the images that all editors of the module share, from initialize to terminate.
     bool mHoldsEditorShared = false;

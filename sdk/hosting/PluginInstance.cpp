@@ -150,14 +150,29 @@ void PluginInstance::disconnect()
     mConnected = false;
 }
 
-std::vector<char> stateBytes(IComponent* component)
+namespace
+{
+
+template <typename Holder> std::vector<char> stateBytesOf(Holder* holder)
 {
     MemoryStream stream;
-    if (!component || component->getState(&stream) != kResultOk)
+    if (!holder || holder->getState(&stream) != kResultOk)
     {
         return {};
     }
     return std::vector<char>(stream.getData(), stream.getData() + stream.getSize());
+}
+
+} // namespace
+
+std::vector<char> stateBytes(IComponent* component)
+{
+    return stateBytesOf(component);
+}
+
+std::vector<char> stateBytes(IEditController* controller)
+{
+    return stateBytesOf(controller);
 }
 
 IPtr<IBStream> streamOf(const std::vector<char>& bytes)

@@ -58,8 +58,9 @@ private:
     bool mConnected = false;
 };
 
-// The component's state stream as bytes; empty when getState fails.
+// The component's or the controller's own state stream as bytes; empty when getState fails.
 std::vector<char> stateBytes(IComponent* component);
+std::vector<char> stateBytes(IEditController* controller);
 // A stream over the given bytes, positioned at its start.
 IPtr<IBStream> streamOf(const std::vector<char>& bytes);
 
