@@ -18,7 +18,7 @@ field() { dpkg-deb -f "$deb" "$1"; }
 needed_packages() {
     objdump -p "$1" | awk '$1 == "NEEDED" {print $2}' | while read -r library; do
         dpkg -S "*/x86_64-linux-gnu/$library" | head -n 1 | cut -d: -f1
-    done
+    done | sort -u
 }
 depends_names() { field Depends | tr ',' '\n' | sed -E 's/^ *([^ ]+).*/\1/'; }
 tree_of() { (cd "$1" && find . -path ./var/lib/dpkg -prune -o -print | sort); }

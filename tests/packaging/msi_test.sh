@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # msi_test.sh WINE_RUN WINEPREFIX MSI BUNDLE MAKE_MSI ENTRY_TEST
-# The Windows installer as an administrator rolls it out, silently with Wine's 64-bit msiexec:
-# an older version installed first, this one over it, the module loaded from where it was
-# installed, then everything removed again beside another plug-in that must stay.
+# The Windows installer as an administrator rolls it out, silently with Wine's 64-bit msiexec: an
+# older version installed first, this one over it (and not the older one back over this one), the
+# module loaded from where it was installed, then everything removed beside another plug-in.
 set -uo pipefail
 wine_run=$1 prefix=$2 msi=$3 bundle=$4 make_msi=$5 entry_test=$6
 work=$(mktemp -d)
@@ -19,6 +19,7 @@ check() { # check WHAT COMMAND...: runs the command and counts it as failed unle
 wine_text() { "$wine_run" "$@" </dev/null | tr -d '\r'; }
 windows_path() { echo "Z:${1//\//\\}"; }
 msiexec() { "$wine_run" msiexec "$@" /qn </dev/null; }
+refused() { ! msiexec "$@"; }
 
 # The installed-programs entries named Velmoran, each a key line followed by its values.
 our_entries() {
@@ -64,6 +65,7 @@ entries=$(our_entries)
 check "3.1.3 in the installed programs" test "$(entry_value DisplayVersion)" = 3.1.3
 
 check "this version installs silently over it" msiexec /i "$(windows_path "$msi")"
+check "the older version over this one is refused" refused /i "$(windows_path "$work/old.msi")"
 check "every installed file as in the bundle, none of the older one's" diff -r "$bundle" "$installed"
 entries=$(our_entries)
 check "one entry in the installed programs" test "$(grep -c '^HKEY_' <<<"$entries")" = 1
