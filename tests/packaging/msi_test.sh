@@ -20,6 +20,8 @@ wine_text() { "$wine_run" "$@" </dev/null | tr -d '\r'; }
 windows_path() { echo "Z:${1//\//\\}"; }
 msiexec() { "$wine_run" msiexec "$@" /qn </dev/null; }
 refused() { ! msiexec "$@"; }
+# The installers Windows Installer keeps for removal and repair.
+cached_packages() { ls -A "$prefix/drive_c/windows/Installer" 2>/dev/null; }
 
 # The installed-programs entries named Velmoran, each a key line followed by its values.
 our_entries() {
@@ -54,10 +56,11 @@ registry_traces() {
 mkdir -p "$work/old"
 cp -r "$bundle" "$work/old/"
 echo "3.1.3" >>"$work/old/Velmoran.vst3/Contents/x86_64-win/Velmoran.vst3"
-mkdir "$work/old/Velmoran.vst3/Contents/Resources" && echo "gone in 3.1.4" >"$work/old/Velmoran.vst3/Contents/Resources/old.txt"
+mkdir "$work/old/Velmoran.vst3/Contents/Resources"
+echo "gone in 3.1.4" >"$work/old/Velmoran.vst3/Contents/Resources/old.txt"
 "$make_msi" 3.1.3 "$work/old/Velmoran.vst3" "$work/old.msi"
-mkdir -p "$vst3_dir/Other.vst3/Contents/x86_64-win" && echo other >"$vst3_dir/Other.vst3/Contents/x86_64-win/Other.vst3"
-cached_packages() { ls -A "$prefix/drive_c/windows/Installer" 2>/dev/null; }
+other_plugin="$vst3_dir/Other.vst3/Contents/x86_64-win/Other.vst3"
+mkdir -p "$(dirname "$other_plugin")" && echo other >"$other_plugin"
 packages_before=$(cached_packages)
 
 check "3.1.3 installs silently" msiexec /i "$(windows_path "$work/old.msi")"
@@ -82,7 +85,7 @@ check "the module loads from the installed path" \
 
 check "removes silently with the uninstall command" msiexec /x "$product_code"
 check "no file of ours left" test ! -e "$installed"
-check "the other plug-in kept" test -f "$vst3_dir/Other.vst3/Contents/x86_64-win/Other.vst3"
+check "the other plug-in kept" test -f "$other_plugin"
 check "no cached installer left" test "$(cached_packages)" = "$packages_before"
 check "no registry key of ours left" test -z "$(registry_traces "${product_code//[\{\}]/}")"
 exit $((failures > 0))
