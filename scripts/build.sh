@@ -11,6 +11,15 @@ for preset in linux windows; do
     cmake --install "build/$preset" --prefix dist >/dev/null
 done
 mkdir -p dist
+
+# The downloads of a release: the Windows installer and the Debian package (installed above from
+# the two builds), the bundle with both modules as a zip for other systems, and their checksums.
+version=$(sed -n 's/^#define VELMORAN_VERSION "\(.*\)"$/\1/p' plugin/Version.h)
+(
+    cd dist
+    zip -qrX "Velmoran-$version.vst3.zip" Velmoran.vst3
+    sha256sum "Velmoran-$version-x64.msi" "velmoran-vst3_${version}_amd64.deb" "Velmoran-$version.vst3.zip" >SHA256SUMS
+)
 build/linux/tools/design-deviation/velmoran-design-deviation >dist/filter-deviation.txt
 
 # The demo: a generated mix through every factory program, each with its response plot.

@@ -13,6 +13,7 @@ packages=(
   libsndfile1-dev gnuplot-nox
   clang-14 libclang-rt-14-dev
   fonts-dejavu-core fonts-play fonts-routed-gothic fonts-liberation
+  wixl lintian dpkg-dev fakeroot zip
 )
 
 missing=()
