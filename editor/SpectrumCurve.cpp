@@ -20,9 +20,14 @@ constexpr int kFillBaseAlpha = 8;
 // enough to keep a tone's peak where it is.
 constexpr float kSmoothing[5] = {1.0f / 16, 4.0f / 16, 6.0f / 16, 4.0f / 16, 1.0f / 16};
 
+// The analyser publishes |X| / M for a frame of M samples under a four-term Blackman-Harris
+// window, so a sine of peak amplitude A reads A times the window's mean (0.35875) over two (one
+// side of the spectrum). Adding that back lets a sine read its own peak level in dBFS.
+constexpr float kSineCalibrationDb = 14.9248f; // 20 log10(2 / 0.35875)
+
 float levelDb(float magnitude)
 {
-    return 20.0f * std::log10(std::max(magnitude, SpectrumCurve::kFloor));
+    return 20.0f * std::log10(std::max(magnitude, SpectrumCurve::kFloor)) + kSineCalibrationDb;
 }
 
 } // namespace
@@ -181,7 +186,9 @@ void SpectrumCurve::smoothLevels()
             const int neighbour = std::clamp(k + offset, 0, kPointCount - 1);
             sum += kSmoothing[offset + kReach] * mEnvelopeDb[neighbour];
         }
-        mCurve[k].responseDb = std::max(sum, mEnvelopeDb[k] - 1.0f);
+        // A column that is its own peak keeps its level, so a tone reads true at its top.
+        mCurve[k].responseDb =
+            mRawDb[k] >= mEnvelopeDb[k] ? mEnvelopeDb[k] : std::max(sum, mEnvelopeDb[k] - 1.0f);
     }
 }
 

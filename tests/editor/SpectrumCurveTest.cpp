@@ -1,13 +1,16 @@
-// The live spectrum as the graph draws it: where a tone's peak lands, the level scale, the slope
-// and the fade when it is switched off.
+// The live spectrum as the graph draws it: where a tone's peak lands, a sine read at its level, the
+// slope and the fade when it is switched off.
 
 #include "editor/RecordingPainter.h"
 #include "editor/ResponseGraph.h"
+
+#include "dsp/SpectrumAnalyser.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace
@@ -27,17 +30,6 @@ std::vector<ColouredVertex> SpectrumVertices(const ResponseGraph& graph)
             v.colour.b == SpectrumCurve::kColour.b && v.colour.a > 0)
             found.push_back(v);
     return found;
-}
-
-// The level the spectrum curve shows at the point nearest `hz`.
-float LevelNear(const ResponseGraph& graph, float hz)
-{
-    const ResponseCurve& curve = graph.spectrum().curve();
-    const auto distance = [hz](const CurvePoint& p) { return std::fabs(std::log(p.frequencyHz / hz)); };
-    return std::min_element(&curve[0], &curve[0] + curve.size(),
-                            [&](const CurvePoint& a, const CurvePoint& b)
-                            { return distance(a) < distance(b); })
-        ->responseDb;
 }
 
 struct PeakCase
@@ -73,25 +65,71 @@ INSTANTIATE_TEST_SUITE_P(Bins, SpectrumPeakTest,
                                            PeakCase{44100.0f, 4096, 1500}, PeakCase{96000.0f, 8192, 40},
                                            PeakCase{96000.0f, 8192, 1800}));
 
-// The spectrum scale puts -36 dB on the row of 0 dB gain; with the slope a flat spectrum rises
-// 3 dB per octave and stays put at 1 kHz.
-TEST(SpectrumLevels, FollowTheScaleAndTheSlope)
+// What the graph shows of a sine of the given peak level (dBFS) and frequency, analysed as the
+// engine analyses it until the display has settled.
+ResponseGraph GraphOfSine(float levelDbfs, float hz, float rate, bool sloped)
 {
-    const std::vector<float> flat(2048, std::pow(10.0f, -36.0f / 20.0f));
+    velmoran::dsp::SpectrumAnalyser analyser;
+    analyser.setSampleRate(rate);
+    const float amplitude = std::pow(10.0f, levelDbfs / 20.0f);
+    std::vector<float> sine(static_cast<std::size_t>(2 * rate));
+    for (std::size_t i = 0; i < sine.size(); ++i)
+        sine[i] = amplitude * static_cast<float>(std::sin(2.0 * 3.14159265358979 * hz * i / rate));
+    analyser.feed(sine.data(), static_cast<int>(sine.size()));
     ResponseGraph graph;
     graph.layout();
     graph.setSpectrumOn(true);
-    graph.setSpectrum(flat.data(), 2048, 44100.0f, 4096);
+    graph.setSpectrumSlope(sloped);
+    graph.setSpectrum(analyser.magnitudes(), velmoran::dsp::SpectrumAnalyser::kBinCount,
+                      analyser.sampleRate(), analyser.size());
     graph.update();
-    const ResponseCurve& curve = graph.spectrum().curve();
-    EXPECT_NEAR(curve[200].y, graph.yForGain(0.0f), 0.1f);
-    EXPECT_NEAR(LevelNear(graph, 4000.0f), -36.0f, 0.01f);
+    return graph;
+}
 
-    graph.setSpectrumSlope(true);
-    graph.update();
-    EXPECT_NEAR(LevelNear(graph, 1000.0f), -36.0f, 0.05f);
-    EXPECT_NEAR(LevelNear(graph, 4000.0f), -30.0f, 0.05f);
-    EXPECT_NEAR(LevelNear(graph, 125.0f), -45.0f, 0.05f);
+// The highest level the curve reaches within a sixth of an octave of hz: the peak a user reads.
+float PeakNear(const ResponseGraph& graph, float hz)
+{
+    const ResponseCurve& curve = graph.spectrum().curve();
+    float peak = -200.0f;
+    for (int k = 0; k < curve.size(); ++k)
+        if (std::fabs(std::log2(curve[k].frequencyHz / hz)) < 1.0f / 6.0f)
+            peak = std::max(peak, curve[k].responseDb);
+    return peak;
+}
+
+struct SineCase
+{
+    float levelDbfs;
+    float hz;
+    float rate;
+};
+
+using SpectrumCalibration = ::testing::TestWithParam<SineCase>;
+
+// With the slope flat a sine's peak reads its own level on the 0 .. -72 dB scale.
+TEST_P(SpectrumCalibration, ASineReadsItsLevel)
+{
+    const SineCase& c = GetParam();
+    const ResponseGraph graph = GraphOfSine(c.levelDbfs, c.hz, c.rate, false);
+    EXPECT_NEAR(PeakNear(graph, c.hz), c.levelDbfs, 1.0f);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sines, SpectrumCalibration,
+    ::testing::Values(SineCase{-6.0f, 1000.0f, 48000.0f}, SineCase{-12.0f, 1000.0f, 48000.0f},
+                      SineCase{-24.0f, 100.0f, 44100.0f}, SineCase{-36.0f, 5000.0f, 96000.0f},
+                      SineCase{-48.0f, 12000.0f, 48000.0f}, SineCase{-12.0f, 250.0f, 192000.0f}));
+
+// The 3 dB per octave slope pivots at 1 kHz: a tone there reads the same, two octaves up 6 dB
+// more, three octaves down 9 dB less.
+TEST(SpectrumLevels, TheSlopePivotsAtOneKilohertz)
+{
+    for (const auto& [hz, tiltDb] :
+         {std::pair{1000.0f, 0.0f}, std::pair{4000.0f, 6.0f}, std::pair{125.0f, -9.0f}})
+    {
+        const float flat = PeakNear(GraphOfSine(-24.0f, hz, 48000.0f, false), hz);
+        EXPECT_NEAR(PeakNear(GraphOfSine(-24.0f, hz, 48000.0f, true), hz) - flat, tiltDb, 0.25f) << hz;
+    }
 }
 
 // Switched off, the spectrum ignores frames and fades out over a few frames; switched on again it
