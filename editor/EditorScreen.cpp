@@ -289,11 +289,14 @@ void EditorScreen::applyBand(int band, bool post, int highlightCode)
 
 void EditorScreen::applySolo(float value, bool post)
 {
+    const int previous = soloBand(mSolo);
     mSolo = value;
     updateBandButtons();
+    // Solo shows the soloed band's info; ending it shows the band again, no longer as "Solo".
     const int soloed = soloBand(value);
-    if (post && soloed >= 1 && soloed <= kBandCount && mBands[static_cast<size_t>(soloed - 1)].inUse())
-        showBandInfo(soloed - 1, 0);
+    const int shown = soloed >= 1 ? soloed : previous;
+    if (post && shown >= 1 && shown <= kBandCount && mBands[static_cast<size_t>(shown - 1)].inUse())
+        showBandInfo(shown - 1, 0);
     mNeedsRedraw = true;
 }
 

@@ -76,6 +76,18 @@ TEST_F(EditorScreenTest, StatusCycleReturnsToTitleThenClears)
     EXPECT_EQ(screen.statusText(), "FFT : Off");
 }
 
+// The info box follows solo on and off: "Solo" while the band is soloed, its switch state after.
+TEST_F(EditorScreenTest, InfoBoxFollowsSoloOnAndOff)
+{
+    const auto stateLine = [this] { return screen.bandInfoBox(3).lines().at(4).text; };
+    hostSets(kSoloTag, 4.0 / 12.0); // band 4, a peak in the defaults
+    ASSERT_TRUE(screen.bandInfoBox(3).visible());
+    EXPECT_EQ(stateLine(), "Solo");
+    hostSets(kSoloTag, 0.0);
+    EXPECT_TRUE(screen.bandInfoBox(3).visible());
+    EXPECT_EQ(stateLine(), "On");
+}
+
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
 {
     click(screen.imageButton(EditorScreen::kPolarityButton));
