@@ -88,6 +88,8 @@ public:
     int analyserSize() const noexcept { return mAnalyser.size(); }
     // SpectrumAnalyser::kBinCount smoothed linear magnitudes.
     const float* analyserMagnitudes() const noexcept { return mAnalyser.magnitudes(); }
+    // Changes whenever the magnitudes do.
+    unsigned analyserVersion() const noexcept { return mAnalyser.shownVersion(); }
 
 private:
     struct BandSettings

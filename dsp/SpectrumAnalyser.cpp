@@ -100,6 +100,7 @@ void SpectrumAnalyser::reset() noexcept
     {
         magnitudes.fill(0.0f);
     }
+    ++mShownVersion;
     mNextBin = kBinCount;
     const int halfSize = 1 << (mLog2Size - 1);
     // Both pairs, so neither a finished transform nor a half-captured frame from before comes back.
@@ -163,6 +164,7 @@ void SpectrumAnalyser::capture(float sample) noexcept
 void SpectrumAnalyser::finishFrame() noexcept
 {
     mShown = 1 - mShown;
+    ++mShownVersion;
     mNextBin = 0;
     mFillReal.swap(mTransformReal);
     mFillImag.swap(mTransformImag);
@@ -188,9 +190,9 @@ void SpectrumAnalyser::prepareMagnitudes(int binBudget) noexcept
     const __m128d release = _mm_set1_pd(mRelease);
     for (int bin = mNextBin; bin < end; bin += 2)
     {
-        const __m128d level = _mm_mul_pd(TwiceMagnitudes(mTransformReal.data(), mTransformImag.data(),
-                                                         halfSize, bin, cosines, sines),
-                                         scale);
+        const __m128d level = _mm_mul_pd(
+            TwiceMagnitudes(mTransformReal.data(), mTransformImag.data(), halfSize, bin, cosines, sines),
+            scale);
         const __m128d smoothed =
             _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(shown + bin))));
         const __m128d difference = _mm_sub_pd(level, smoothed);

@@ -48,6 +48,9 @@ public:
 
     // kBinCount smoothed linear magnitudes (a full-scale sine at a bin centre reads about 0.18).
     const float* magnitudes() const noexcept { return mMagnitudes[mShown].data(); }
+    // Counts every change of the shown magnitudes (a new frame, a reset), so that a reader copies
+    // them only when they changed.
+    unsigned shownVersion() const noexcept { return mShownVersion; }
 
 private:
     void finishFrame() noexcept;
@@ -71,6 +74,7 @@ private:
     // The shown magnitudes and, behind them, the next ones, prepared up to mNextBin.
     std::array<std::array<float, kBinCount>, 2> mMagnitudes{};
     int mShown = 0;
+    unsigned mShownVersion = 0;
     int mNextBin = kBinCount;
     FftStepper mStepper;
     TwiddlePair mBinTwiddles; // w^k for the next bins to prepare, w = exp(-j*2*pi/N)

@@ -370,19 +370,18 @@ void CPlug::processAudio(AudioBusBuffers& input, AudioBusBuffers& output, int32 
     const int32 inputChannels = input.channelBuffers32 ? std::clamp(input.numChannels, 0, kMaxChannels) : 0;
     const int32 outputChannels =
         output.channelBuffers32 ? std::clamp(output.numChannels, 0, kMaxChannels) : 0;
-    // A mono input feeds both sides of the engine; a missing channel reads as silence.
+    // A mono input feeds both sides of the engine; a missing channel reads as silence, and an
+    // output channel the host does not have is written to scratch. The engine reads a chunk's
+    // inputs before it writes its outputs, so it works on the host's buffers, in place or not.
+    static constexpr std::array<Sample32, kChunkLength> kSilence{};
+    std::array<Sample32, kChunkLength> scratch;
     const Sample32* leftSource = inputChannels >= 1 ? input.channelBuffers32[0] : nullptr;
     const Sample32* rightSource = inputChannels >= 2 ? input.channelBuffers32[1] : leftSource;
-    std::array<float, kChunkLength> left{};
-    std::array<float, kChunkLength> right{};
+    Sample32* leftTarget = outputChannels >= 1 ? output.channelBuffers32[0] : nullptr;
+    Sample32* rightTarget = outputChannels >= 2 ? output.channelBuffers32[1] : nullptr;
     for (int32 chunkStart = 0; chunkStart < sampleCount; chunkStart += kChunkLength)
     {
         const int32 chunkLength = std::min(kChunkLength, sampleCount - chunkStart);
-        for (int32 i = 0; i < chunkLength; ++i)
-        {
-            left[i] = leftSource ? leftSource[chunkStart + i] : 0.0f;
-            right[i] = rightSource ? rightSource[chunkStart + i] : 0.0f;
-        }
         // Channels beyond the second pass through; the output's own first two get the engine's.
         for (int32 channel = 2; channel < outputChannels; ++channel)
         {
@@ -390,24 +389,21 @@ void CPlug::processAudio(AudioBusBuffers& input, AudioBusBuffers& output, int32 
                         chunkLength);
         }
         mEngine->updateBlock(chunkLength);
-        mEngine->processChunk(left.data(), right.data(), left.data(), right.data(), chunkLength);
-        for (int32 channel = 0; channel < std::min(outputChannels, 2); ++channel)
-        {
-            if (Sample32* target = output.channelBuffers32[channel])
-            {
-                std::copy_n((channel == 0 ? left : right).data(), chunkLength, target + chunkStart);
-            }
-        }
+        mEngine->processChunk(leftSource ? leftSource + chunkStart : kSilence.data(),
+                              rightSource ? rightSource + chunkStart : kSilence.data(),
+                              leftTarget ? leftTarget + chunkStart : scratch.data(),
+                              rightTarget ? rightTarget + chunkStart : scratch.data(), chunkLength);
     }
 }
 
 void CPlug::copyAnalyserFrame() noexcept
 {
     const float* magnitudes = mEngine->analyserMagnitudes();
-    if (!magnitudes)
+    if (!magnitudes || mEngine->analyserVersion() == mCopiedAnalyserVersion)
     {
         return;
     }
+    mCopiedAnalyserVersion = mEngine->analyserVersion();
     mSpectrumFrame->sampleRate = mEngine->analyserSampleRate();
     mSpectrumFrame->transformSize = mEngine->analyserSize();
     std::memcpy(mSpectrumFrame->magnitudes, magnitudes, sizeof(float) * kAnalyserMagnitudeCount);

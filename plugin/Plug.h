@@ -78,6 +78,9 @@ private:
     float mSampleRate = 48000.0f;
     float mEngineSampleRate = 48000.0f;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
+    // The analyser's magnitudes as last copied into the frame: a new frame comes only every
+    // quarter transform, so most blocks have nothing to copy.
+    unsigned mCopiedAnalyserVersion = ~0u;
     // Set from the UI thread while an editor is open; the audio thread analyses only then.
     std::atomic<bool> mEditorOpen{false};
     std::recursive_mutex mLinkLock;
