@@ -233,6 +233,7 @@ const std::map<std::string, double>& Limits()
     return limits;
 }
 
+// A case without a stated limit fails.
 double LimitOf(const std::string& name)
 {
     const auto found = Limits().find(name);
