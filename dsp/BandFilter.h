@@ -33,10 +33,6 @@ struct BandFilter
     BiquadState pendingState;
 
     int fadeSamplesLeft = 0; // 0 = no cross-fade running
-    double oldGain = 1.0;
-    double newGain = 0.0;
-    double oldGainStep = 0.0;
-    double newGainStep = 0.0;
     bool running = false;
 };
 

@@ -8,8 +8,6 @@ namespace velmoran::dsp
 namespace
 {
 
-constexpr double kFadeStep = 1.0 / kCrossFadeSamples;
-
 StereoBiquad Pack(const BiquadSection& first, const BiquadSection& second) noexcept
 {
     return StereoBiquad{_mm_set_pd(second.b0, first.b0), _mm_set_pd(second.b1, first.b1),
@@ -87,18 +85,14 @@ void InstallPending(StereoBandFilter& filter) noexcept
     filter.activeState = StereoBiquadState{};
     filter.pendingState = StereoBiquadState{};
     filter.fadeSamplesLeft = 0;
-    filter.oldGain = 1.0;
-    filter.newGain = 0.0;
 }
 
 void StartCrossFade(StereoBandFilter& filter, const BiquadSection& first,
                     const BiquadSection& second) noexcept
 {
     filter.pending = Pack(first, second);
-    filter.pendingState = StereoBiquadState{};
+    filter.pendingState = filter.activeState;
     filter.fadeSamplesLeft = kCrossFadeSamples;
-    filter.oldGain = 1.0;
-    filter.newGain = 0.0;
 }
 
 void RunBands(StereoBandFilter* const* filters, int count, __m128d* signal, int frameCount) noexcept
@@ -134,19 +128,15 @@ void RunCrossFade(StereoBandFilter& filter, __m128d* signal, int frameCount, boo
     const StereoBiquad newSection = filter.pending;
     StereoBiquadState oldState = filter.activeState;
     StereoBiquadState newState = filter.pendingState;
-    double oldGain = filter.oldGain;
-    double newGain = filter.newGain;
+    const int samplesDone = kCrossFadeSamples - filter.fadeSamplesLeft;
     for (int i = 0; i < fadeFrames; ++i)
     {
         const __m128d oldOutput = Tick(oldSection, oldState, signal[i]);
         const __m128d newOutput = Tick(newSection, newState, signal[i]);
-        signal[i] = _mm_add_pd(_mm_mul_pd(_mm_set1_pd(oldGain), oldOutput),
+        const double newGain = kCrossFadeShares[static_cast<std::size_t>(samplesDone + i)];
+        signal[i] = _mm_add_pd(_mm_mul_pd(_mm_set1_pd(1.0 - newGain), oldOutput),
                                _mm_mul_pd(_mm_set1_pd(newGain), newOutput));
-        oldGain -= kFadeStep;
-        newGain += kFadeStep;
     }
-    filter.oldGain = oldGain;
-    filter.newGain = newGain;
     filter.pendingState = newState;
     filter.fadeSamplesLeft -= fadeFrames;
     if (filter.fadeSamplesLeft > 0)
@@ -155,7 +145,7 @@ void RunCrossFade(StereoBandFilter& filter, __m128d* signal, int frameCount, boo
         return;
     }
     filter.active = newSection;
-    filter.activeState = newState;
+    filter.activeState = keepsRunning ? newState : StereoBiquadState{};
     if (keepsRunning)
     {
         StereoBandFilter* const running = &filter;

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "BandFilter.h"
+#include "CrossFadeShape.h"
 
 #include <emmintrin.h>
 
 namespace velmoran::dsp
 {
-
-// Length of the cross-fade that hides every coefficient change, in samples.
-constexpr int kCrossFadeSamples = 512;
 
 // One band's biquad for both channels side by side: lane 0 holds the first channel, lane 1 the
 // second, so one SSE2 instruction takes the same double-precision step in both.
@@ -41,8 +39,6 @@ struct StereoBandFilter
     StereoBiquadState pendingState;
 
     int fadeSamplesLeft = 0; // 0 = no cross-fade running
-    double oldGain = 1.0;
-    double newGain = 0.0;
 };
 
 // True while the band is fading from its active to its pending biquads.
@@ -60,8 +56,9 @@ void InstallSections(StereoBandFilter& filter, const BiquadSection& first,
 // latest design).
 void InstallPending(StereoBandFilter& filter) noexcept;
 
-// Puts `first` and `second` in as the pending biquads with an empty history and starts the
-// cross-fade to them.
+// Puts `first` and `second` in as the pending biquads and starts the cross-fade to them. The
+// pending biquads start from the running ones' history (the same last inputs and outputs), so the
+// new filter takes the signal up where the old one stands instead of ringing up from silence.
 void StartCrossFade(StereoBandFilter& filter, const BiquadSection& first,
                     const BiquadSection& second) noexcept;
 
@@ -73,7 +70,9 @@ void StartCrossFade(StereoBandFilter& filter, const BiquadSection& first,
 void RunBands(StereoBandFilter* const* filters, int count, __m128d* signal, int frameCount) noexcept;
 
 // A fading band: old and new biquads mixed while the fade lasts, then the new ones alone if
-// `keepsRunning` (a band fading out ends with its fade).
+// `keepsRunning`. A band fading out ends with its fade and forgets its history: it is not run
+// while it is out, so when it comes back its filter starts from silence, not from a signal long
+// gone.
 void RunCrossFade(StereoBandFilter& filter, __m128d* signal, int frameCount, bool keepsRunning) noexcept;
 
 } // namespace velmoran::dsp

@@ -285,6 +285,40 @@ INSTANTIATE_TEST_SUITE_P(
         JumpCase{"PolarityFlip", kBoost, kNothing, [](BandEngine& e) { e.setPolarityInverted(true); }}),
     NameOf<JumpCase>);
 
+struct ReturnCase
+{
+    const char* name;
+    Configure away;
+    Configure back;
+};
+
+using BandReturnTest = ::testing::TestWithParam<ReturnCase>;
+
+// A band that was out is not run, so its filter's history is of a signal long gone: coming back
+// into silence, it must stay silent rather than ring with what it last heard.
+TEST_P(BandReturnTest, ComesBackIntoSilenceWithoutRinging)
+{
+    const ReturnCase& c = GetParam();
+    auto engine = MakeEngine([](BandEngine& e) { SetBand(e, 4, kTypeLowPass, 500.0f, 0.0f, 5.0f); });
+    const std::size_t length = static_cast<std::size_t>(kRate / 10) / kChunk * kChunk;
+    Process(*engine, MakeSine(500.0, kRate, length, 0.9));
+    c.away(*engine);
+    Process(*engine, MakeSine(500.0, kRate, length, 0.9));
+    ProcessSilence(*engine, 0.1);
+    c.back(*engine);
+    const Stereo output = Process(*engine, std::vector<float>(length, 0.0f));
+    EXPECT_EQ(Rms(output.left, 0, length), 0.0);
+    EXPECT_EQ(Rms(output.right, 0, length), 0.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ways, BandReturnTest,
+    ::testing::Values(ReturnCase{"SwitchedOffAndOn", [](BandEngine& e) { e.setBandEnabled(4, false); },
+                                 [](BandEngine& e) { e.setBandEnabled(4, true); }},
+                      ReturnCase{"TypeNoneAndBack", [](BandEngine& e) { e.setBandType(4, kTypeNone); },
+                                 [](BandEngine& e) { e.setBandType(4, kTypeLowPass); }}),
+    NameOf<ReturnCase>);
+
 // The effect switch and the polarity ramp use the same ramp code as the reference engine, so the
 // identity test cannot vouch for their timing; these two measure it.
 TEST(BandEngineTest, EffectSwitchedOffSettlesToTheExactInputIn50Ms)

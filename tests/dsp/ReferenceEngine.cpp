@@ -1,5 +1,6 @@
 #include "ReferenceEngine.h"
 
+#include "dsp/CrossFadeShape.h"
 #include "dsp/FilterDesign.h"
 
 #include <algorithm>
@@ -59,15 +60,12 @@ void InstallSection(BandFilter& filter, BiquadSection section)
     filter.pending = section;
 }
 
+// The new filter starts from the running one's history.
 void StartCrossFade(BandFilter& filter, const BiquadSection& next)
 {
     filter.pending = next;
-    filter.pendingState = BiquadState{};
+    filter.pendingState = filter.activeState;
     filter.fadeSamplesLeft = kFade;
-    filter.oldGain = 1.0;
-    filter.newGain = 0.0;
-    filter.oldGainStep = -1.0 / kFade;
-    filter.newGainStep = 1.0 / kFade;
 }
 
 double RunBiquad(const BiquadSection& c, BiquadState& s, double x)
@@ -79,18 +77,18 @@ double RunBiquad(const BiquadSection& c, BiquadState& s, double x)
     return y;
 }
 
-double ProcessBandFilter(BandFilter& f, double x)
+// A filter that is not run once its fade ends (a band faded out) forgets its history.
+double ProcessBandFilter(BandFilter& f, double x, bool keepsRunning)
 {
     const double y = RunBiquad(f.active, f.activeState, x);
     if (f.fadeSamplesLeft <= 0)
         return y;
-    const double mixed = f.oldGain * y + f.newGain * RunBiquad(f.pending, f.pendingState, x);
-    f.oldGain += f.oldGainStep;
-    f.newGain += f.newGainStep;
+    const double newGain = kCrossFadeShares[static_cast<std::size_t>(kFade - f.fadeSamplesLeft)];
+    const double mixed = (1.0 - newGain) * y + newGain * RunBiquad(f.pending, f.pendingState, x);
     if (--f.fadeSamplesLeft == 0)
     {
         f.active = f.pending;
-        f.activeState = f.pendingState;
+        f.activeState = keepsRunning ? f.pendingState : BiquadState{};
     }
     return mixed;
 }
@@ -358,7 +356,7 @@ void ReferenceBandEngine::processFrame(float inL, float inR, float& outL, float&
         for (std::size_t channel = 0; channel < 2; ++channel)
         {
             if (filtering || band.filters[channel].fadeSamplesLeft > 0)
-                wet[channel] = ProcessBandFilter(band.filters[channel], wet[channel]);
+                wet[channel] = ProcessBandFilter(band.filters[channel], wet[channel], filtering);
         }
     }
     std::array<double, 2> output{};
