@@ -1,5 +1,7 @@
 #include "ProgressBar.h"
 
+#include "Interruption.h"
+
 #include <algorithm>
 #include <unistd.h>
 
@@ -37,6 +39,7 @@ ProgressBar::~ProgressBar()
     if (mEnabled && !mFinished)
     {
         std::fputc('\n', mStream);
+        setProgressLineOpen(mStream, false);
     }
 }
 
@@ -54,6 +57,7 @@ void ProgressBar::update(int64_t done)
     mLastDraw = now;
     std::fprintf(mStream, "\r%s", progressLine(mLabel, done, mTotal, kBarWidth).c_str());
     std::fflush(mStream);
+    setProgressLineOpen(mStream, true);
 }
 
 void ProgressBar::finish()
@@ -64,6 +68,7 @@ void ProgressBar::finish()
     }
     std::fprintf(mStream, "\r%s\n", progressLine(mLabel, mTotal, mTotal, kBarWidth).c_str());
     std::fflush(mStream);
+    setProgressLineOpen(mStream, false);
     mFinished = true;
 }
 

@@ -2,14 +2,20 @@
 
 #include "tools/render/AtomicFile.h"
 
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <thread>
 
 namespace velmoran::test
 {
@@ -141,6 +147,60 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
         std::system((command + " >" + streams.file("output") + " 2>" + streams.file("errors")).c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileText(streams.file("errors")),
             fileText(streams.file("output"))};
+}
+
+} // namespace velmoran::test
+
+namespace velmoran::test
+{
+
+namespace
+{
+
+// Waits up to a deadline of seconds for a condition, checking it every few milliseconds.
+template <typename Condition> bool waitFor(Condition condition)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition())
+    {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+bool holdsTemporaryFile(const ScratchFolder& folder)
+{
+    const std::vector<std::string> names = folder.names();
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) { return name[0] == '.'; });
+}
+
+} // namespace
+
+int interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
+                  const std::vector<char>& feed, const ScratchFolder& folder, int signal)
+{
+    std::vector<std::string> words = {renderToolPath, "--plugin", renderModulePath, "-q"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    pid_t child = 0;
+    if (posix_spawn(&child, renderToolPath.c_str(), nullptr, nullptr, argv.data(), environ) != 0)
+        return -1;
+    int pipe = -1;
+    // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
+    waitFor([&] { return (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
+    const bool fed = pipe >= 0 && write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size());
+    const bool started = fed && waitFor([&] { return holdsTemporaryFile(folder); });
+    kill(child, signal);
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (pipe >= 0)
+        close(pipe);
+    return started && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 } // namespace velmoran::test

@@ -11,6 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <tuple>
@@ -35,7 +42,8 @@ void renderAsHost(const std::vector<char>& state, const ScratchFolder& folder)
         host.setParameter(Steinberg::Vst::Velmoran::stateTags()[index], values[index]);
     render::AudioReader reader(folder.file("in.wav"));
     host.start(reader.info().sampleRate, reader.info().channels, 512);
-    render::renderFile(host, reader, folder.file("host.wav"), reader.info().format, 512, false);
+    render::renderFile(host, reader, folder.file("host.wav"), reader.info().format, render::Dither::none, 512,
+                       false);
 }
 
 // With or without settings, the tool plays what a host plays that sends every value of the same
@@ -91,15 +99,16 @@ class RenderToolNull : public testing::TestWithParam<SoundFormat>
 };
 
 // A file read and written in every format keeps every sample, its rate and its channels; with the
-// effect out the tool returns it bit for bit in the same format.
+// effect out and no dither the tool returns it bit for bit in the same format (64-bit samples
+// too, as these hold no more than a float does).
 TEST_P(RenderToolNull, EffectOutReturnsTheInputBitForBit)
 {
     const SoundFormat& format = GetParam();
     ScratchFolder folder;
     const std::vector<float> signal = busySignal(0.5, format.sampleRate, format.channels);
     writeSound(folder.file("in"), signal, format.format, format.sampleRate, format.channels);
-    const ToolRun run =
-        runTool({"--set", "EQ=Out", "--block-size", "300", folder.file("in"), folder.file("out")});
+    const ToolRun run = runTool({"--set", "EQ=Out", "--dither", "none", "--block-size", "300",
+                                 folder.file("in"), folder.file("out")});
     ASSERT_EQ(run.exitCode, 0) << run.errors;
     const Sound output = readSound(folder.file("out"));
     EXPECT_EQ(std::tie(output.info.format, output.info.sampleRate, output.info.channels),
@@ -113,6 +122,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, RenderToolNull,
                                          SoundFormat{"wav24mono", SF_FORMAT_WAV | SF_FORMAT_PCM_24, 1, 48000},
                                          SoundFormat{"wav32", SF_FORMAT_WAV | SF_FORMAT_PCM_32, 2, 96000},
                                          SoundFormat{"wavfloat", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 2, 96000},
+                                         SoundFormat{"wavdouble", SF_FORMAT_WAV | SF_FORMAT_DOUBLE, 2, 44100},
                                          SoundFormat{"aiff24", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 2, 48000},
                                          SoundFormat{"aifffloat", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, 1, 48000},
                                          SoundFormat{"flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 2, 44100},
@@ -172,33 +182,81 @@ TEST(RenderTool, SavedStateRendersIdenticallyAtAnyBlockSize)
     EXPECT_NE(firstOutput.samples, readSound(folder.file("in.wav")).samples);
 }
 
+// Files a hostile case sets up beside in.wav, the only copy of a mix.
+using Preparation = void (*)(const ScratchFolder&);
+
 struct BadRun
 {
     const char* name;
-    std::vector<std::string> arguments;
-    const char* message; // "@" stands for the scratch folder
+    std::vector<std::string> arguments; // "@name" is a file in the scratch folder, "%name" the same relative
+    const char* message;                // "@" stands for the scratch folder
     int exitCode;
+    Preparation prepare = nullptr;
+    int signal = 0; // sent while the job renders from the pipe feed.wav
 };
+
+// The first count bytes of in.wav as name.
+void cutInput(const ScratchFolder& folder, const std::string& name, size_t count)
+{
+    const std::vector<char> bytes = readFileBytes(folder.file("in.wav"));
+    writeFileBytes(folder.file(name), std::vector<char>(bytes.begin(), bytes.begin() + count));
+}
+
+// A state of 69 values of 0.5 with one value replaced, as bytes.
+std::vector<char> stateWith(size_t index, float value, size_t count = 69)
+{
+    std::vector<float> values(count, 0.5f);
+    values[index] = value;
+    std::vector<char> bytes(count * sizeof(float));
+    std::memcpy(bytes.data(), values.data(), bytes.size());
+    return bytes;
+}
+
+// A WAV header promising ten seconds, with a little of the promised audio.
+std::vector<char> partialFeed()
+{
+    const ScratchFolder scratch;
+    writeSound(scratch.file("long.wav"), sine(440.0, -20.0, 10.0, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
+               48000, 2);
+    const std::vector<char> bytes = readFileBytes(scratch.file("long.wav"));
+    return std::vector<char>(bytes.begin(), bytes.begin() + 8044);
+}
 
 class RenderToolRefuses : public testing::TestWithParam<BadRun>
 {
 };
 
+// Whatever the command line, the input is never touched and nothing is left behind.
 TEST_P(RenderToolRefuses, WithAClearMessageAndNoOutputFile)
 {
     ScratchFolder folder;
     writeSound(folder.file("in.wav"), sine(440.0, -12.0, 0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
                48000, 2);
+    if (GetParam().prepare)
+        GetParam().prepare(folder);
+    const std::vector<char> mix = readFileBytes(folder.file("in.wav"));
+    const std::vector<std::string> before = folder.names();
     std::vector<std::string> arguments;
     for (const std::string& argument : GetParam().arguments)
-        arguments.push_back(argument.rfind("@", 0) == 0 ? folder.file(argument.substr(1)) : argument);
+        arguments.push_back(argument[0] == '@' ? folder.file(argument.substr(1))
+                            : argument[0] == '%'
+                                ? std::filesystem::relative(folder.file(argument.substr(1))).string()
+                                : argument);
     std::string message = GetParam().message;
     if (const size_t at = message.find('@'); at != std::string::npos)
         message.replace(at, 1, folder.file(""));
-    const ToolRun run = runTool(arguments);
-    EXPECT_EQ(run.exitCode, GetParam().exitCode) << run.errors;
-    EXPECT_TRUE(contains(run.errors, message));
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"in.wav"});
+    if (GetParam().signal)
+        EXPECT_EQ(interruptTool(arguments, folder.file("feed.wav"), partialFeed(), folder, GetParam().signal),
+                  GetParam().exitCode);
+    else
+    {
+        const bool givesPlugin = std::find(arguments.begin(), arguments.end(), "--plugin") != arguments.end();
+        const ToolRun run = runTool(arguments, !givesPlugin);
+        EXPECT_EQ(run.exitCode, GetParam().exitCode) << run.errors;
+        EXPECT_TRUE(contains(run.errors, message));
+    }
+    EXPECT_EQ(folder.names(), before);
+    EXPECT_TRUE(readFileBytes(folder.file("in.wav")) == mix);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -223,8 +281,271 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{"ModuleMissing",
                {"--plugin", "@Velmoran.so", "@in.wav", "@out.wav"},
                "cannot load the plug-in '@Velmoran.so'",
-               1}),
+               1},
+        BadRun{"OutputIsInputWithDot", {"@in.wav", "@./in.wav"}, "is the same file as the input", 2},
+        BadRun{"OutputIsInputRelative", {"@in.wav", "%in.wav"}, "is the same file as the input", 2},
+        BadRun{"InputIsOutputRelative", {"%in.wav", "@in.wav"}, "is the same file as the input", 2},
+        BadRun{"OutputLinksToInput",
+               {"@in.wav", "@link.wav"},
+               "the output '@link.wav' is the same file as the input",
+               2,
+               [](const ScratchFolder& folder)
+               { symlink(folder.file("in.wav").c_str(), folder.file("link.wav").c_str()); }},
+        BadRun{"OutputIsHardLink",
+               {"@in.wav", "@hard.wav"},
+               "is the same file as the input",
+               2,
+               [](const ScratchFolder& folder)
+               { link(folder.file("in.wav").c_str(), folder.file("hard.wav").c_str()); }},
+        BadRun{"SavedStateOverInput",
+               {"--save-state", "@in.wav", "@in.wav", "@out.wav"},
+               "the state to save '@in.wav' is the same file as the input",
+               2},
+        BadRun{"PlotOverInput", {"--response", "@./in.wav", "@in.wav", "@out.wav"}, "the plot", 2},
+        BadRun{"PlotOverOutput",
+               {"--response", "@out.wav", "@in.wav", "@./out.wav"},
+               "the plot '@out.wav' is the same file as the output",
+               2},
+        BadRun{"StateOverOutput",
+               {"--save-state", "@./out.wav", "@in.wav", "@out.wav"},
+               "same file as the output",
+               2},
+        // Devices and links like /dev/null and /dev/stdout, made in the scratch folder so that a
+        // failing tool run as root cannot replace the machine's own.
+        BadRun{"DeviceOutput",
+               {"@in.wav", "@null"},
+               "will not replace '@null': it is a ",
+               2,
+               [](const ScratchFolder& folder)
+               {
+                   // Without the right to make devices, a pipe stands in.
+                   const std::string path = folder.file("null");
+                   ASSERT_TRUE(mknod(path.c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0 ||
+                               mkfifo(path.c_str(), 0600) == 0);
+               }},
+        BadRun{"LinkToStandardOutput",
+               {"@in.wav", "@stdout"},
+               "will not replace '@stdout': it is a symbolic link",
+               2,
+               [](const ScratchFolder& folder)
+               { symlink("/proc/self/fd/1", folder.file("stdout").c_str()); }},
+        BadRun{"FolderOutput",
+               {"@in.wav", "@folder"},
+               "it is a folder",
+               2,
+               [](const ScratchFolder& folder) { std::filesystem::create_directory(folder.file("folder")); }},
+        BadRun{"TruncatedWav",
+               {"@cut.wav", "@out.wav"},
+               "'@cut.wav' is truncated: its header promises 38400 bytes of samples, the file holds 956",
+               1,
+               [](const ScratchFolder& folder) { cutInput(folder, "cut.wav", 1000); }},
+        BadRun{"HeaderOnlyWav",
+               {"@cut.wav", "@out.wav"},
+               "the file holds 0 (--allow-truncated",
+               1,
+               [](const ScratchFolder& folder) { cutInput(folder, "cut.wav", 44); }},
+        BadRun{"TruncatedAiff",
+               {"@cut.aiff", "@out.aiff"},
+               "'@cut.aiff' is truncated",
+               1,
+               [](const ScratchFolder& folder)
+               {
+                   writeSound(folder.file("whole.aiff"), sine(440.0, -12.0, 0.2, 48000, 2),
+                              SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 48000, 2);
+                   const std::vector<char> bytes = readFileBytes(folder.file("whole.aiff"));
+                   writeFileBytes(folder.file("cut.aiff"),
+                                  std::vector<char>(bytes.begin(), bytes.end() - 3000));
+               }},
+        BadRun{
+            "StateOfRandomBytes",
+            {"--load-state", "@in.wav", "@in.wav", "@out.wav"},
+            "cannot load the state '@in.wav': it holds more than 276 bytes; a saved state holds exactly 276",
+            1},
+        BadRun{"StateTooShort",
+               {"--load-state", "@short.state", "@in.wav", "@out.wav"},
+               "it holds 272 bytes",
+               1,
+               [](const ScratchFolder& folder)
+               { writeFileBytes(folder.file("short.state"), stateWith(0, 0.5f, 68)); }},
+        BadRun{"StateEndless",
+               {"--load-state", "/dev/zero", "@in.wav", "@out.wav"},
+               "'/dev/zero': it holds more than 276",
+               1},
+        BadRun{"StateFolder",
+               {"--load-state", "@folder", "@in.wav", "@out.wav"},
+               "cannot read '@folder': Is a directory",
+               1,
+               [](const ScratchFolder& folder) { std::filesystem::create_directory(folder.file("folder")); }},
+        BadRun{"StateNotANumber",
+               {"--load-state", "@nan.state", "@in.wav", "@out.wav"},
+               "'@nan.state': value 3 is not a number",
+               1,
+               [](const ScratchFolder& folder)
+               { writeFileBytes(folder.file("nan.state"), stateWith(2, std::nanf(""))); }},
+        BadRun{"StateOutOfRange",
+               {"--load-state", "@big.state", "@in.wav", "@out.wav"},
+               "value 69 is 2.000000; every value of a saved state lies in 0..1",
+               1,
+               [](const ScratchFolder& folder)
+               { writeFileBytes(folder.file("big.state"), stateWith(68, 2.0f)); }},
+        BadRun{"EmptyInput", {"", "@out.wav"}, "an empty file name", 2},
+        BadRun{"EmptyState",
+               {"--load-state", "", "@in.wav", "@out.wav"},
+               "--load-state needs a value, not an empty one",
+               2},
+        BadRun{"UnknownExtension", {"@in.wav", "@out.mp3"}, "wav, aiff or flac, not 'mp3'", 2},
+        BadRun{
+            "UnknownFormat", {"--format", "mp3", "@in.wav", "@out.wav"}, "wav, aiff or flac, not 'mp3'", 2},
+        BadRun{"RepeatedPreset",
+               {"--preset", "2", "--preset", "3", "@in.wav", "@out.wav"},
+               "--preset is given twice",
+               2},
+        BadRun{"SoloOfNoBand", {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02", 2},
+        BadRun{"CtrlC",
+               {"@feed.wav", "@out.wav"},
+               "",
+               130,
+               [](const ScratchFolder& folder) { mkfifo(folder.file("feed.wav").c_str(), 0600); },
+               SIGINT},
+        BadRun{"Terminated",
+               {"@feed.wav", "@out.wav"},
+               "",
+               143,
+               [](const ScratchFolder& folder) { mkfifo(folder.file("feed.wav").c_str(), 0600); },
+               SIGTERM}),
     [](const testing::TestParamInfo<BadRun>& info) { return info.param.name; });
+
+// A replaced output keeps its permissions; "-" writes the same file to standard output.
+TEST(RenderTool, KeepsPermissionsAndWritesToStandardOutput)
+{
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), busySignal(0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_24, 48000, 2);
+    writeFileBytes(folder.file("out.wav"), {'o', 'l', 'd'});
+    chmod(folder.file("out.wav").c_str(), 0640);
+    ASSERT_EQ(runTool({folder.file("in.wav"), folder.file("out.wav")}).exitCode, 0);
+    struct stat status = {};
+    ASSERT_EQ(stat(folder.file("out.wav").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+    const ToolRun piped = runTool({"--format", "flac", folder.file("in.wav"), "-"});
+    ASSERT_EQ(piped.exitCode, 0) << piped.errors;
+    ASSERT_EQ(runTool({folder.file("in.wav"), folder.file("out.flac")}).exitCode, 0);
+    const std::vector<char> file = readFileBytes(folder.file("out.flac"));
+    EXPECT_EQ(piped.output, std::string(file.begin(), file.end()));
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"in.wav", "out.flac", "out.wav"}));
+}
+
+// What a render cannot keep of its input is said: a truncated file rendered on request, and
+// 64-bit samples.
+TEST(RenderTool, SaysWhatItCannotKeep)
+{
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), busySignal(0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 2);
+    writeSound(folder.file("double.wav"), busySignal(0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_DOUBLE, 48000,
+               2);
+    const std::vector<char> bytes = readFileBytes(folder.file("in.wav"));
+    writeFileBytes(folder.file("cut.wav"), std::vector<char>(bytes.begin(), bytes.begin() + 4044));
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{"--allow-truncated", folder.file("cut.wav"), folder.file("cut-out.wav")},
+         "holds 4000; rendering what it holds"},
+        {{folder.file("double.wav"), folder.file("double-out.wav")}, "keeps 32-bit float precision"},
+    };
+    for (const auto& [arguments, said] : cases)
+    {
+        const ToolRun run = runTool(arguments);
+        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_TRUE(contains(run.errors, said));
+    }
+    EXPECT_EQ(readSound(folder.file("cut-out.wav")).info.frames, 1000);
+}
+
+// Float pass-through keeps every sample of 1e-32 and more as it is, beyond full scale too; the
+// plug-in's filters turn smaller ones, -0.0 and non-numbers into +0.0.
+TEST(RenderTool, FloatPassThroughKeepsWhatTheReadmeSays)
+{
+    const std::pair<float, float> cases[] = {{1e-31f, 1e-31f}, {-3.5f, -3.5f},  {0.123456789f, 0.123456789f},
+                                             {1e-33f, 0.0f},   {-0.0f, 0.0f},   {1e-40f, 0.0f},
+                                             {NAN, 0.0f},      {INFINITY, 0.0f}};
+    std::vector<float> samples;
+    for (const auto& [input, output] : cases)
+        samples.push_back(input);
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), samples, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 1);
+    ASSERT_EQ(runTool({"--set", "EQ=Out", folder.file("in.wav"), folder.file("out.wav")}).exitCode, 0);
+    const Sound output = readSound(folder.file("out.wav"));
+    ASSERT_EQ(output.samples.size(), std::size(cases));
+    for (size_t index = 0; index < std::size(cases); ++index)
+    {
+        EXPECT_EQ(output.samples[index], cases[index].second) << cases[index].first;
+        EXPECT_EQ(std::signbit(output.samples[index]), std::signbit(cases[index].second))
+            << cases[index].first;
+    }
+}
+
+struct MetadataCase
+{
+    const char* name;
+    int format;
+    bool broadcast; // the container holds a broadcast extension and cue points
+};
+
+class RenderToolMetadata : public testing::TestWithParam<MetadataCase>
+{
+};
+
+// Text tags, the broadcast extension and cue points come through where the output can hold them.
+TEST_P(RenderToolMetadata, IsCarriedOver)
+{
+    ScratchFolder folder;
+    const std::vector<float> signal = busySignal(0.2, 48000, 2);
+    SF_INFO info = {};
+    info.samplerate = 48000;
+    info.channels = 2;
+    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
+    SNDFILE* file = sf_open(folder.file("in.wav").c_str(), SFM_WRITE, &info);
+    ASSERT_NE(file, nullptr);
+    SF_BROADCAST_INFO broadcast = {};
+    std::strcpy(broadcast.description, "Final mix");
+    broadcast.time_reference_low = 96000;
+    sf_command(file, SFC_SET_BROADCAST_INFO, &broadcast, sizeof(broadcast));
+    SF_CUES cues = {};
+    cues.cue_count = 1;
+    cues.cue_points[0].indx = 7;
+    cues.cue_points[0].position = 4800;
+    cues.cue_points[0].fcc_chunk = 0x61746164; // "data"
+    cues.cue_points[0].sample_offset = 4800;
+    sf_command(file, SFC_SET_CUE, &cues, sizeof(cues));
+    sf_set_string(file, SF_STR_TITLE, "Only copy");
+    sf_set_string(file, SF_STR_ARTIST, "Engineer");
+    sf_writef_float(file, signal.data(), static_cast<sf_count_t>(signal.size() / 2));
+    sf_close(file);
+
+    const std::string output = folder.file(std::string("out.") + GetParam().name);
+    ASSERT_EQ(runTool({folder.file("in.wav"), output}).exitCode, 0);
+    file = sf_open(output.c_str(), SFM_READ, &info);
+    ASSERT_NE(file, nullptr);
+    EXPECT_STREQ(sf_get_string(file, SF_STR_TITLE), "Only copy");
+    EXPECT_STREQ(sf_get_string(file, SF_STR_ARTIST), "Engineer");
+    SF_BROADCAST_INFO readBroadcast = {};
+    SF_CUES readCues = {};
+    const bool hasBroadcast =
+        sf_command(file, SFC_GET_BROADCAST_INFO, &readBroadcast, sizeof(readBroadcast)) == SF_TRUE;
+    const bool hasCues = sf_command(file, SFC_GET_CUE, &readCues, sizeof(readCues)) == SF_TRUE;
+    EXPECT_EQ(hasBroadcast, GetParam().broadcast);
+    EXPECT_EQ(hasCues, GetParam().broadcast);
+    if (GetParam().broadcast)
+    {
+        EXPECT_STREQ(readBroadcast.description, "Final mix");
+        EXPECT_EQ(readBroadcast.time_reference_low, 96000u);
+        ASSERT_EQ(readCues.cue_count, 1u);
+        EXPECT_EQ(readCues.cue_points[0].sample_offset, 4800u);
+    }
+    sf_close(file);
+}
+
+INSTANTIATE_TEST_SUITE_P(Containers, RenderToolMetadata,
+                         testing::Values(MetadataCase{"wav", SF_FORMAT_WAV, true},
+                                         MetadataCase{"flac", SF_FORMAT_FLAC, false}),
+                         [](const testing::TestParamInfo<MetadataCase>& info) { return info.param.name; });
 
 // The plug-in may also be given as its bundle folder.
 TEST(RenderTool, HelpAndListsNeedNoFiles)
