@@ -79,9 +79,10 @@ TEST(RenderArguments, RefusesBadCommandLines)
 TEST(RenderArguments, HelpShowsEveryOptionAndAnExample)
 {
     const std::string help = helpText("velmoran-render");
-    for (const char* option : {"--preset", "--set", "--load-state", "--save-state", "--block-size",
-                               "--plugin", "--response", "--format", "--sample-format", "--list-parameters",
-                               "--list-presets", "velmoran-render --preset 3 mix.wav mix-nv3.wav"})
+    for (const char* option :
+         {"--preset", "--set", "--load-state", "--save-state", "--block-size", "--plugin", "--response",
+          "--format", "--sample-format", "--list-parameters", "--list-presets", "--dither tpdf|none",
+          "--allow-truncated", "standard output", "velmoran-render --preset 3 mix.wav mix-nv3.wav"})
         EXPECT_TRUE(contains(help, option));
 }
 
