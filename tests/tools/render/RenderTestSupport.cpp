@@ -3,6 +3,7 @@
 #include "tools/render/AtomicFile.h"
 
 #include <fcntl.h>
+#include <pty.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -178,29 +179,59 @@ bool holdsTemporaryFile(const ScratchFolder& folder)
 
 } // namespace
 
-int interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
-                  const std::vector<char>& feed, const ScratchFolder& folder, int signal)
+ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
+                      const std::vector<char>& feed, const ScratchFolder& folder, int signal)
 {
-    std::vector<std::string> words = {renderToolPath, "--plugin", renderModulePath, "-q"};
+    std::vector<std::string> words = {renderToolPath, "--plugin", renderModulePath};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
+    // Standard error on a terminal, where the progress bar shows.
+    int terminal = -1;
+    int terminalSide = -1;
+    if (openpty(&terminal, &terminalSide, nullptr, nullptr, nullptr) != 0)
+        return {};
+    fcntl(terminal, F_SETFL, O_NONBLOCK);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, terminalSide, STDERR_FILENO);
     pid_t child = 0;
-    if (posix_spawn(&child, renderToolPath.c_str(), nullptr, nullptr, argv.data(), environ) != 0)
-        return -1;
+    const bool spawned =
+        posix_spawn(&child, renderToolPath.c_str(), &actions, nullptr, argv.data(), environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    close(terminalSide);
+    ToolRun run;
+    const auto readTerminal = [&]
+    {
+        char buffer[4096];
+        for (ssize_t got; (got = read(terminal, buffer, sizeof(buffer))) > 0;)
+            run.errors.append(buffer, static_cast<size_t>(got));
+    };
     int pipe = -1;
     // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
-    waitFor([&] { return (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
+    waitFor([&] { return !spawned || (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
     const bool fed = pipe >= 0 && write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size());
-    const bool started = fed && waitFor([&] { return holdsTemporaryFile(folder); });
-    kill(child, signal);
-    int status = 0;
-    waitpid(child, &status, 0);
+    const bool rendering = fed && waitFor(
+                                      [&]
+                                      {
+                                          readTerminal();
+                                          return holdsTemporaryFile(folder) &&
+                                                 run.errors.find("Rendering [") != std::string::npos;
+                                      });
+    if (spawned)
+    {
+        kill(child, signal);
+        int status = 0;
+        waitpid(child, &status, 0);
+        run.exitCode = rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    readTerminal();
     if (pipe >= 0)
         close(pipe);
-    return started && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    close(terminal);
+    return run;
 }
 
 } // namespace velmoran::test

@@ -193,7 +193,7 @@ struct BadRun
     const char* message;                // "@" stands for the scratch folder
     int exitCode;
     Preparation prepare = nullptr;
-    int signal = 0; // sent while the job renders from the pipe feed.wav
+    int signal = 0; // sent while the job renders from the pipe feed.wav with a progress bar
 };
 
 // The first count bytes of in.wav as name.
@@ -247,8 +247,12 @@ TEST_P(RenderToolRefuses, WithAClearMessageAndNoOutputFile)
     if (const size_t at = message.find('@'); at != std::string::npos)
         message.replace(at, 1, folder.file(""));
     if (GetParam().signal)
-        EXPECT_EQ(interruptTool(arguments, folder.file("feed.wav"), partialFeed(), folder, GetParam().signal),
-                  GetParam().exitCode);
+    {
+        const ToolRun run =
+            interruptTool(arguments, folder.file("feed.wav"), partialFeed(), folder, GetParam().signal);
+        EXPECT_EQ(run.exitCode, GetParam().exitCode);
+        EXPECT_TRUE(!run.errors.empty() && run.errors.back() == '\n') << "the progress line is left open";
+    }
     else
     {
         const bool givesPlugin = std::find(arguments.begin(), arguments.end(), "--plugin") != arguments.end();
