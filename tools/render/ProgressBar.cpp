@@ -55,9 +55,10 @@ void ProgressBar::update(int64_t done)
         return;
     }
     mLastDraw = now;
+    // Open before the first character is out, so an interruption at any point ends the line.
+    setProgressLineOpen(mStream, true);
     std::fprintf(mStream, "\r%s", progressLine(mLabel, done, mTotal, kBarWidth).c_str());
     std::fflush(mStream);
-    setProgressLineOpen(mStream, true);
 }
 
 void ProgressBar::finish()

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -203,11 +204,14 @@ ToolRun interruptTool(const std::vector<std::string>& arguments, const std::stri
     posix_spawn_file_actions_destroy(&actions);
     close(terminalSide);
     ToolRun run;
+    // Reads what the terminal holds; true once the tool's side is closed and everything was read.
     const auto readTerminal = [&]
     {
         char buffer[4096];
-        for (ssize_t got; (got = read(terminal, buffer, sizeof(buffer))) > 0;)
+        ssize_t got = 0;
+        while ((got = read(terminal, buffer, sizeof(buffer))) > 0)
             run.errors.append(buffer, static_cast<size_t>(got));
+        return got < 0 && errno == EIO;
     };
     int pipe = -1;
     // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
@@ -227,7 +231,7 @@ ToolRun interruptTool(const std::vector<std::string>& arguments, const std::stri
         waitpid(child, &status, 0);
         run.exitCode = rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
-    readTerminal();
+    waitFor(readTerminal);
     if (pipe >= 0)
         close(pipe);
     close(terminal);
