@@ -12,8 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -183,35 +181,15 @@ TEST(RenderTool, SavedStateRendersIdenticallyAtAnyBlockSize)
     EXPECT_NE(firstOutput.samples, readSound(folder.file("in.wav")).samples);
 }
 
-// Files a hostile case sets up beside in.wav, the only copy of a mix.
-using Preparation = void (*)(const ScratchFolder&);
-
 struct BadRun
 {
     const char* name;
     std::vector<std::string> arguments; // "@name" is a file in the scratch folder, "%name" the same relative
     const char* message;                // "@" stands for the scratch folder
     int exitCode;
-    Preparation prepare = nullptr;
-    int signal = 0; // sent while the job renders from the pipe feed.wav with a progress bar
+    const char* setUp = ""; // shell commands run in the scratch folder beside in.wav and in.aiff
+    int signal = 0;         // sent while the job renders from the pipe feed.wav with a progress bar
 };
-
-// The first count bytes of in.wav as name.
-void cutInput(const ScratchFolder& folder, const std::string& name, size_t count)
-{
-    const std::vector<char> bytes = readFileBytes(folder.file("in.wav"));
-    writeFileBytes(folder.file(name), std::vector<char>(bytes.begin(), bytes.begin() + count));
-}
-
-// A state of 69 values of 0.5 with one value replaced, as bytes.
-std::vector<char> stateWith(size_t index, float value, size_t count = 69)
-{
-    std::vector<float> values(count, 0.5f);
-    values[index] = value;
-    std::vector<char> bytes(count * sizeof(float));
-    std::memcpy(bytes.data(), values.data(), bytes.size());
-    return bytes;
-}
 
 // A WAV header promising ten seconds, with a little of the promised audio.
 std::vector<char> partialFeed()
@@ -227,14 +205,16 @@ class RenderToolRefuses : public testing::TestWithParam<BadRun>
 {
 };
 
-// Whatever the command line, the input is never touched and nothing is left behind.
+// Whatever the command line, in.wav, the only copy of a mix, is never touched and nothing is left
+// behind.
 TEST_P(RenderToolRefuses, WithAClearMessageAndNoOutputFile)
 {
     ScratchFolder folder;
     writeSound(folder.file("in.wav"), sine(440.0, -12.0, 0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
                48000, 2);
-    if (GetParam().prepare)
-        GetParam().prepare(folder);
+    writeSound(folder.file("in.aiff"), sine(440.0, -12.0, 0.2, 48000, 2), SF_FORMAT_AIFF | SF_FORMAT_PCM_24,
+               48000, 2);
+    ASSERT_EQ(std::system(("cd " + folder.file("") + " && " + GetParam().setUp + " true").c_str()), 0);
     const std::vector<char> mix = readFileBytes(folder.file("in.wav"));
     const std::vector<std::string> before = folder.names();
     std::vector<std::string> arguments;
@@ -291,17 +271,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{"OutputIsInputRelative", {"@in.wav", "%in.wav"}, "is the same file as the input", 2},
         BadRun{"InputIsOutputRelative", {"%in.wav", "@in.wav"}, "is the same file as the input", 2},
         BadRun{"OutputLinksToInput",
-               {"@in.wav", "@link.wav"},
-               "the output '@link.wav' is the same file as the input",
+               {"@in.wav", "@x"},
+               "the output '@x' is the same file as the input",
                2,
-               [](const ScratchFolder& folder)
-               { symlink(folder.file("in.wav").c_str(), folder.file("link.wav").c_str()); }},
-        BadRun{"OutputIsHardLink",
-               {"@in.wav", "@hard.wav"},
-               "is the same file as the input",
-               2,
-               [](const ScratchFolder& folder)
-               { link(folder.file("in.wav").c_str(), folder.file("hard.wav").c_str()); }},
+               "ln -s in.wav x &&"},
+        BadRun{"OutputIsHardLink", {"@in.wav", "@x"}, "is the same file as the input", 2, "ln in.wav x &&"},
         BadRun{"SavedStateOverInput",
                {"--save-state", "@in.wav", "@in.wav", "@out.wav"},
                "the state to save '@in.wav' is the same file as the input",
@@ -315,84 +289,60 @@ INSTANTIATE_TEST_SUITE_P(
                {"--save-state", "@./out.wav", "@in.wav", "@out.wav"},
                "same file as the output",
                2},
-        // Devices and links like /dev/null and /dev/stdout, made in the scratch folder so that a
-        // failing tool run as root cannot replace the machine's own.
+        // Devices and links like /dev/null and /dev/stdout are made here, so that a failing tool run
+        // as root cannot replace the machine's own; without the right to make devices a pipe stands in.
         BadRun{"DeviceOutput",
-               {"@in.wav", "@null"},
-               "will not replace '@null': it is a ",
+               {"@in.wav", "@x"},
+               "will not replace '@x': it is a ",
                2,
-               [](const ScratchFolder& folder)
-               {
-                   // Without the right to make devices, a pipe stands in.
-                   const std::string path = folder.file("null");
-                   ASSERT_TRUE(mknod(path.c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0 ||
-                               mkfifo(path.c_str(), 0600) == 0);
-               }},
+               "{ mknod x c 1 3 || mkfifo x; } 2>/dev/null &&"},
         BadRun{"LinkToStandardOutput",
-               {"@in.wav", "@stdout"},
-               "will not replace '@stdout': it is a symbolic link",
+               {"@in.wav", "@x"},
+               "will not replace '@x': it is a symbolic link",
                2,
-               [](const ScratchFolder& folder)
-               { symlink("/proc/self/fd/1", folder.file("stdout").c_str()); }},
-        BadRun{"FolderOutput",
-               {"@in.wav", "@folder"},
-               "it is a folder",
-               2,
-               [](const ScratchFolder& folder) { std::filesystem::create_directory(folder.file("folder")); }},
+               "ln -s /proc/self/fd/1 x &&"},
+        BadRun{"FolderOutput", {"@in.wav", "@x"}, "it is a folder", 2, "mkdir x &&"},
         BadRun{"TruncatedWav",
-               {"@cut.wav", "@out.wav"},
-               "'@cut.wav' is truncated: its header promises 38400 bytes of samples, the file holds 956",
+               {"@x", "@out.wav"},
+               "'@x' is truncated: its header promises 38400 bytes of samples, the file holds 956",
                1,
-               [](const ScratchFolder& folder) { cutInput(folder, "cut.wav", 1000); }},
+               "head -c 1000 in.wav >x &&"},
         BadRun{"HeaderOnlyWav",
-               {"@cut.wav", "@out.wav"},
+               {"@x", "@out.wav"},
                "the file holds 0 (--allow-truncated",
                1,
-               [](const ScratchFolder& folder) { cutInput(folder, "cut.wav", 44); }},
-        BadRun{"TruncatedAiff",
-               {"@cut.aiff", "@out.aiff"},
-               "'@cut.aiff' is truncated",
-               1,
-               [](const ScratchFolder& folder)
-               {
-                   writeSound(folder.file("whole.aiff"), sine(440.0, -12.0, 0.2, 48000, 2),
-                              SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 48000, 2);
-                   const std::vector<char> bytes = readFileBytes(folder.file("whole.aiff"));
-                   writeFileBytes(folder.file("cut.aiff"),
-                                  std::vector<char>(bytes.begin(), bytes.end() - 3000));
-               }},
+               "head -c 44 in.wav >x &&"},
+        BadRun{"TruncatedAiff", {"@x", "@out.aiff"}, "'@x' is truncated", 1, "head -c 20000 in.aiff >x &&"},
         BadRun{
-            "StateOfRandomBytes",
+            "StateOfAWavFile",
             {"--load-state", "@in.wav", "@in.wav", "@out.wav"},
             "cannot load the state '@in.wav': it holds more than 276 bytes; a saved state holds exactly 276",
             1},
         BadRun{"StateTooShort",
-               {"--load-state", "@short.state", "@in.wav", "@out.wav"},
-               "it holds 272 bytes",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "'@x': it holds 272 bytes",
                1,
-               [](const ScratchFolder& folder)
-               { writeFileBytes(folder.file("short.state"), stateWith(0, 0.5f, 68)); }},
+               "head -c 272 /dev/zero >x &&"},
         BadRun{"StateEndless",
                {"--load-state", "/dev/zero", "@in.wav", "@out.wav"},
                "'/dev/zero': it holds more than 276",
                1},
         BadRun{"StateFolder",
-               {"--load-state", "@folder", "@in.wav", "@out.wav"},
-               "cannot read '@folder': Is a directory",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "cannot read '@x': Is a directory",
                1,
-               [](const ScratchFolder& folder) { std::filesystem::create_directory(folder.file("folder")); }},
+               "mkdir x &&"},
+        // Little-endian floats: a NaN as the third value, 2.0 as the last.
         BadRun{"StateNotANumber",
-               {"--load-state", "@nan.state", "@in.wav", "@out.wav"},
-               "'@nan.state': value 3 is not a number",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "'@x': value 3 is not a number",
                1,
-               [](const ScratchFolder& folder)
-               { writeFileBytes(folder.file("nan.state"), stateWith(2, std::nanf(""))); }},
+               "head -c 8 /dev/zero >x && printf '\\000\\000\\300\\177' >>x && head -c 264 /dev/zero >>x &&"},
         BadRun{"StateOutOfRange",
-               {"--load-state", "@big.state", "@in.wav", "@out.wav"},
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
                "value 69 is 2.000000; every value of a saved state lies in 0..1",
                1,
-               [](const ScratchFolder& folder)
-               { writeFileBytes(folder.file("big.state"), stateWith(68, 2.0f)); }},
+               "head -c 272 /dev/zero >x && printf '\\000\\000\\000\\100' >>x &&"},
         BadRun{"EmptyInput", {"", "@out.wav"}, "an empty file name", 2},
         BadRun{"EmptyState",
                {"--load-state", "", "@in.wav", "@out.wav"},
@@ -406,18 +356,8 @@ INSTANTIATE_TEST_SUITE_P(
                "--preset is given twice",
                2},
         BadRun{"SoloOfNoBand", {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02", 2},
-        BadRun{"CtrlC",
-               {"@feed.wav", "@out.wav"},
-               "",
-               130,
-               [](const ScratchFolder& folder) { mkfifo(folder.file("feed.wav").c_str(), 0600); },
-               SIGINT},
-        BadRun{"Terminated",
-               {"@feed.wav", "@out.wav"},
-               "",
-               143,
-               [](const ScratchFolder& folder) { mkfifo(folder.file("feed.wav").c_str(), 0600); },
-               SIGTERM}),
+        BadRun{"CtrlC", {"@feed.wav", "@out.wav"}, "", 130, "mkfifo feed.wav &&", SIGINT},
+        BadRun{"Terminated", {"@feed.wav", "@out.wav"}, "", 143, "mkfifo feed.wav &&", SIGTERM}),
     [](const testing::TestParamInfo<BadRun>& info) { return info.param.name; });
 
 // A replaced output keeps its permissions; "-" writes the same file to standard output.
