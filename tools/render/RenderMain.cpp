@@ -94,9 +94,10 @@ void plotResponse(VST3::Hosting::Module& module, const std::string& modulePath, 
 }
 
 // Refuses a job that would overwrite one of its own files, before anything is read or written.
-void checkFilesOf(const RenderRequest& request)
+void checkFilesOf(const RenderRequest& request, const std::string& modulePath)
 {
-    checkJobFiles({{"the input", request.inputPath, false},
+    checkJobFiles({{"the plug-in", modulePath, false},
+                   {"the input", request.inputPath, false},
                    {"the state to load", request.loadStatePath, false},
                    {"the output", request.outputPath, true},
                    {"the state to save", request.saveStatePath, true},
@@ -210,14 +211,14 @@ int run(const std::vector<std::string>& arguments, const std::string& programPat
         std::fputs(helpText(kProgramName).c_str(), stdout);
         return 0;
     }
-    checkFilesOf(request);
+    const std::string modulePath =
+        request.pluginPath.empty() ? defaultModulePath(programPath) : moduleFileOf(request.pluginPath);
+    checkFilesOf(request, modulePath);
     if (!request.demoSignalPath.empty())
     {
         writeDemoSignal(request.demoSignalPath, request.quiet);
         return 0;
     }
-    const std::string modulePath =
-        request.pluginPath.empty() ? defaultModulePath(programPath) : moduleFileOf(request.pluginPath);
     const auto module = loadModule(modulePath);
     if (request.listPresets || request.listParameters)
     {
