@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <functional>
 
 namespace velmoran::render
 {
@@ -61,6 +62,33 @@ bool isReadableMajor(int major)
 bool isFloatSubtype(int subtype)
 {
     return subtype == SF_FORMAT_FLOAT || subtype == SF_FORMAT_DOUBLE;
+}
+
+// Bits of an integer encoding's samples.
+int integerBits(int format)
+{
+    switch (format & SF_FORMAT_SUBMASK)
+    {
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_U8:
+        return 8;
+    case SF_FORMAT_PCM_16:
+        return 16;
+    case SF_FORMAT_PCM_24:
+        return 24;
+    default:
+        return 32;
+    }
+}
+
+// Copies one block of metadata that libsndfile reads and writes with a pair of commands.
+template <typename Block> void copyBlock(SNDFILE* from, SNDFILE* to, int getCommand, int setCommand)
+{
+    Block block = {};
+    if (sf_command(from, getCommand, &block, sizeof(block)) == SF_TRUE)
+    {
+        sf_command(to, setCommand, &block, sizeof(block));
+    }
 }
 
 std::string containerText(int format)
@@ -134,15 +162,20 @@ std::optional<Container> containerNamed(const std::string& name)
     return std::nullopt;
 }
 
-std::optional<Container> containerOfPath(const std::string& path)
+std::string extensionOf(const std::string& path)
 {
     const size_t dot = path.find_last_of('.');
     const size_t slash = path.find_last_of('/');
     if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
     {
-        return std::nullopt;
+        return {};
     }
-    return containerNamed(path.substr(dot + 1));
+    return path.substr(dot + 1);
+}
+
+std::optional<Container> containerOfPath(const std::string& path)
+{
+    return containerNamed(extensionOf(path));
 }
 
 std::optional<Encoding> encodingNamed(const std::string& name)
@@ -193,6 +226,16 @@ std::string formatDescription(int format)
 bool clipsAtFullScale(int format)
 {
     return !isFloatSubtype(format & SF_FORMAT_SUBMASK);
+}
+
+bool holdsDoublePrecision(int format)
+{
+    return (format & SF_FORMAT_SUBMASK) == SF_FORMAT_DOUBLE;
+}
+
+Dither defaultDither(int format)
+{
+    return clipsAtFullScale(format) && integerBits(format) <= 16 ? Dither::tpdf : Dither::none;
 }
 
 AudioReader::AudioReader(const std::string& path) : mPath(path), mHandle(std::make_unique<Handle>())
@@ -256,7 +299,7 @@ int64_t AudioReader::read(std::vector<float>& interleaved, int64_t frames)
     return got;
 }
 
-AudioWriter::AudioWriter(const std::string& path, const AudioInfo& info)
+AudioWriter::AudioWriter(const std::string& path, const AudioInfo& info, Dither dither)
     : mPath(path), mInfo(info), mHandle(std::make_unique<Handle>())
 {
     mHandle->target = std::make_unique<AtomicFile>(path);
@@ -270,10 +313,29 @@ AudioWriter::AudioWriter(const std::string& path, const AudioInfo& info)
         throw RenderError("cannot write '" + path + "' as " + formatDescription(info.format) + ": " +
                           sf_strerror(nullptr));
     }
-    // Integer encodings clip at full scale instead of wrapping round; the inverse of the reader's
-    // scaling, so an unchanged sample is written back bit for bit.
-    sf_command(mHandle->file, SFC_SET_NORM_FLOAT, nullptr, SF_TRUE);
-    sf_command(mHandle->file, SFC_SET_CLIPPING, nullptr, SF_TRUE);
+    // libsndfile's own float-to-integer conversion rounds 16- and 24-bit samples downwards, so
+    // integer encodings get their steps from the quantiser; float samples pass as they are.
+    if (clipsAtFullScale(info.format))
+    {
+        mQuantiser = std::make_unique<SampleQuantiser>(integerBits(info.format), dither);
+    }
+}
+
+void AudioWriter::copyMetadataFrom(const AudioReader& reader)
+{
+    SNDFILE* from = reader.mHandle->file;
+    SNDFILE* to = mHandle->file;
+    for (int kind = SF_STR_FIRST; kind <= SF_STR_LAST; ++kind)
+    {
+        if (const char* text = sf_get_string(from, kind))
+        {
+            sf_set_string(to, kind, text);
+        }
+    }
+    copyBlock<SF_BROADCAST_INFO>(from, to, SFC_GET_BROADCAST_INFO, SFC_SET_BROADCAST_INFO);
+    copyBlock<SF_CART_INFO>(from, to, SFC_GET_CART_INFO, SFC_SET_CART_INFO);
+    copyBlock<SF_CUES>(from, to, SFC_GET_CUE, SFC_SET_CUE);
+    copyBlock<SF_INSTRUMENT>(from, to, SFC_GET_INSTRUMENT, SFC_SET_INSTRUMENT);
 }
 
 AudioWriter::~AudioWriter()
@@ -294,7 +356,14 @@ void AudioWriter::write(const float* interleaved, int64_t frames)
             ++mOvers;
         }
     }
-    if (sf_writef_float(mHandle->file, interleaved, frames) != frames)
+    if (mQuantiser)
+    {
+        mSteps.resize(static_cast<size_t>(samples));
+        std::transform(interleaved, interleaved + samples, mSteps.begin(), std::ref(*mQuantiser));
+    }
+    const sf_count_t written = mQuantiser ? sf_writef_int(mHandle->file, mSteps.data(), frames)
+                                          : sf_writef_float(mHandle->file, interleaved, frames);
+    if (written != frames)
     {
         throw RenderError("cannot write '" + mPath + "': " + sf_strerror(mHandle->file));
     }

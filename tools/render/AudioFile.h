@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SampleQuantiser.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -39,6 +41,8 @@ struct AudioInfo
 
 // The container named by a word ("wav", "aiff", "aif", "flac"), none for any other word.
 std::optional<Container> containerNamed(const std::string& name);
+// The extension of a file name without its dot ("wav"), empty when it has none.
+std::string extensionOf(const std::string& path);
 // The container a file name's extension stands for, none when it stands for none of them.
 std::optional<Container> containerOfPath(const std::string& path);
 // The encoding named by a word ("16", "24", "32", "float"), none for any other word.
@@ -50,6 +54,11 @@ int outputFormat(int inputFormat, std::optional<Container> container, std::optio
 std::string formatDescription(int format);
 // Whether a format's samples stop at full scale (integer encodings); float encodings go beyond.
 bool clipsAtFullScale(int format);
+// Whether a format holds 64-bit float samples, more precise than the plug-in's 32-bit ones.
+bool holdsDoublePrecision(int format);
+// The dither an output of a format gets unless asked otherwise: TPDF for 16 bits and fewer, where
+// the rounding error is audible, none for 24 bits and more and for float.
+Dither defaultDither(int format);
 
 // Reads a WAV, AIFF or FLAC file, mono or stereo, as interleaved floats in -1..1.
 class AudioReader
@@ -69,6 +78,8 @@ public:
     int64_t read(std::vector<float>& interleaved, int64_t frames);
 
 private:
+    friend class AudioWriter;
+
     std::string mPath;
     AudioInfo mInfo;
     struct Handle;
@@ -76,17 +87,22 @@ private:
 };
 
 // Writes a sound file from interleaved floats under a temporary name; it appears under its own
-// name only on commit(). Integer encodings clip at full scale; the clipped samples are counted.
+// name only on commit(). Integer encodings round to the nearest step, after dither if asked, and
+// clip at full scale; the clipped samples are counted. Float encodings take the samples as they are.
 class AudioWriter
 {
 public:
     // Opens a temporary file beside path for the given format, rate and channels; throws
     // RenderError naming path when it cannot be written.
-    AudioWriter(const std::string& path, const AudioInfo& info);
+    AudioWriter(const std::string& path, const AudioInfo& info, Dither dither = Dither::none);
     ~AudioWriter();
     AudioWriter(const AudioWriter&) = delete;
     AudioWriter& operator=(const AudioWriter&) = delete;
 
+    // Copies what libsndfile carries of a file's metadata and the output's container holds: text
+    // tags, the broadcast extension, the cart chunk, cue points and instrument data. Call before
+    // the first write.
+    void copyMetadataFrom(const AudioReader& reader);
     // Appends frames frames of interleaved samples; throws RenderError on a write error.
     void write(const float* interleaved, int64_t frames);
     // Closes the file and gives it its name; throws RenderError when that fails.
@@ -99,6 +115,8 @@ private:
     AudioInfo mInfo;
     struct Handle;
     std::unique_ptr<Handle> mHandle;
+    std::unique_ptr<SampleQuantiser> mQuantiser;
+    std::vector<int32_t> mSteps;
     int64_t mOvers = 0;
 };
 

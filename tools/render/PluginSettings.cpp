@@ -1,7 +1,7 @@
 #include "PluginSettings.h"
 
-#include "AtomicFile.h"
 #include "RenderError.h"
+#include "StateFile.h"
 #include "plugin/PlugProgram.h"
 
 #include "pluginterfaces/base/ustring.h"
@@ -27,6 +27,9 @@ constexpr int kTextSamples = 2000;
 constexpr size_t kMostNames = 24;
 // Values are shown with two decimals: a typed number may stray this far beyond the ends.
 constexpr double kRangeTolerance = 0.0051;
+// The title of the listen band's parameter, and how the titles of the bands' filter types end.
+constexpr const char* kSoloTitle = "Solo";
+constexpr const char* kBandTypeTitleEnd = " filt type";
 
 std::string asciiOf(const TChar* text)
 {
@@ -146,11 +149,40 @@ AllowedValues ParameterCatalogue::allowedValues(const ParameterEntry& entry) con
     }
     if (distinct.size() <= kMostNames)
     {
-        allowed.names = distinct;
+        for (const std::string& name : distinct)
+        {
+            if (isSettable(entry, name))
+            {
+                allowed.names.push_back(name);
+            }
+        }
     }
     allowed.lowest = text(entry.tag, 0.0);
     allowed.highest = text(entry.tag, 1.0);
     return allowed;
+}
+
+bool ParameterCatalogue::isSettable(const ParameterEntry& entry, const std::string& name) const
+{
+    String128 string = {};
+    UString(string, 128).fromAscii(name.c_str());
+    ParamValue value = 0.0;
+    if (mController.getParamValueByString(entry.tag, string, value) != kResultOk ||
+        text(entry.tag, value) != name)
+    {
+        return false;
+    }
+    // The listen band's texts go up to 12, but only the bands there are can be listened to.
+    double band = 0.0;
+    return !sameText(entry.title, kSoloTitle) || !leadingNumber(name, band) || band <= bandCount();
+}
+
+int ParameterCatalogue::bandCount() const
+{
+    return static_cast<int>(
+        std::count_if(mEntries.begin(), mEntries.end(),
+                      [](const ParameterEntry& entry)
+                      { return lowered(entry.title).find(kBandTypeTitleEnd) != std::string::npos; }));
 }
 
 ParamValue ParameterCatalogue::valueOf(const ParameterEntry& entry, const std::string& valueText) const
@@ -160,7 +192,9 @@ ParamValue ParameterCatalogue::valueOf(const ParameterEntry& entry, const std::s
     String128 string = {};
     UString(string, 128).fromAscii(wanted.c_str());
     ParamValue value = 0.0;
-    if (mController.getParamValueByString(entry.tag, string, value) != kResultOk)
+    if (mController.getParamValueByString(entry.tag, string, value) != kResultOk ||
+        (!allowed.names.empty() && std::find(allowed.names.begin(), allowed.names.end(),
+                                             text(entry.tag, value)) == allowed.names.end()))
     {
         throw usageError(quoted(wanted) + " is not a value of " + quoted(entry.title) + ": give " +
                          (allowed.names.empty() ? "a value " : "") + allowed.describe());
@@ -252,7 +286,7 @@ void applySettings(RenderHost& host, const RenderRequest& request)
     std::vector<char> state;
     if (!request.loadStatePath.empty())
     {
-        state = readFileBytes(request.loadStatePath);
+        state = readStateFile(request.loadStatePath);
     }
     int program = -1;
     const ParameterEntry* programEntry = catalogue.programParameter();

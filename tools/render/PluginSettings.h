@@ -46,7 +46,7 @@ public:
     const ParameterEntry& find(const std::string& title) const;
     // The text the plug-in shows for a normalised value, without padding blanks or line breaks.
     std::string text(ParamID tag, ParamValue value) const;
-    // The values a parameter takes.
+    // The values a parameter takes: exactly the texts valueOf accepts.
     AllowedValues allowedValues(const ParameterEntry& entry) const;
     // The normalised value of a text for a parameter; throws a usage RenderError naming the
     // allowed values when the text is none of them or lies outside the range.
@@ -55,6 +55,11 @@ public:
     const ParameterEntry* programParameter() const;
 
 private:
+    // Whether a text the plug-in shows can be set: it reads back as itself and means something.
+    bool isSettable(const ParameterEntry& entry, const std::string& name) const;
+    // The number of bands, from the titles of their filter types.
+    int bandCount() const;
+
     Steinberg::Vst::IEditController& mController;
     std::vector<ParameterEntry> mEntries;
 };

@@ -1,5 +1,7 @@
 #include "ProgressBar.h"
 
+#include "Interruption.h"
+
 #include <algorithm>
 #include <unistd.h>
 
@@ -37,6 +39,7 @@ ProgressBar::~ProgressBar()
     if (mEnabled && !mFinished)
     {
         std::fputc('\n', mStream);
+        setProgressLineOpen(mStream, false);
     }
 }
 
@@ -52,6 +55,8 @@ void ProgressBar::update(int64_t done)
         return;
     }
     mLastDraw = now;
+    // Open before the first character is out, so an interruption at any point ends the line.
+    setProgressLineOpen(mStream, true);
     std::fprintf(mStream, "\r%s", progressLine(mLabel, done, mTotal, kBarWidth).c_str());
     std::fflush(mStream);
 }
@@ -64,6 +69,7 @@ void ProgressBar::finish()
     }
     std::fprintf(mStream, "\r%s\n", progressLine(mLabel, mTotal, mTotal, kBarWidth).c_str());
     std::fflush(mStream);
+    setProgressLineOpen(mStream, false);
     mFinished = true;
 }
 

@@ -4,12 +4,15 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <set>
 
 namespace velmoran::render
 {
 
 namespace
 {
+
+constexpr const char* kWrittenContainers = "wav, aiff or flac";
 
 // An integer argument within [low, high]; throws a usage error naming the option otherwise.
 int integerOption(const std::string& option, const std::string& text, int low, int high)
@@ -34,6 +37,19 @@ ParameterAssignment assignmentOf(const std::string& text)
                          "'");
     }
     return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+Dither ditherNamed(const std::string& value)
+{
+    if (value == "tpdf")
+    {
+        return Dither::tpdf;
+    }
+    if (value == "none")
+    {
+        return Dither::none;
+    }
+    throw usageError("--dither takes tpdf or none, not '" + value + "'");
 }
 
 // Options that take a value, and the field each one fills.
@@ -76,7 +92,7 @@ void applyOption(RenderRequest& request, const std::string& option, const std::s
         request.container = containerNamed(value);
         if (!request.container)
         {
-            throw usageError("--format takes wav, aiff or flac, not '" + value + "'");
+            throw usageError("--format takes " + std::string(kWrittenContainers) + ", not '" + value + "'");
         }
     }
     else if (option == "--sample-format")
@@ -87,6 +103,10 @@ void applyOption(RenderRequest& request, const std::string& option, const std::s
             throw usageError("--sample-format takes 16, 24, 32 or float, not '" + value + "'");
         }
     }
+    else if (option == "--dither")
+    {
+        request.dither = ditherNamed(value);
+    }
     else if (option == "--demo-signal")
     {
         request.demoSignalPath = value;
@@ -95,9 +115,9 @@ void applyOption(RenderRequest& request, const std::string& option, const std::s
 
 bool takesValue(const std::string& option)
 {
-    static const char* const kOptions[] = {"--plugin",     "--preset",        "--set",        "--load-state",
-                                           "--save-state", "--response",      "--block-size", "--rate",
-                                           "--format",     "--sample-format", "--demo-signal"};
+    static const char* const kOptions[] = {"--plugin",     "--preset",        "--set",         "--load-state",
+                                           "--save-state", "--response",      "--block-size",  "--rate",
+                                           "--format",     "--sample-format", "--demo-signal", "--dither"};
     for (const char* known : kOptions)
     {
         if (option == known)
@@ -121,6 +141,10 @@ bool applySwitch(RenderRequest& request, const std::string& option)
     else if (option == "--list-parameters")
     {
         request.listParameters = true;
+    }
+    else if (option == "--allow-truncated")
+    {
+        request.allowTruncated = true;
     }
     else if (option == "--quiet" || option == "-q")
     {
@@ -157,9 +181,11 @@ void checkComplete(const RenderRequest& request, const std::vector<std::string>&
     {
         throw usageError("no input and output file given (velmoran-render --help shows how)");
     }
-    if (files.size() == 2 && files[0] == files[1])
+    const std::string extension = files.size() == 2 ? extensionOf(files[1]) : std::string();
+    if (!request.container && !extension.empty() && !containerNamed(extension))
     {
-        throw usageError("the output '" + files[1] + "' would overwrite the input: choose another name");
+        throw usageError("the output '" + files[1] + "' names a format the tool cannot write: it writes " +
+                         kWrittenContainers + ", not '" + extension + "' (or give --format)");
     }
 }
 
@@ -169,6 +195,7 @@ RenderRequest parseArguments(const std::vector<std::string>& arguments)
 {
     RenderRequest request;
     std::vector<std::string> files;
+    std::set<std::string> given;
     for (size_t index = 0; index < arguments.size(); ++index)
     {
         const std::string& argument = arguments[index];
@@ -192,6 +219,14 @@ RenderRequest parseArguments(const std::vector<std::string>& arguments)
                 }
                 value = arguments[++index];
             }
+            if (value.empty())
+            {
+                throw usageError(option + " needs a value, not an empty one");
+            }
+            if (option != "--set" && !given.insert(option).second)
+            {
+                throw usageError(option + " is given twice; it takes one value");
+            }
             applyOption(request, option, value);
         }
         else if (!hasValue && applySwitch(request, option))
@@ -201,6 +236,10 @@ RenderRequest parseArguments(const std::vector<std::string>& arguments)
         else if (argument.size() > 1 && argument[0] == '-')
         {
             throw usageError("unknown option '" + argument + "' (velmoran-render --help lists the options)");
+        }
+        else if (argument.empty())
+        {
+            throw usageError("an empty file name: give an input and an output file");
         }
         else
         {
@@ -225,7 +264,8 @@ std::string helpText(const std::string& programName)
 Renders a sound file through the Velmoran equaliser, loaded from its VST 3 module the way a
 host loads it. INPUT is a WAV, AIFF or FLAC file, mono or stereo, 16-, 24-, 32-bit or float, at
 any sample rate; OUTPUT gets the same length, rate, channels and format unless asked otherwise.
-The output appears only when it is complete.
+The output appears only when it is complete, and only replaces a regular file that is none of
+the job's other files (compared as files, whatever their names or links).
 
 Settings (applied in this order):
   --load-state FILE     start from a state saved by --save-state
@@ -238,6 +278,11 @@ Settings (applied in this order):
 Output:
   --format wav|aiff|flac        container (default: the output's extension, else the input's)
   --sample-format 16|24|32|float  sample encoding (default: the input's)
+  --dither tpdf|none    triangular noise of one step before integer samples are rounded to
+                        the nearest step (default: tpdf for 16-bit and smaller, else none)
+  -                     as OUTPUT: write to standard output, for example to a pipe:
+                          --format flac in.wav - | other-program
+  --allow-truncated     render what a truncated WAV or AIFF input holds instead of stopping
   --response PLOT.png   plot the measured magnitude response, 20 Hz to 20 kHz, beside the
                         designed curve (needs gnuplot); with no INPUT it is measured at --rate
   --rate HZ             sample rate of a response measured without INPUT (default 48000)
@@ -262,7 +307,8 @@ Examples:
   )" + programName +
            R"( --load-state nv1.state --sample-format float in.wav out.wav
 
-Exit status: 0 when done, 1 when the job failed, 2 for a bad command line.
+Exit status: 0 when done, 1 when the job failed, 2 for a bad command line, 130 or 143 when
+interrupted by Ctrl-C or SIGTERM (the unfinished output is removed).
 )";
 }
 

@@ -35,6 +35,8 @@ struct RenderRequest
     int responseSampleRate = 48000;
     std::optional<Container> container;
     std::optional<Encoding> encoding;
+    std::optional<Dither> dither;
+    bool allowTruncated = false;
     bool quiet = false;
 };
 
@@ -43,7 +45,8 @@ constexpr int kMinBlockSize = 1;
 constexpr int kMaxBlockSize = 8192;
 
 // The request of a command line (arguments without the program name); throws a usage RenderError
-// that names the offending argument.
+// that names the offending argument: an unknown option, an empty value or file name, an option
+// that takes one value given twice, an output whose extension names no format the tool writes.
 RenderRequest parseArguments(const std::vector<std::string>& arguments);
 
 // The text --help prints, for a program called programName.

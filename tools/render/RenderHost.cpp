@@ -108,8 +108,7 @@ void RenderHost::loadState(const std::vector<char>& bytes, const std::string& so
 {
     if (mInstance.component->setState(streamOf(bytes)) != kResultOk)
     {
-        throw RenderError("cannot load the state '" + source + "': the plug-in refused it (" +
-                          std::to_string(bytes.size()) + " bytes; a saved state holds 228 to 276)");
+        throw RenderError("cannot load the state '" + source + "': the plug-in refused it");
     }
     mInstance.controller->setComponentState(streamOf(bytes));
 }

@@ -9,12 +9,13 @@ namespace velmoran::render
 {
 
 RenderSummary renderFile(RenderHost& host, AudioReader& reader, const std::string& outputPath,
-                         int outputFormat, int blockSize, bool showProgress)
+                         int outputFormat, Dither dither, int blockSize, bool showProgress)
 {
     const AudioInfo& input = reader.info();
     AudioInfo outputInfo = input;
     outputInfo.format = outputFormat;
-    AudioWriter writer(outputPath, outputInfo);
+    AudioWriter writer(outputPath, outputInfo, dither);
+    writer.copyMetadataFrom(reader);
 
     const auto channels = static_cast<size_t>(input.channels);
     std::vector<float> interleaved;

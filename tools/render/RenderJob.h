@@ -21,9 +21,10 @@ struct RenderSummary
 constexpr double kProgressFromSeconds = 10.0;
 
 // Renders everything reader holds through a started host (same rate and channels) into a new
-// file at outputPath with the given libsndfile format, in blocks of blockSize samples. The output
-// appears only when complete; throws RenderError naming the file on failure.
+// file at outputPath with the given libsndfile format and dither and the input's metadata, in
+// blocks of blockSize samples. The output appears only when complete; throws RenderError naming
+// the file on failure.
 RenderSummary renderFile(RenderHost& host, AudioReader& reader, const std::string& outputPath,
-                         int outputFormat, int blockSize, bool showProgress);
+                         int outputFormat, Dither dither, int blockSize, bool showProgress);
 
 } // namespace velmoran::render

@@ -4,6 +4,8 @@
 #include "AtomicFile.h"
 #include "AudioFile.h"
 #include "DemoSignal.h"
+#include "Interruption.h"
+#include "JobFiles.h"
 #include "PluginSettings.h"
 #include "RenderArguments.h"
 #include "RenderError.h"
@@ -11,6 +13,7 @@
 #include "RenderJob.h"
 #include "ResponseMeasurement.h"
 #include "ResponsePlot.h"
+#include "SoundHeader.h"
 
 #include <sndfile.h>
 
@@ -90,6 +93,54 @@ void plotResponse(VST3::Hosting::Module& module, const std::string& modulePath, 
     }
 }
 
+// Refuses a job that would overwrite one of its own files, before anything is read or written.
+void checkFilesOf(const RenderRequest& request, const std::string& modulePath)
+{
+    checkJobFiles({{"the plug-in", modulePath, false},
+                   {"the input", request.inputPath, false},
+                   {"the state to load", request.loadStatePath, false},
+                   {"the output", request.outputPath, true},
+                   {"the state to save", request.saveStatePath, true},
+                   {"the plot", request.responsePath, true},
+                   {"the demo signal", request.demoSignalPath, true}});
+}
+
+// Stops at an input whose header promises more than it holds, unless told to render what is there.
+void checkWhole(const RenderRequest& request)
+{
+    const std::optional<SampleBytes> truncated = truncatedSamples(request.inputPath);
+    if (!truncated)
+    {
+        return;
+    }
+    const std::string what = "'" + request.inputPath + "' is truncated: its header promises " +
+                             std::to_string(truncated->promised) + " bytes of samples, the file holds " +
+                             std::to_string(truncated->present);
+    if (!request.allowTruncated)
+    {
+        throw RenderError(what + " (--allow-truncated renders what it holds)");
+    }
+    std::fprintf(stderr, "%s: warning: %s; rendering what it holds\n", kProgramName, what.c_str());
+}
+
+// Opens the input, if there is one, checked to be whole; notes what the render cannot keep of it.
+void openInput(const RenderRequest& request, std::optional<AudioReader>& reader)
+{
+    if (request.inputPath.empty())
+    {
+        return;
+    }
+    checkWhole(request);
+    reader.emplace(request.inputPath);
+    if (holdsDoublePrecision(reader->info().format) && !request.quiet)
+    {
+        std::fprintf(stderr,
+                     "%s: note: '%s' holds 64-bit samples; the plug-in works with 32-bit floats, so the "
+                     "output keeps 32-bit float precision in its 64-bit samples\n",
+                     kProgramName, request.inputPath.c_str());
+    }
+}
+
 // The output's format: --format, else the output name's extension, else the input's container;
 // --sample-format, else the input's encoding.
 int chosenOutputFormat(const RenderRequest& request, const AudioInfo& input)
@@ -108,12 +159,8 @@ void renderAndSave(VST3::Hosting::Module& module, const std::string& modulePath,
     RenderHost host(module, modulePath);
     applySettings(host, request);
     std::optional<AudioReader> reader;
-    int format = 0;
-    if (!request.inputPath.empty())
-    {
-        reader.emplace(request.inputPath);
-        format = chosenOutputFormat(request, reader->info());
-    }
+    openInput(request, reader);
+    const int format = reader ? chosenOutputFormat(request, reader->info()) : 0;
     const double rate = reader ? reader->info().sampleRate : request.responseSampleRate;
     if (!request.responsePath.empty())
     {
@@ -127,7 +174,8 @@ void renderAndSave(VST3::Hosting::Module& module, const std::string& modulePath,
     if (reader)
     {
         const RenderSummary summary =
-            renderFile(host, *reader, request.outputPath, format, request.blockSize, !request.quiet);
+            renderFile(host, *reader, request.outputPath, format,
+                       request.dither.value_or(defaultDither(format)), request.blockSize, !request.quiet);
         if (!request.quiet)
         {
             const double audioSeconds = static_cast<double>(summary.frames) / reader->info().sampleRate;
@@ -163,13 +211,14 @@ int run(const std::vector<std::string>& arguments, const std::string& programPat
         std::fputs(helpText(kProgramName).c_str(), stdout);
         return 0;
     }
+    const std::string modulePath =
+        request.pluginPath.empty() ? defaultModulePath(programPath) : moduleFileOf(request.pluginPath);
+    checkFilesOf(request, modulePath);
     if (!request.demoSignalPath.empty())
     {
         writeDemoSignal(request.demoSignalPath, request.quiet);
         return 0;
     }
-    const std::string modulePath =
-        request.pluginPath.empty() ? defaultModulePath(programPath) : moduleFileOf(request.pluginPath);
     const auto module = loadModule(modulePath);
     if (request.listPresets || request.listParameters)
     {
@@ -196,6 +245,7 @@ int main(int argc, char** argv)
 {
     // A plotter that quits early must not end the program through a broken pipe.
     std::signal(SIGPIPE, SIG_IGN);
+    installInterruptionHandlers();
     try
     {
         return run(std::vector<std::string>(argv + 1, argv + argc), argv[0]);

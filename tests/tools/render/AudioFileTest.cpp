@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
 
 namespace velmoran::render
@@ -75,6 +77,61 @@ TEST(AudioFile, IntegerOutputClipsAndCountsOvers)
     EXPECT_FLOAT_EQ(sound.samples[0], 0.5f);
     EXPECT_NEAR(sound.samples[1], 1.0f, 1e-4);
     EXPECT_FLOAT_EQ(sound.samples[2], -1.0f);
+}
+
+struct Quantising
+{
+    int format;
+    Dither dither;
+    double inputSteps;   // a constant level, in steps of the output's encoding
+    double meanSteps;    // the level read back
+    double largestSteps; // the largest distance of a sample from the input allowed
+};
+
+class AudioFileQuantising : public testing::TestWithParam<Quantising>
+{
+};
+
+// Integer samples round to the nearest step (no offset from rounding downwards); TPDF dither keeps
+// a level below one step on average, spreading each sample by at most one step either way.
+TEST_P(AudioFileQuantising, RoundsToTheNearestStep)
+{
+    const Quantising& quantising = GetParam();
+    const double step =
+        (quantising.format & SF_FORMAT_SUBMASK) == SF_FORMAT_PCM_16 ? 1.0 / 32768 : 1.0 / 8388608;
+    ScratchFolder folder;
+    AudioWriter writer(folder.file("out.wav"), AudioInfo{48000, 1, 0, SF_FORMAT_WAV | quantising.format},
+                       quantising.dither);
+    const std::vector<float> samples(48000, static_cast<float>(quantising.inputSteps * step));
+    writer.write(samples.data(), 48000);
+    writer.commit();
+    const test::Sound sound = test::readSound(folder.file("out.wav"));
+    double sum = 0.0;
+    double largest = 0.0;
+    for (const float sample : sound.samples)
+    {
+        sum += sample / step;
+        largest = std::max(largest, std::fabs(sample / step - quantising.inputSteps));
+    }
+    EXPECT_NEAR(sum / 48000.0, quantising.meanSteps, 0.02);
+    EXPECT_LE(largest, quantising.largestSteps);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, AudioFileQuantising,
+                         testing::Values(Quantising{SF_FORMAT_PCM_16, Dither::none, -0.3, 0.0, 0.5},
+                                         Quantising{SF_FORMAT_PCM_16, Dither::none, -0.7, -1.0, 0.5},
+                                         Quantising{SF_FORMAT_PCM_16, Dither::none, 2.4, 2.0, 0.5},
+                                         Quantising{SF_FORMAT_PCM_24, Dither::none, -0.3, 0.0, 0.5},
+                                         Quantising{SF_FORMAT_PCM_24, Dither::none, 0.6, 1.0, 0.5},
+                                         Quantising{SF_FORMAT_PCM_16, Dither::tpdf, -0.3, -0.3, 1.5},
+                                         Quantising{SF_FORMAT_PCM_24, Dither::tpdf, 0.25, 0.25, 1.5}));
+
+TEST(AudioFile, SixteenBitsAndFewerAreDitheredUnlessAskedOtherwise)
+{
+    EXPECT_EQ(defaultDither(SF_FORMAT_WAV | SF_FORMAT_PCM_16), Dither::tpdf);
+    EXPECT_EQ(defaultDither(SF_FORMAT_WAV | SF_FORMAT_PCM_U8), Dither::tpdf);
+    EXPECT_EQ(defaultDither(SF_FORMAT_FLAC | SF_FORMAT_PCM_24), Dither::none);
+    EXPECT_EQ(defaultDither(SF_FORMAT_AIFF | SF_FORMAT_FLOAT), Dither::none);
 }
 
 TEST(AudioFile, AFolderThatCannotBeWrittenIsNamed)

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 
 namespace velmoran::render
@@ -89,6 +90,30 @@ INSTANTIATE_TEST_SUITE_P(
                     TypedValue{"03 Filt Type", "Peak +6dB", "one of: [ --- ], No Filter, Pk dB/2, Peak -3dB",
                                true},
                     TypedValue{"EQ", "maybe", "one of: Out, In", true}));
+
+// --list-parameters offers exactly what --set accepts: every listed name is taken, and the texts
+// that cannot be set back ("[ --- ]" of a mode) or name no band (a listen band of 11 or 12) are not
+// listed.
+TEST_F(PluginSettingsTest, ListedValuesAreExactlyThoseThatCanBeSet)
+{
+    for (const ParameterEntry& entry : mCatalogue->entries())
+        for (const std::string& name : mCatalogue->allowedValues(entry).names)
+            EXPECT_EQ(mCatalogue->text(entry.tag, mCatalogue->valueOf(entry, name)), name) << entry.title;
+    const std::pair<const char*, const char*> cases[] = {
+        {"06 Mode", "one of: Stereo, Left, Right"},
+        {"Solo", "one of: None, 01, 02, 03, 04, 05, 06, 07, 08, 09, 10"},
+        {"06 Filt Type", "one of: [ --- ], No Filter"},
+    };
+    for (const auto& [title, listed] : cases)
+    {
+        const std::string described = mCatalogue->allowedValues(mCatalogue->find(title)).describe();
+        EXPECT_EQ(described.substr(0, std::strlen(listed)), listed);
+        EXPECT_EQ(described.find("11"), std::string::npos);
+    }
+    EXPECT_FALSE(
+        usageMessage([this] { mCatalogue->valueOf(mCatalogue->find("06 Mode"), "[ --- ]"); }).empty());
+    EXPECT_FALSE(usageMessage([this] { mCatalogue->valueOf(mCatalogue->find("Solo"), "12"); }).empty());
+}
 
 TEST_F(PluginSettingsTest, ProgramsByNumberAndByEitherName)
 {

@@ -23,9 +23,9 @@ TEST(RenderArguments, TakesFilesSettingsAndOptionsInOrder)
     EXPECT_EQ(request.assignments[1].title + "|" + request.assignments[1].value, "03 Filt Type|Peak +3dB");
     EXPECT_EQ(request.blockSize, 512);
 
-    request =
-        parseArguments({"--block-size", "64", "--format", "AIFF", "--sample-format", "float", "--load-state",
-                        "a.state", "--save-state=b.state", "--response", "r.png", "-q", "in.wav", "out.aif"});
+    request = parseArguments({"--block-size", "64", "--format", "AIFF", "--sample-format", "float",
+                              "--load-state", "a.state", "--save-state=b.state", "--response", "r.png", "-q",
+                              "--dither", "none", "--allow-truncated", "in.wav", "out.aif"});
     EXPECT_EQ(request.blockSize, 64);
     EXPECT_EQ(request.container, Container::aiff);
     EXPECT_EQ(request.encoding, Encoding::float32);
@@ -33,6 +33,11 @@ TEST(RenderArguments, TakesFilesSettingsAndOptionsInOrder)
     EXPECT_EQ(request.saveStatePath, "b.state");
     EXPECT_EQ(request.responsePath, "r.png");
     EXPECT_TRUE(request.quiet);
+    EXPECT_EQ(request.dither, Dither::none);
+    EXPECT_TRUE(request.allowTruncated);
+    // An output of unknown extension is fine when --format names the container; - is standard output.
+    EXPECT_EQ(parseArguments({"--format", "flac", "in.wav", "out.take2"}).container, Container::flac);
+    EXPECT_EQ(parseArguments({"in.wav", "-"}).outputPath, "-");
 }
 
 // Help and the demo signal alone are run by the tool's own test.
@@ -53,7 +58,12 @@ TEST(RenderArguments, RefusesBadCommandLines)
         {{"--set", "03 Gain", "a.wav", "b.wav"}, "TITLE=VALUE"},
         {{"a.wav"}, "no output file"},
         {{"a.wav", "b.wav", "c.wav"}, "c.wav"},
-        {{"a.wav", "a.wav"}, "overwrite the input"},
+        {{"", "b.wav"}, "an empty file name"},
+        {{"--response", "", "a.wav", "b.wav"}, "--response needs a value, not an empty one"},
+        {{"--preset", "2", "--preset=3", "a.wav", "b.wav"}, "--preset is given twice"},
+        {{"--block-size", "64", "--block-size", "64", "a.wav", "b.wav"}, "--block-size is given twice"},
+        {{"a.wav", "b.mp3"}, "it writes wav, aiff or flac, not 'mp3'"},
+        {{"--dither", "rect", "a.wav", "b.wav"}, "--dither takes tpdf or none"},
         {{}, "--help"},
         {{"a.wav", "b.wav", "--preset"}, "--preset needs a value"},
     };
@@ -69,9 +79,10 @@ TEST(RenderArguments, RefusesBadCommandLines)
 TEST(RenderArguments, HelpShowsEveryOptionAndAnExample)
 {
     const std::string help = helpText("velmoran-render");
-    for (const char* option : {"--preset", "--set", "--load-state", "--save-state", "--block-size",
-                               "--plugin", "--response", "--format", "--sample-format", "--list-parameters",
-                               "--list-presets", "velmoran-render --preset 3 mix.wav mix-nv3.wav"})
+    for (const char* option :
+         {"--preset", "--set", "--load-state", "--save-state", "--block-size", "--plugin", "--response",
+          "--format", "--sample-format", "--list-parameters", "--list-presets", "--dither tpdf|none",
+          "--allow-truncated", "standard output", "velmoran-render --preset 3 mix.wav mix-nv3.wav"})
         EXPECT_TRUE(contains(help, option));
 }
 

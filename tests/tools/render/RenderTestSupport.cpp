@@ -2,14 +2,22 @@
 
 #include "tools/render/AtomicFile.h"
 
+#include <fcntl.h>
+#include <pty.h>
+#include <signal.h>
+#include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <thread>
 
 namespace velmoran::test
 {
@@ -141,6 +149,93 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
         std::system((command + " >" + streams.file("output") + " 2>" + streams.file("errors")).c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileText(streams.file("errors")),
             fileText(streams.file("output"))};
+}
+
+} // namespace velmoran::test
+
+namespace velmoran::test
+{
+
+namespace
+{
+
+// Waits up to a deadline of seconds for a condition, checking it every few milliseconds.
+template <typename Condition> bool waitFor(Condition condition)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition())
+    {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+bool holdsTemporaryFile(const ScratchFolder& folder)
+{
+    const std::vector<std::string> names = folder.names();
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) { return name[0] == '.'; });
+}
+
+} // namespace
+
+ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
+                      const std::vector<char>& feed, const ScratchFolder& folder, int signal)
+{
+    std::vector<std::string> words = {renderToolPath, "--plugin", renderModulePath};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    // Standard error on a terminal, where the progress bar shows.
+    int terminal = -1;
+    int terminalSide = -1;
+    if (openpty(&terminal, &terminalSide, nullptr, nullptr, nullptr) != 0)
+        return {};
+    fcntl(terminal, F_SETFL, O_NONBLOCK);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, terminalSide, STDERR_FILENO);
+    pid_t child = 0;
+    const bool spawned =
+        posix_spawn(&child, renderToolPath.c_str(), &actions, nullptr, argv.data(), environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    close(terminalSide);
+    ToolRun run;
+    // Reads what the terminal holds; true once the tool's side is closed and everything was read.
+    const auto readTerminal = [&]
+    {
+        char buffer[4096];
+        ssize_t got = 0;
+        while ((got = read(terminal, buffer, sizeof(buffer))) > 0)
+            run.errors.append(buffer, static_cast<size_t>(got));
+        return got < 0 && errno == EIO;
+    };
+    int pipe = -1;
+    // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
+    waitFor([&] { return !spawned || (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
+    const bool fed = pipe >= 0 && write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size());
+    const bool rendering = fed && waitFor(
+                                      [&]
+                                      {
+                                          readTerminal();
+                                          return holdsTemporaryFile(folder) &&
+                                                 run.errors.find("Rendering [") != std::string::npos;
+                                      });
+    if (spawned)
+    {
+        kill(child, signal);
+        int status = 0;
+        waitpid(child, &status, 0);
+        run.exitCode = rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    waitFor(readTerminal);
+    if (pipe >= 0)
+        close(pipe);
+    close(terminal);
+    return run;
 }
 
 } // namespace velmoran::test

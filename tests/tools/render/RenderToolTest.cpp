@@ -11,8 +11,14 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <tuple>
 
 namespace velmoran::test
@@ -35,7 +41,8 @@ void renderAsHost(const std::vector<char>& state, const ScratchFolder& folder)
         host.setParameter(Steinberg::Vst::Velmoran::stateTags()[index], values[index]);
     render::AudioReader reader(folder.file("in.wav"));
     host.start(reader.info().sampleRate, reader.info().channels, 512);
-    render::renderFile(host, reader, folder.file("host.wav"), reader.info().format, 512, false);
+    render::renderFile(host, reader, folder.file("host.wav"), reader.info().format, render::Dither::none, 512,
+                       false);
 }
 
 // With or without settings, the tool plays what a host plays that sends every value of the same
@@ -91,15 +98,16 @@ class RenderToolNull : public testing::TestWithParam<SoundFormat>
 };
 
 // A file read and written in every format keeps every sample, its rate and its channels; with the
-// effect out the tool returns it bit for bit in the same format.
+// effect out and no dither the tool returns it bit for bit in the same format (64-bit samples
+// too, as these hold no more than a float does).
 TEST_P(RenderToolNull, EffectOutReturnsTheInputBitForBit)
 {
     const SoundFormat& format = GetParam();
     ScratchFolder folder;
     const std::vector<float> signal = busySignal(0.5, format.sampleRate, format.channels);
     writeSound(folder.file("in"), signal, format.format, format.sampleRate, format.channels);
-    const ToolRun run =
-        runTool({"--set", "EQ=Out", "--block-size", "300", folder.file("in"), folder.file("out")});
+    const ToolRun run = runTool({"--set", "EQ=Out", "--dither", "none", "--block-size", "300",
+                                 folder.file("in"), folder.file("out")});
     ASSERT_EQ(run.exitCode, 0) << run.errors;
     const Sound output = readSound(folder.file("out"));
     EXPECT_EQ(std::tie(output.info.format, output.info.sampleRate, output.info.channels),
@@ -113,6 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, RenderToolNull,
                                          SoundFormat{"wav24mono", SF_FORMAT_WAV | SF_FORMAT_PCM_24, 1, 48000},
                                          SoundFormat{"wav32", SF_FORMAT_WAV | SF_FORMAT_PCM_32, 2, 96000},
                                          SoundFormat{"wavfloat", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 2, 96000},
+                                         SoundFormat{"wavdouble", SF_FORMAT_WAV | SF_FORMAT_DOUBLE, 2, 44100},
                                          SoundFormat{"aiff24", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 2, 48000},
                                          SoundFormat{"aifffloat", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, 1, 48000},
                                          SoundFormat{"flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 2, 44100},
@@ -175,30 +184,64 @@ TEST(RenderTool, SavedStateRendersIdenticallyAtAnyBlockSize)
 struct BadRun
 {
     const char* name;
-    std::vector<std::string> arguments;
-    const char* message; // "@" stands for the scratch folder
+    std::vector<std::string> arguments; // "@name" is a file in the scratch folder, "%name" the same relative
+    const char* message;                // "@" stands for the scratch folder
     int exitCode;
+    const char* setUp = ""; // shell commands run in the scratch folder beside in.wav and in.aiff
+    int signal = 0;         // sent while the job renders from the pipe feed.wav with a progress bar
 };
+
+// A WAV header promising ten seconds, with a little of the promised audio.
+std::vector<char> partialFeed()
+{
+    const ScratchFolder scratch;
+    writeSound(scratch.file("long.wav"), sine(440.0, -20.0, 10.0, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
+               48000, 2);
+    const std::vector<char> bytes = readFileBytes(scratch.file("long.wav"));
+    return std::vector<char>(bytes.begin(), bytes.begin() + 8044);
+}
 
 class RenderToolRefuses : public testing::TestWithParam<BadRun>
 {
 };
 
+// Whatever the command line, in.wav, the only copy of a mix, is never touched and nothing is left
+// behind.
 TEST_P(RenderToolRefuses, WithAClearMessageAndNoOutputFile)
 {
     ScratchFolder folder;
     writeSound(folder.file("in.wav"), sine(440.0, -12.0, 0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
                48000, 2);
+    writeSound(folder.file("in.aiff"), sine(440.0, -12.0, 0.2, 48000, 2), SF_FORMAT_AIFF | SF_FORMAT_PCM_24,
+               48000, 2);
+    ASSERT_EQ(std::system(("cd " + folder.file("") + " && " + GetParam().setUp + " true").c_str()), 0);
+    const std::vector<char> mix = readFileBytes(folder.file("in.wav"));
+    const std::vector<std::string> before = folder.names();
     std::vector<std::string> arguments;
     for (const std::string& argument : GetParam().arguments)
-        arguments.push_back(argument.rfind("@", 0) == 0 ? folder.file(argument.substr(1)) : argument);
+        arguments.push_back(argument[0] == '@' ? folder.file(argument.substr(1))
+                            : argument[0] == '%'
+                                ? std::filesystem::relative(folder.file(argument.substr(1))).string()
+                                : argument);
     std::string message = GetParam().message;
     if (const size_t at = message.find('@'); at != std::string::npos)
         message.replace(at, 1, folder.file(""));
-    const ToolRun run = runTool(arguments);
-    EXPECT_EQ(run.exitCode, GetParam().exitCode) << run.errors;
-    EXPECT_TRUE(contains(run.errors, message));
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"in.wav"});
+    if (GetParam().signal)
+    {
+        const ToolRun run =
+            interruptTool(arguments, folder.file("feed.wav"), partialFeed(), folder, GetParam().signal);
+        EXPECT_EQ(run.exitCode, GetParam().exitCode);
+        EXPECT_TRUE(!run.errors.empty() && run.errors.back() == '\n') << "the progress line is left open";
+    }
+    else
+    {
+        const bool givesPlugin = std::find(arguments.begin(), arguments.end(), "--plugin") != arguments.end();
+        const ToolRun run = runTool(arguments, !givesPlugin);
+        EXPECT_EQ(run.exitCode, GetParam().exitCode) << run.errors;
+        EXPECT_TRUE(contains(run.errors, message));
+    }
+    EXPECT_EQ(folder.names(), before);
+    EXPECT_TRUE(readFileBytes(folder.file("in.wav")) == mix);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -223,8 +266,202 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{"ModuleMissing",
                {"--plugin", "@Velmoran.so", "@in.wav", "@out.wav"},
                "cannot load the plug-in '@Velmoran.so'",
-               1}),
+               1},
+        BadRun{"OutputIsInputWithDot", {"@in.wav", "@./in.wav"}, "is the same file as the input", 2},
+        BadRun{"OutputIsInputRelative", {"@in.wav", "%in.wav"}, "is the same file as the input", 2},
+        BadRun{"InputIsOutputRelative", {"%in.wav", "@in.wav"}, "is the same file as the input", 2},
+        BadRun{"OutputLinksToInput",
+               {"@in.wav", "@x"},
+               "the output '@x' is the same file as the input",
+               2,
+               "ln -s in.wav x &&"},
+        BadRun{"OutputIsThePlugIn",
+               {"--plugin", "@x", "@in.wav", "@x"},
+               "the output '@x' is the same file as the plug-in",
+               2,
+               "touch x &&"},
+        BadRun{"OutputIsHardLink", {"@in.wav", "@x"}, "is the same file as the input", 2, "ln in.wav x &&"},
+        BadRun{"SavedStateOverInput",
+               {"--save-state", "@in.wav", "@in.wav", "@out.wav"},
+               "the state to save '@in.wav' is the same file as the input",
+               2},
+        BadRun{"PlotOverInput", {"--response", "@./in.wav", "@in.wav", "@out.wav"}, "the plot", 2},
+        BadRun{"PlotOverOutput",
+               {"--response", "@out.wav", "@in.wav", "@./out.wav"},
+               "the plot '@out.wav' is the same file as the output",
+               2},
+        BadRun{"StateOverOutput",
+               {"--save-state", "@./out.wav", "@in.wav", "@out.wav"},
+               "same file as the output",
+               2},
+        // Devices and links like /dev/null and /dev/stdout are made here, so that a failing tool run
+        // as root cannot replace the machine's own; without the right to make devices a pipe stands in.
+        BadRun{"DeviceOutput",
+               {"@in.wav", "@x"},
+               "will not replace '@x': it is a ",
+               2,
+               "{ mknod x c 1 3 || mkfifo x; } 2>/dev/null &&"},
+        BadRun{"LinkToStandardOutput",
+               {"@in.wav", "@x"},
+               "will not replace '@x': it is a symbolic link",
+               2,
+               "ln -s /proc/self/fd/1 x &&"},
+        BadRun{"FolderOutput", {"@in.wav", "@x"}, "it is a folder", 2, "mkdir x &&"},
+        BadRun{"TruncatedWav",
+               {"@x", "@out.wav"},
+               "'@x' is truncated: its header promises 38400 bytes of samples, the file holds 956",
+               1,
+               "head -c 1000 in.wav >x &&"},
+        BadRun{"HeaderOnlyWav",
+               {"@x", "@out.wav"},
+               "the file holds 0 (--allow-truncated",
+               1,
+               "head -c 44 in.wav >x &&"},
+        BadRun{"TruncatedAiff", {"@x", "@out.aiff"}, "'@x' is truncated", 1, "head -c 20000 in.aiff >x &&"},
+        BadRun{
+            "StateOfAWavFile",
+            {"--load-state", "@in.wav", "@in.wav", "@out.wav"},
+            "cannot load the state '@in.wav': it holds more than 276 bytes; a saved state holds exactly 276",
+            1},
+        BadRun{"StateTooShort",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "'@x': it holds 272 bytes",
+               1,
+               "head -c 272 /dev/zero >x &&"},
+        BadRun{"StateEndless",
+               {"--load-state", "/dev/zero", "@in.wav", "@out.wav"},
+               "'/dev/zero': it holds more than 276",
+               1},
+        BadRun{"StateFolder",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "cannot read '@x': Is a directory",
+               1,
+               "mkdir x &&"},
+        // Little-endian floats: a NaN as the third value, 2.0 as the last.
+        BadRun{"StateNotANumber",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "'@x': value 3 is not a number",
+               1,
+               "head -c 8 /dev/zero >x && printf '\\000\\000\\300\\177' >>x && head -c 264 /dev/zero >>x &&"},
+        BadRun{"StateOutOfRange",
+               {"--load-state", "@x", "@in.wav", "@out.wav"},
+               "value 69 is 2.000000; every value of a saved state lies in 0..1",
+               1,
+               "head -c 272 /dev/zero >x && printf '\\000\\000\\000\\100' >>x &&"},
+        BadRun{"EmptyInput", {"", "@out.wav"}, "an empty file name", 2},
+        BadRun{"EmptyState",
+               {"--load-state", "", "@in.wav", "@out.wav"},
+               "--load-state needs a value, not an empty one",
+               2},
+        BadRun{"UnknownExtension", {"@in.wav", "@out.mp3"}, "wav, aiff or flac, not 'mp3'", 2},
+        BadRun{
+            "UnknownFormat", {"--format", "mp3", "@in.wav", "@out.wav"}, "wav, aiff or flac, not 'mp3'", 2},
+        BadRun{"RepeatedPreset",
+               {"--preset", "2", "--preset", "3", "@in.wav", "@out.wav"},
+               "--preset is given twice",
+               2},
+        BadRun{"SoloOfNoBand", {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02", 2},
+        BadRun{"CtrlC", {"@feed.wav", "@out.wav"}, "", 130, "mkfifo feed.wav &&", SIGINT},
+        BadRun{"Terminated", {"@feed.wav", "@out.wav"}, "", 143, "mkfifo feed.wav &&", SIGTERM}),
     [](const testing::TestParamInfo<BadRun>& info) { return info.param.name; });
+
+// A replaced output keeps its permissions; "-" writes the same file to standard output.
+TEST(RenderTool, KeepsPermissionsAndWritesToStandardOutput)
+{
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), busySignal(0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_24, 48000, 2);
+    writeFileBytes(folder.file("out.wav"), {'o', 'l', 'd'});
+    chmod(folder.file("out.wav").c_str(), 0640);
+    ASSERT_EQ(runTool({folder.file("in.wav"), folder.file("out.wav")}).exitCode, 0);
+    struct stat status = {};
+    ASSERT_EQ(stat(folder.file("out.wav").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+    const ToolRun piped = runTool({"--format", "flac", folder.file("in.wav"), "-"});
+    ASSERT_EQ(piped.exitCode, 0) << piped.errors;
+    ASSERT_EQ(runTool({folder.file("in.wav"), folder.file("out.flac")}).exitCode, 0);
+    const std::vector<char> file = readFileBytes(folder.file("out.flac"));
+    EXPECT_EQ(piped.output, std::string(file.begin(), file.end()));
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"in.wav", "out.flac", "out.wav"}));
+}
+
+// What a render cannot keep of its input is said: a truncated file rendered on request, and
+// 64-bit samples.
+TEST(RenderTool, SaysWhatItCannotKeep)
+{
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), busySignal(0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 2);
+    writeSound(folder.file("double.wav"), busySignal(0.2, 48000, 2), SF_FORMAT_WAV | SF_FORMAT_DOUBLE, 48000,
+               2);
+    const std::vector<char> bytes = readFileBytes(folder.file("in.wav"));
+    writeFileBytes(folder.file("cut.wav"), std::vector<char>(bytes.begin(), bytes.begin() + 4044));
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{"--allow-truncated", folder.file("cut.wav"), folder.file("cut-out.wav")},
+         "holds 4000; rendering what it holds"},
+        {{folder.file("double.wav"), folder.file("double-out.wav")}, "keeps 32-bit float precision"},
+    };
+    for (const auto& [arguments, said] : cases)
+    {
+        const ToolRun run = runTool(arguments);
+        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_TRUE(contains(run.errors, said));
+    }
+    EXPECT_EQ(readSound(folder.file("cut-out.wav")).info.frames, 1000);
+}
+
+// Float pass-through keeps every sample of 1e-32 and more as it is, beyond full scale too; the
+// plug-in's filters turn smaller ones, -0.0 and non-numbers into +0.0.
+TEST(RenderTool, FloatPassThroughKeepsWhatTheReadmeSays)
+{
+    const std::pair<float, float> cases[] = {{1e-31f, 1e-31f}, {-3.5f, -3.5f},  {0.123456789f, 0.123456789f},
+                                             {1e-33f, 0.0f},   {-0.0f, 0.0f},   {1e-40f, 0.0f},
+                                             {NAN, 0.0f},      {INFINITY, 0.0f}};
+    std::vector<float> samples;
+    std::transform(std::begin(cases), std::end(cases), std::back_inserter(samples),
+                   [](auto c) { return c.first; });
+    ScratchFolder folder;
+    writeSound(folder.file("in.wav"), samples, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 1);
+    ASSERT_EQ(runTool({"--set", "EQ=Out", folder.file("in.wav"), folder.file("out.wav")}).exitCode, 0);
+    const Sound output = readSound(folder.file("out.wav"));
+    ASSERT_EQ(output.samples.size(), std::size(cases));
+    for (size_t index = 0; index < std::size(cases); ++index)
+        EXPECT_TRUE(std::memcmp(&output.samples[index], &cases[index].second, sizeof(float)) == 0)
+            << cases[index].first << " gave " << output.samples[index];
+}
+
+// Text tags, the broadcast extension and cue points come through where the output can hold them.
+TEST(RenderTool, CarriesMetadataOver)
+{
+    ScratchFolder folder;
+    const std::vector<float> signal = busySignal(0.2, 48000, 2);
+    SF_INFO info = {0, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 0, 0};
+    SNDFILE* file = sf_open(folder.file("in.wav").c_str(), SFM_WRITE, &info);
+    SF_BROADCAST_INFO broadcast = {};
+    std::strcpy(broadcast.description, "Final mix");
+    SF_CUES cues = {};
+    cues.cue_count = 1;
+    cues.cue_points[0].position = cues.cue_points[0].sample_offset = 4800;
+    sf_command(file, SFC_SET_BROADCAST_INFO, &broadcast, sizeof(broadcast));
+    sf_command(file, SFC_SET_CUE, &cues, sizeof(cues));
+    sf_set_string(file, SF_STR_TITLE, "Only copy");
+    sf_writef_float(file, signal.data(), static_cast<sf_count_t>(signal.size() / 2));
+    sf_close(file);
+    // FLAC holds text tags only.
+    for (const auto& [name, whole] : {std::pair{"out.wav", true}, std::pair{"out.flac", false}})
+    {
+        ASSERT_EQ(runTool({folder.file("in.wav"), folder.file(name)}).exitCode, 0);
+        file = sf_open(folder.file(name).c_str(), SFM_READ, &info);
+        EXPECT_STREQ(sf_get_string(file, SF_STR_TITLE), "Only copy");
+        SF_BROADCAST_INFO readBroadcast = {};
+        SF_CUES readCues = {};
+        EXPECT_EQ(sf_command(file, SFC_GET_BROADCAST_INFO, &readBroadcast, sizeof(readBroadcast)) == SF_TRUE,
+                  whole);
+        EXPECT_EQ(sf_command(file, SFC_GET_CUE, &readCues, sizeof(readCues)) == SF_TRUE, whole);
+        EXPECT_EQ(std::string(readBroadcast.description) +
+                      std::to_string(readCues.cue_points[0].sample_offset),
+                  whole ? "Final mix4800" : "0");
+        sf_close(file);
+    }
+}
 
 // The plug-in may also be given as its bundle folder.
 TEST(RenderTool, HelpAndListsNeedNoFiles)
