@@ -394,7 +394,9 @@ void EditorScreen::openBandMenu(int band, float x, float y)
 {
     selectBand(band);
     mMenuBand = band;
-    mBandMenus[static_cast<size_t>(band)]->open(x + 4.0f, y + 4.0f, {0.0f, 0.0f, mWidth, mHeight});
+    PopupMenu& menu = *mBandMenus[static_cast<size_t>(band)];
+    menu.setCurrentCode(mBands[static_cast<size_t>(band)].typeCode());
+    menu.open(x + 4.0f, y + 4.0f, {0.0f, 0.0f, mWidth, mHeight});
     mNeedsRedraw = true;
 }
 

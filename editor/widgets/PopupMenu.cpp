@@ -20,6 +20,7 @@ constexpr Rgba kBorder{255, 176, 0, 160};
 constexpr Rgba kPanelTop{38, 41, 47, 246};
 constexpr Rgba kPanelBottom{22, 24, 28, 246};
 constexpr Rgba kDivider{90, 96, 105, 255};
+constexpr float kCurrentDotSize = 6.0f;
 
 } // namespace
 
@@ -71,7 +72,7 @@ void PopupMenu::fitToEntries()
         height += rowHeight(index);
     }
     Rect box = bounds();
-    box.width = std::ceil(widest + kIconSize + kIconGap + 3.0f * kPadding);
+    box.width = std::ceil(widest + kIconSize + kIconGap + kCurrentDotSize + 4.0f * kPadding);
     box.height = std::ceil(height + 2.0f * kPadding);
     setBounds(box);
 }
@@ -83,6 +84,17 @@ void PopupMenu::open(float x, float y, const Rect& area)
     moveTo(left, top);
     mMarked = -1;
     setVisible(true);
+}
+
+void PopupMenu::setCurrentCode(int code)
+{
+    mCurrent = -1;
+    for (int index = 0; index < static_cast<int>(mEntries.size()); ++index)
+    {
+        const Entry& entry = mEntries[static_cast<size_t>(index)];
+        if (!entry.separator && entry.code == code)
+            mCurrent = index;
+    }
 }
 
 void PopupMenu::close()
@@ -166,6 +178,10 @@ void PopupMenu::draw(Painter& painter) const
         if (entry.icon != 0)
             painter.drawImage(entry.icon, 1, 0, box.x + kPadding, top + (kRowHeight - kIconSize) / 2.0f);
         painter.drawText(textLeft, top + textOffset, entry.label.c_str(), style);
+        if (index == mCurrent)
+            painter.fillRect({box.right() - kPadding - kCurrentDotSize,
+                              top + (kRowHeight - kCurrentDotSize) / 2.0f, kCurrentDotSize, kCurrentDotSize},
+                             mAccent);
     }
 }
 

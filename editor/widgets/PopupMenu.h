@@ -28,6 +28,10 @@ public:
 
     // Shows the menu with its top-left corner at (x, y), kept inside the area; nothing is marked.
     void open(float x, float y, const Rect& area);
+    // The entry whose code is current (the band's type) carries a dot; any other code marks none.
+    void setCurrentCode(int code);
+    // The entry carrying the dot, -1 for none.
+    int currentEntry() const { return mCurrent; }
     void close();
     // The entry under (x, y), -1 over the title, a separator or outside.
     int entryAt(float x, float y) const;
@@ -56,6 +60,7 @@ private:
     Rgba mTextColour;
     std::vector<Entry> mEntries;
     int mMarked = -1;
+    int mCurrent = -1;
 };
 
 } // namespace velmoran::editor

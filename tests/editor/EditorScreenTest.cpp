@@ -88,6 +88,40 @@ TEST_F(EditorScreenTest, InfoBoxFollowsSoloOnAndOff)
     EXPECT_EQ(stateLine(), "On");
 }
 
+// The band menu shows which type the band has: a dot on that entry, and on the new one once changed.
+TEST_F(EditorScreenTest, BandMenuMarksTheCurrentType)
+{
+    const auto currentCode = [this]
+    {
+        const PopupMenu& menu = screen.bandMenu(3);
+        return menu.currentEntry() < 0 ? -1 : menu.entries()[static_cast<size_t>(menu.currentEntry())].code;
+    };
+    const auto [x, y] = handle(3); // band 4: "Pk dB/2" in the defaults
+    screen.mouseDown(x, y, MouseButton::Right, kNoModifiers);
+    screen.mouseUp(x, y, MouseButton::Right, kNoModifiers);
+    ASSERT_EQ(screen.openMenuBand(), 3);
+    EXPECT_EQ(currentCode(), 2);
+    test::RecordingPainter painter;
+    screen.draw(painter);
+    const Rect menu = screen.bandMenu(3).bounds();
+    int dots = 0;
+    for (size_t index = 0; index < painter.rects.size(); ++index)
+    {
+        const Rect& r = painter.rects[index];
+        dots += r.width == 6.0f && r.x > menu.x && r.right() <= menu.right() &&
+                painter.rectColours[index].g == 176;
+    }
+    EXPECT_EQ(dots, 1);
+
+    hostSets(filterTypeTag(4), 0.4); // "HF Shelf"
+    screen.mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen.mouseUp(x, y, MouseButton::Left, kNoModifiers);
+    const auto [shelfX, shelfY] = handle(3);
+    screen.mouseDown(shelfX, shelfY, MouseButton::Right, kNoModifiers);
+    screen.mouseUp(shelfX, shelfY, MouseButton::Right, kNoModifiers);
+    EXPECT_EQ(currentCode(), 8);
+}
+
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
 {
     click(screen.imageButton(EditorScreen::kPolarityButton));
