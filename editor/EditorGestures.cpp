@@ -112,13 +112,24 @@ void EditorScreen::mouseMove(float x, float y, Modifiers modifiers)
         dragBand(x, y, modifiers);
         return;
     }
-    for (auto& toggle : mToggles)
-        mNeedsRedraw |= toggle->trackHover(x, y);
-    for (auto& button : mImageButtons)
-        mNeedsRedraw |= button->trackHover(x, y);
-    mNeedsRedraw |= mLockSelector->trackHover(x, y);
+    postHoverTexts(x, y);
     mGraph.setMousePosition(x, y);
     mNeedsRedraw = true;
+}
+
+// An icon says little to a new user: entering a switch or a button names it and its state.
+void EditorScreen::postHoverTexts(float x, float y)
+{
+    for (int index = 0; index < kToggleCount; ++index)
+        if (mToggles[static_cast<size_t>(index)]->trackHover(x, y) &&
+            mToggles[static_cast<size_t>(index)]->hovered())
+            postStatus(toggleHoverText(index));
+    for (int index = 0; index < kImageButtonCount; ++index)
+        if (mImageButtons[static_cast<size_t>(index)]->trackHover(x, y) &&
+            mImageButtons[static_cast<size_t>(index)]->hovered())
+            postStatus(buttonHoverText(index));
+    if (mLockSelector->trackHover(x, y) && mLockSelector->hovered())
+        postStatus(autoLockText(mGraph.lockMode()));
 }
 
 void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*modifiers*/)
@@ -234,9 +245,7 @@ void EditorScreen::clickImageButton(int index)
             const int next =
                 (std::clamp(mBands[static_cast<size_t>(mSelectedBand)].channelMode(), 0, 2) + 1) % 3;
             singleEdit(modeTag(mSelectedBand + 1), normalisedChannelMode(next));
-            static constexpr std::array<const char*, 3> kModes = {"Both Channels", "Left Channel",
-                                                                  "Right Channel"};
-            postStatus(kModes[static_cast<size_t>(next)]);
+            postStatus(channelModeText(next));
         }
         break;
     case kSoloButton:

@@ -236,6 +236,43 @@ void EditorScreen::setBandValue(int band, unsigned tag, float value)
         settings.mode = value;
 }
 
+std::string EditorScreen::toggleHoverText(int index) const
+{
+    switch (index)
+    {
+    case kEffectToggle:
+        return switchStatusText(SwitchKind::Effect, mSwitches[0]);
+    case kSpectrumToggle:
+        return switchStatusText(SwitchKind::Spectrum, mSwitches[1]);
+    case kSourceToggle:
+        return switchStatusText(SwitchKind::SpectrumSource, mSwitches[2]);
+    case kSlopeToggle:
+        return switchStatusText(SwitchKind::SpectrumSlope, mSwitches[3]);
+    case kFlatToggle:
+        return "EQ Set Flat : every gain to 0 dB";
+    default:
+        return "Clear : remove every filter";
+    }
+}
+
+std::string EditorScreen::buttonHoverText(int index) const
+{
+    const bool bandSelected = mSelectedBand >= 0;
+    switch (index)
+    {
+    case kChannelModeButton:
+        return bandSelected ? channelModeText(mBands[static_cast<size_t>(mSelectedBand)].channelMode()) : "";
+    case kSoloButton:
+        return bandSelected && soloBand(mSolo) == mSelectedBand + 1 ? "Solo : On " : "Solo : Off";
+    case kPolarityButton:
+        return switchStatusText(SwitchKind::Polarity, mSwitches[4]);
+    case kTitleButtonIndex:
+        return "About Velmoran";
+    default:
+        return "Help : mouse gestures";
+    }
+}
+
 void EditorScreen::applySwitch(unsigned tag, float value, bool post)
 {
     const int index = switchIndex(tag);

@@ -143,6 +143,10 @@ private:
     // Gestures (EditorGestures.cpp).
     bool pressWidget(float x, float y);
     void clickToggle(int index);
+    // What the status line says while the mouse is over a switch or a button: its name and state.
+    std::string toggleHoverText(int index) const;
+    std::string buttonHoverText(int index) const;
+    void postHoverTexts(float x, float y);
     void clickImageButton(int index);
     void startBandDrag(int slot, float x, float y);
     void addBandAt(float x, float y);

@@ -3,6 +3,8 @@
 #include "plugin/Version.h"
 #include "resources/ResourceIds.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -110,6 +112,12 @@ const char* autoLockText(unsigned mode)
     static constexpr std::array<const char*, 4> kTexts = {"Auto Lock:  Off", "Auto Lock:  ---",
                                                           "Auto Lock:  Freq", "Auto Lock:  Gain"};
     return mode < kTexts.size() ? kTexts[mode] : kTexts[0];
+}
+
+const char* channelModeText(int mode)
+{
+    static constexpr std::array<const char*, 3> kModes = {"Both Channels", "Left Channel", "Right Channel"};
+    return kModes[static_cast<size_t>(std::clamp(mode, 0, 2))];
 }
 
 std::string outputGainText(float gainDb)

@@ -31,6 +31,9 @@ enum class SwitchKind
 const char* switchStatusText(SwitchKind kind, float value);
 // The status text of an automatic-lock mode (0 off, 1 armed, 2 frequency, 3 gain).
 const char* autoLockText(unsigned mode);
+
+// The status text of a band's channel mode 0..2: "Both Channels", "Left Channel", "Right Channel".
+const char* channelModeText(int mode);
 // The output gain readout, "Output Gain %+.1f dB".
 std::string outputGainText(float gainDb);
 // The two lines of the zoom readout.

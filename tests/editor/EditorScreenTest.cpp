@@ -122,6 +122,36 @@ TEST_F(EditorScreenTest, BandMenuMarksTheCurrentType)
     EXPECT_EQ(currentCode(), 8);
 }
 
+// Entering a switch or a button names it and its state on the status line; moving within it posts
+// nothing new, entering it again does.
+TEST_F(EditorScreenTest, HoverNamesSwitchesAndButtons)
+{
+    const auto hover = [this](const Widget& widget)
+    {
+        screen.mouseMove(widget.bounds().x + 2.0f, widget.bounds().y + 2.0f, kNoModifiers);
+        return screen.statusText();
+    };
+    const std::pair<int, std::string> toggles[] = {
+        {EditorScreen::kEffectToggle, "Effect : In "},
+        {EditorScreen::kFlatToggle, "EQ Set Flat : every gain to 0 dB"},
+        {EditorScreen::kClearToggle, "Clear : remove every filter"},
+        {EditorScreen::kSpectrumToggle, "FFT : Off"},
+        {EditorScreen::kSourceToggle, "FFT Source : Input"},
+        {EditorScreen::kSlopeToggle, "FFT Slope : 3dB / oct "}};
+    for (const auto& [index, text] : toggles)
+        EXPECT_EQ(hover(screen.toggle(index)), text);
+    EXPECT_EQ(hover(screen.imageButton(EditorScreen::kPolarityButton)), "Polarity : Normal");
+    EXPECT_EQ(hover(screen.imageButton(EditorScreen::kTitleButtonIndex)), "About Velmoran");
+    EXPECT_EQ(hover(screen.lockSelector()), autoLockText(screen.graph().lockMode()));
+
+    screen.postStatus("Band 4 Deleted");
+    hover(screen.lockSelector());
+    EXPECT_EQ(screen.statusText(), "Band 4 Deleted");
+    screen.mouseMove(0.0f, 0.0f, kNoModifiers);
+    hostSets(kFftTag, 1.0);
+    EXPECT_EQ(hover(screen.toggle(EditorScreen::kSpectrumToggle)), "FFT : On ");
+}
+
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
 {
     click(screen.imageButton(EditorScreen::kPolarityButton));
