@@ -1,6 +1,8 @@
 // Cost of the signal path per stereo frame at 48 kHz over pink noise, against two plain loops of
 // the same twenty double-precision direct-form-I biquads (one scalar, one with the two channels
 // in one SSE2 register), and the spread of chunk times with the analyser on.
+#include "ReferenceLoops.h"
+
 #include "dsp/BandEngine.h"
 #include "dsp/FftStepper.h"
 #include "dsp/FilterDesign.h"
@@ -25,33 +27,11 @@ namespace
 
 using velmoran::dsp::BandEngine;
 using velmoran::dsp::BandFilter;
+using namespace velmoran::bench;
 
 constexpr float kRate = 48000.0f;
 constexpr int kChunk = BandEngine::kMaxChunkLength;
 constexpr int kFramesPerIteration = 6144; // 0.128 s, whole blocks of 64 and of 512
-constexpr int kPeakType = 2;
-constexpr int kBands = BandEngine::kBandCount;
-
-// Pink noise from white noise through Paul Kellet's three-pole approximation of a -3 dB/octave
-// slope, about -14 dBFS RMS.
-std::vector<float> PinkNoise(int length, unsigned seed)
-{
-    std::mt19937 generator(seed);
-    std::uniform_real_distribution<double> white(-1.0, 1.0);
-    std::vector<float> signal(static_cast<std::size_t>(length));
-    double b0 = 0.0;
-    double b1 = 0.0;
-    double b2 = 0.0;
-    for (float& sample : signal)
-    {
-        const double x = white(generator);
-        b0 = 0.99765 * b0 + x * 0.0990460;
-        b1 = 0.96300 * b1 + x * 0.2965164;
-        b2 = 0.57000 * b2 + x * 1.0526913;
-        sample = static_cast<float>((b0 + b1 + b2 + x * 0.1848) * 0.05);
-    }
-    return signal;
-}
 
 const std::vector<float>& InputLeft()
 {
@@ -63,16 +43,6 @@ const std::vector<float>& InputRight()
 {
     static const std::vector<float> signal = PinkNoise(kFramesPerIteration, 2u);
     return signal;
-}
-
-float BandFrequency(int band)
-{
-    return 31.25f * std::pow(2.0f, static_cast<float>(band - 1));
-}
-
-float BandGain(int band)
-{
-    return band % 2 == 0 ? 6.0f : -6.0f;
 }
 
 // Ten peaking bands an octave apart, switched in and settled.
@@ -189,33 +159,10 @@ std::array<std::array<double, 5>, kBands> PeakingSections()
     return sections;
 }
 
-struct ScalarBiquad
-{
-    double b0, b1, b2, negA1, negA2;
-    double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
-
-    double run(double x) noexcept
-    {
-        const double y = b0 * x + b1 * x1 + b2 * x2 + negA1 * y1 + negA2 * y2;
-        x2 = x1;
-        x1 = x;
-        y2 = y1;
-        y1 = y;
-        return y;
-    }
-};
-
-// The textbook loop: per frame, the ten peaking filters of each channel, the two channels
-// interleaved band by band; nothing else.
+// The textbook loop of twenty scalar biquads over the same frames.
 void ReferenceScalar(benchmark::State& state)
 {
-    std::array<std::array<ScalarBiquad, 2>, kBands> filters{};
-    const auto sections = PeakingSections();
-    for (std::size_t band = 0; band < kBands; ++band)
-    {
-        const auto& c = sections[band];
-        filters[band].fill(ScalarBiquad{c[0], c[1], c[2], c[3], c[4]});
-    }
+    velmoran::bench::ScalarTwentyBiquads filters(kRate);
     const int blockLength = static_cast<int>(state.range(0));
     const std::vector<float>& inLeft = InputLeft();
     const std::vector<float>& inRight = InputRight();
@@ -225,18 +172,8 @@ void ReferenceScalar(benchmark::State& state)
     {
         for (int offset = 0; offset < kFramesPerIteration; offset += blockLength)
         {
-            for (int i = 0; i < blockLength; ++i)
-            {
-                double left = inLeft[static_cast<std::size_t>(offset + i)];
-                double right = inRight[static_cast<std::size_t>(offset + i)];
-                for (auto& band : filters)
-                {
-                    left = band[0].run(left);
-                    right = band[1].run(right);
-                }
-                outLeft[static_cast<std::size_t>(i)] = static_cast<float>(left);
-                outRight[static_cast<std::size_t>(i)] = static_cast<float>(right);
-            }
+            filters.run(&inLeft[static_cast<std::size_t>(offset)], &inRight[static_cast<std::size_t>(offset)],
+                        outLeft.data(), outRight.data(), blockLength);
             benchmark::DoNotOptimize(outLeft.data());
             benchmark::DoNotOptimize(outRight.data());
         }

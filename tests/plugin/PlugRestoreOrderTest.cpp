@@ -85,21 +85,26 @@ struct HostOrder
     std::vector<RestoreStep> steps;
 };
 
+// A fresh instance reopening the user's project in the host's order; the host then passes what the
+// controller reported on to the processor's first block.
 class PlugRestoreOrder : public testing::TestWithParam<HostOrder>
 {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(plugin.valid());
+        for (const RestoreStep& step : GetParam().steps)
+            step(plugin, saved);
+        ASSERT_EQ(applyChanges(plugin.processor, &plugin.handler->pendingChanges()), kResultOk);
+        plugin.handler->pendingChanges().clearQueue();
+    }
+
+    const SavedProject saved = userProject();
+    PluginInstance plugin;
 };
 
 TEST_P(PlugRestoreOrder, SavedValuesWinOverTheReplayedProgram)
 {
-    const SavedProject saved = userProject();
-    PluginInstance plugin;
-    ASSERT_TRUE(plugin.valid());
-    for (const RestoreStep& step : GetParam().steps)
-        step(plugin, saved);
-    // The host passes what the controller reported on to the processor's first block.
-    ASSERT_EQ(applyChanges(plugin.processor, &plugin.handler->pendingChanges()), kResultOk);
-    plugin.handler->pendingChanges().clearQueue();
-
     EXPECT_EQ(plugin.handler->openEdits(), 0);
     EXPECT_EQ(stateBytes(plugin.component), saved.processorState);
     EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::gainTag(5)), kRaisedGain, 1e-7);
@@ -123,13 +128,6 @@ TEST_P(PlugRestoreOrder, SavedValuesWinOverTheReplayedProgram)
 // Right after a reopened project, choosing another program loads it whole.
 TEST_P(PlugRestoreOrder, AnotherProgramChosenRightAfterLoadsWhole)
 {
-    const SavedProject saved = userProject();
-    PluginInstance plugin;
-    ASSERT_TRUE(plugin.valid());
-    for (const RestoreStep& step : GetParam().steps)
-        step(plugin, saved);
-    ASSERT_EQ(applyChanges(plugin.processor, &plugin.handler->pendingChanges()), kResultOk);
-    plugin.handler->pendingChanges().clearQueue();
     const int32 editsBefore = plugin.handler->performedEdits();
     ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, 3.0 / 7.0), kResultOk); // NV-3
     EXPECT_EQ(plugin.handler->performedEdits() - editsBefore, 68);
