@@ -17,7 +17,6 @@
 #include <cstdio>
 #include <map>
 #include <memory>
-#include <random>
 #include <string>
 #include <time.h>
 #include <vector>
