@@ -1,5 +1,7 @@
 #include "FftStepper.h"
 
+#include "FftButterflies.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -14,51 +16,11 @@ namespace
 // The stages that PlacePadded has already done.
 constexpr int kFirstSpan = 4;
 
-// `count` butterfly pairs of one stage from pair `first` on, in memory order. Pair q lies in block
-// q / (span/2) of 2*span values, at k = 2*(q mod span/2): the butterflies (k, k + span) and
-// (k + 1, k + 1 + span) of the block, with the twiddle factors w^k and w^(k+1) that `twiddles`
-// holds for pair `first` and is left holding for the pair after the last.
-void RunButterflyPairs(double* real, double* imag, int span, int first, int count, TwiddlePair& twiddles) noexcept
+// AVX where the processor has it; the SSE2 kernel gives the same results everywhere else.
+bool HasAvx() noexcept
 {
-    const int pairsPerBlock = span / 2;
-    const int blockOffset = first / pairsPerBlock * 2 * span;
-    double* re = real + blockOffset;
-    double* im = imag + blockOffset;
-    int k = 2 * (first % pairsPerBlock);
-    __m128d cosines = _mm_load_pd(twiddles.cosines);
-    __m128d sines = _mm_load_pd(twiddles.sines);
-    const __m128d stepCos = _mm_set1_pd(twiddles.pairStep.cos);
-    const __m128d stepSin = _mm_set1_pd(twiddles.pairStep.sin);
-    const __m128d blockCos = _mm_set_pd(twiddles.step.cos, 1.0);
-    const __m128d blockSin = _mm_set_pd(twiddles.step.sin, 0.0);
-    for (int i = 0; i < count; ++i)
-    {
-        const __m128d secondRe = _mm_load_pd(re + k + span);
-        const __m128d secondIm = _mm_load_pd(im + k + span);
-        const __m128d rotatedRe = _mm_sub_pd(_mm_mul_pd(cosines, secondRe), _mm_mul_pd(sines, secondIm));
-        const __m128d rotatedIm = _mm_add_pd(_mm_mul_pd(cosines, secondIm), _mm_mul_pd(sines, secondRe));
-        const __m128d firstRe = _mm_load_pd(re + k);
-        const __m128d firstIm = _mm_load_pd(im + k);
-        _mm_store_pd(re + k + span, _mm_sub_pd(firstRe, rotatedRe));
-        _mm_store_pd(im + k + span, _mm_sub_pd(firstIm, rotatedIm));
-        _mm_store_pd(re + k, _mm_add_pd(firstRe, rotatedRe));
-        _mm_store_pd(im + k, _mm_add_pd(firstIm, rotatedIm));
-        k += 2;
-        if (k == span)
-        {
-            k = 0;
-            re += 2 * span;
-            im += 2 * span;
-            cosines = blockCos;
-            sines = blockSin;
-        }
-        else
-        {
-            AdvanceTwiddles(cosines, sines, stepCos, stepSin);
-        }
-    }
-    _mm_store_pd(twiddles.cosines, cosines);
-    _mm_store_pd(twiddles.sines, sines);
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx");
 }
 
 } // namespace
@@ -125,12 +87,25 @@ void FftStepper::start(double* real, double* imag, int log2Size) noexcept
     startStage(kFirstSpan);
 }
 
+void RunButterflyPairsSse2(double* real, double* imag, int span, int first, int count,
+                           TwiddlePair& twiddles) noexcept
+{
+    ButterflyWalk walk(real, imag, span, first, twiddles);
+    for (int i = 0; i < count; ++i)
+    {
+        walk.runPair();
+    }
+    walk.store(twiddles);
+}
+
+FftStepper::FftStepper() noexcept : mRunPairs(HasAvx() ? RunButterflyPairsAvx : RunButterflyPairsSse2) {}
+
 int FftStepper::run(int pairBudget) noexcept
 {
     while (pairBudget > 0 && !mDone)
     {
         const int count = std::min(pairBudget, mSize / 4 - mPair);
-        RunButterflyPairs(mReal, mImag, mSpan, mPair, count, mTwiddles);
+        mRunPairs(mReal, mImag, mSpan, mPair, count, mTwiddles);
         pairBudget -= count;
         mPair += count;
         if (mPair == mSize / 4)

@@ -52,11 +52,15 @@ inline void AdvanceTwiddles(__m128d& cosines, __m128d& sines, __m128d stepCos, _
 // The forward transform (kernel exp(-j...)) of a four-times zero-padded frame laid out by
 // PlacePadded, in place, by radix-2 decimation in time, run in portions so that it can be spread
 // evenly over many audio samples. A portion is a count of butterfly pairs: two neighbouring
-// butterflies of a stage done at once in SSE2 registers. Each stage walks its blocks in memory
+// butterflies of a stage done at once in SSE2 registers (two pairs at once in AVX where the
+// processor has it, with the same results). Each stage walks its blocks in memory
 // order; the twiddle factors come by recurrence, with no table and no trigonometric call.
 class FftStepper
 {
 public:
+    // Picks the butterfly kernel for this processor (AVX or SSE2, with identical results).
+    FftStepper() noexcept;
+
     // Starts the transform of 2^log2Size complex values (log2Size 2 .. largestLog2Size) held in
     // real[] and imag[] (16-byte aligned); the result lands in natural order in the same arrays.
     void start(double* real, double* imag, int log2Size) noexcept;
@@ -77,6 +81,9 @@ public:
 private:
     void startStage(int span) noexcept;
 
+    using PairKernel = void (*)(double*, double*, int, int, int, TwiddlePair&) noexcept;
+
+    PairKernel mRunPairs;
     TwiddlePair mTwiddles; // of the next butterfly pair
     double* mReal = nullptr;
     double* mImag = nullptr;

@@ -1,11 +1,14 @@
 #include "dsp/FftStepper.h"
+#include "dsp/FftButterflies.h"
 
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <complex>
+#include <cstring>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -105,6 +108,40 @@ TEST(FftStepperTest, UnusedBudgetComesBackAndAFinishedStepperStaysFinished)
     const std::vector<double> done(real, real + 16);
     EXPECT_EQ(stepper.run(2), 2);
     EXPECT_EQ(std::vector<double>(real, real + 16), done);
+}
+
+// The AVX kernel does the SSE2 kernel's operations two pairs at a time: the same bits for any
+// stage, starting pair and portion, so the display does not depend on the processor.
+TEST(FftKernelsTest, AvxAndSse2GiveTheSameBits)
+{
+    if (!__builtin_cpu_supports("avx"))
+        GTEST_SKIP() << "this processor has no AVX";
+    constexpr int kSize = 1 << 10;
+    const auto signal = RandomSignal(kSize, 11u);
+    for (const int span : {4, 8, 64, 512})
+        for (const auto& [first, count] :
+             {std::pair{0, kSize / 4}, std::pair{1, 6}, std::pair{3, 40}, std::pair{7, 1}})
+        {
+            SCOPED_TRACE(testing::Message() << "span " << span << ", pairs " << first << " + " << count);
+            alignas(32) double re[2][kSize];
+            alignas(32) double im[2][kSize];
+            velmoran::dsp::TwiddlePair twiddles[2];
+            for (int kernel = 0; kernel < 2; ++kernel)
+            {
+                for (int i = 0; i < kSize; ++i)
+                {
+                    re[kernel][i] = signal[static_cast<std::size_t>(i)].real();
+                    im[kernel][i] = signal[static_cast<std::size_t>(i)].imag();
+                }
+                // Both kernels start from the same twiddles, whichever pair comes first.
+                twiddles[kernel].setStep(velmoran::dsp::TwiddleStepForSpan(span));
+                (kernel == 0 ? velmoran::dsp::RunButterflyPairsSse2 : velmoran::dsp::RunButterflyPairsAvx)(
+                    re[kernel], im[kernel], span, first, count, twiddles[kernel]);
+            }
+            EXPECT_EQ(std::memcmp(re[0], re[1], sizeof(re[0])), 0);
+            EXPECT_EQ(std::memcmp(im[0], im[1], sizeof(im[0])), 0);
+            EXPECT_EQ(std::memcmp(&twiddles[0], &twiddles[1], sizeof(twiddles[0])), 0);
+        }
 }
 
 } // namespace
