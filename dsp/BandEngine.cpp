@@ -92,6 +92,15 @@ void ApplyGainRamps(std::array<GainRamp, 2>& ramps, const __m128d* from, __m128d
 {
     if (ramps[0].samplesLeft == 0 && ramps[1].samplesLeft == 0)
     {
+        // Unity leaves every sample as it is (normal polarity, 0 dB), so it costs nothing.
+        if (ramps[0].current == 1.0 && ramps[1].current == 1.0)
+        {
+            if (to != from)
+            {
+                std::copy(from, from + frameCount, to);
+            }
+            return;
+        }
         const __m128d gains = _mm_set_pd(ramps[1].current, ramps[0].current);
         for (int i = 0; i < frameCount; ++i)
         {
