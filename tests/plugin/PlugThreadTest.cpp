@@ -118,19 +118,16 @@ TEST(PlugThreads, StateLoadedFromTheMainThreadWhileProcessing)
     // Band 1 gain to +18 dB.
     const auto& tags = Plug::stateTags();
     boosted[static_cast<size_t>(std::find(tags.begin(), tags.end(), Plug::gainTag(1)) - tags.begin())] = 1.0f;
-    // Every load falls between two blocks of the audio thread, which is busy all along.
+    // The audio thread processes all along and takes two blocks or more after every load, so
+    // that loads and blocks interleave however the threads are scheduled.
     std::atomic<int> blocks{0};
     std::atomic<bool> loaded{false};
-    std::thread audio(
-        [&]
-        {
-            EXPECT_TRUE(processUntil(instance,
-                                     [&]
-                                     {
-                                         ++blocks;
-                                         return loaded.load();
-                                     }));
-        });
+    const auto untilLoaded = [&]
+    {
+        ++blocks;
+        return loaded.load();
+    };
+    std::thread audio([&] { EXPECT_TRUE(processUntil(instance, untilLoaded)); });
     for (int load = 0; load < 40; ++load)
     {
         EXPECT_EQ(instance.plugin.component->setState(streamOf(load % 2 == 0 ? boosted : original)),
