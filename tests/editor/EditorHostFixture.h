@@ -11,24 +11,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <ostream>
 #include <string>
-
-namespace Steinberg::Vst
-{
-
-// An edit call as a failed expectation shows it, for example "perform 27 0.5".
-inline void PrintTo(const EditCall& call, std::ostream* out)
-{
-    static const char* const kNames[] = {"begin", "perform", "end"};
-    *out << kNames[call.kind] << ' ' << call.tag;
-    if (call.kind == EditCall::kPerform)
-    {
-        *out << ' ' << call.value;
-    }
-}
-
-} // namespace Steinberg::Vst
 
 namespace velmoran::test
 {
@@ -64,8 +47,10 @@ protected:
     {
         std::string error;
         bool played = true;
-        EXPECT_TRUE(waitFor(done, [&] { played = played && sSession->run(0.02, error); })) << "never came";
+        const bool came =
+            waitFor([&] { return !played || done(); }, [&] { played = sSession->run(0.02, error); });
         ASSERT_TRUE(played) << error;
+        EXPECT_TRUE(came) << "it never came";
     }
     // Runs them until the processor has taken the given number of blocks more.
     static void runBlocks(std::int64_t blocks)
