@@ -16,10 +16,7 @@ namespace
 
 std::atomic<long> gAllocationCount{0};
 
-} // namespace
-
-// The library's other forms of new and delete come to these.
-void* operator new(std::size_t size)
+void* CountedAllocate(std::size_t size)
 {
     gAllocationCount.fetch_add(1, std::memory_order_relaxed);
     if (void* memory = std::malloc(size == 0 ? 1 : size))
@@ -27,12 +24,46 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return CountedAllocate(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return CountedAllocate(size);
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    gAllocationCount.fetch_add(1, std::memory_order_relaxed);
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    gAllocationCount.fetch_add(1, std::memory_order_relaxed);
+    return std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* memory) noexcept
 {
     std::free(memory);
 }
 
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
 void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }
