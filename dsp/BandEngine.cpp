@@ -350,6 +350,16 @@ void BandEngine::designBand(int bandIndex, DesignMode mode) noexcept
     {
         StartCrossFade(band.filter, first, second);
     }
+    if (mDesignHook)
+    {
+        mDesignHook(mDesignHookContext, bandIndex + 1, first, second, mode == DesignMode::CrossFade);
+    }
+}
+
+bool BandEngine::bandFilters(int band) const noexcept
+{
+    const BandSettings& settings = mBands[static_cast<std::size_t>(band - 1)].current;
+    return settings.enabled && !IsPassThrough(settings.type);
 }
 
 bool BandEngine::isAnyBandFading() const noexcept

@@ -91,6 +91,26 @@ public:
     // Changes whenever the magnitudes do.
     unsigned analyserVersion() const noexcept { return mAnalyser.shownVersion(); }
 
+    // A yardstick for the signal path follows the engine's decisions instead of repeating them:
+    // the hook hears of every band design as it is made (band 1..10, the two channels' sections,
+    // whether they fade in or replace the running ones at once), and the getters below show what
+    // updateBlock left for the next chunk. None by default.
+    using DesignHook = void (*)(void* context, int band, const BiquadSection& first,
+                                const BiquadSection& second, bool crossFade);
+    void setDesignHook(DesignHook hook, void* context) noexcept
+    {
+        mDesignHook = hook;
+        mDesignHookContext = context;
+    }
+    // Whether band 1..10 filters when it is not fading.
+    bool bandFilters(int band) const noexcept;
+    const std::array<GainRamp, 2>& inputGainRamps() const noexcept { return mInputGainRamps; }
+    const std::array<GainRamp, 2>& outputGainRamps() const noexcept { return mOutputGainRamps; }
+    const std::array<GainRamp, 2>& polarityRamps() const noexcept { return mPolarityRamps; }
+    const std::array<SwitchRamp, 2>& switchRamps() const noexcept { return mSwitchRamps; }
+    bool analyserOn() const noexcept { return mAnalyserOn; }
+    bool analyserSourceOutput() const noexcept { return mAnalyserSourceOutput; }
+
 private:
     struct BandSettings
     {
@@ -159,6 +179,9 @@ private:
     bool mAnalyserSourceSet = false;
     bool mAnalyserSourceOutput = false;
     SpectrumAnalyser mAnalyser;
+
+    DesignHook mDesignHook = nullptr;
+    void* mDesignHookContext = nullptr;
 };
 
 } // namespace velmoran::dsp

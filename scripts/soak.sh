@@ -2,10 +2,10 @@
 # The long versions of the load tests, on the optimised Linux build:
 #   scripts/soak.sh [SOAK_SECONDS] [LOAD_SECONDS] [CYCLES]   (defaults 3600, 60, 1000)
 # an hour of 48 kHz full-scale noise with random automation on every block, 32 instances each
-# processing a minute of audio on two threads with their sender threads, 1,000 instance
-# lifecycles, and 100 module entry/exit cycles. Fails when a test fails or when the median block
-# time of the soak's last tenth exceeds that of its first tenth by more than half (a denormal or
-# leak slow-down). The last line counts the tests.
+# processing a minute of audio on two threads with their sender threads, and 1,000 module
+# entry/exit cycles, each making, using and taking down an instance. Fails when a test fails or
+# when the median block time of the soak's last tenth exceeds that of its first tenth by more than
+# half (a denormal or leak slow-down). The last line counts the tests.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,7 +1,6 @@
 #include "ReferenceEngine.h"
 
 #include "dsp/CrossFadeShape.h"
-#include "dsp/FilterDesign.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,37 +15,6 @@ namespace
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr int kFade = 512;
-
-bool IsPassThrough(int type)
-{
-    return type == kTypeNone || type == kTypeNoFilter;
-}
-
-int ListenType(int type)
-{
-    if ((type >= kTypePeakHalfGain && type <= kTypePeakInverse) || type == kTypeBandPass)
-        return kTypeBandPass;
-    if (type == kTypeLowShelf || type == kTypeHighPass)
-        return kTypeLowPass;
-    if (type == kTypeHighShelf || type == kTypeLowPass)
-        return kTypeHighPass;
-    return type;
-}
-
-bool Glide(float& value, float target)
-{
-    if (value == target)
-        return false;
-    const float step = (target - value) * 0.1f;
-    const float next = value + step;
-    value = (std::fabs(step) < 0.001f || next == value) ? target : next;
-    return true;
-}
-
-double DbToGain(float db)
-{
-    return std::pow(10.0, static_cast<double>(db) / 20.0);
-}
 
 double CleanInput(float sample)
 {
@@ -227,108 +195,33 @@ void ReferenceAnalyser::advanceGroup()
     mStepSin = -std::sqrt((1.0 - previousStepCos) * 0.5);
 }
 
-void ReferenceBandEngine::setSampleRate(float sampleRateHz)
+ReferenceBandEngine::ReferenceBandEngine(BandEngine& engine) : mEngine(engine)
 {
-    if (!std::isfinite(sampleRateHz) || !(sampleRateHz > 0.0f))
-        return;
-    mSampleRate = sampleRateHz;
-    for (int i = 0; i < kBandCount; ++i)
-        designBand(i, false);
-    mAnalyser.setSampleRate(sampleRateHz);
+    engine.setDesignHook(designed, this);
 }
 
-void ReferenceBandEngine::setBandFrequency(int band, float hz)
+void ReferenceBandEngine::designed(void* context, int band, const BiquadSection& first,
+                                   const BiquadSection& second, bool crossFade)
 {
-    if (IsValidBand(band) && std::isfinite(hz))
-        bandAt(band).target.frequencyHz = std::clamp(hz, 20.0f, 20000.0f);
-}
-
-void ReferenceBandEngine::setBandGain(int band, float db)
-{
-    if (IsValidBand(band) && std::isfinite(db))
-        bandAt(band).target.gainDb = std::clamp(db, -18.0f, 18.0f);
-}
-
-void ReferenceBandEngine::setBandQ(int band, float q)
-{
-    if (IsValidBand(band) && std::isfinite(q))
-        bandAt(band).target.q = std::clamp(q, 0.3f, 5.0f);
-}
-
-void ReferenceBandEngine::setBandType(int band, int typeCode)
-{
-    if (IsValidBand(band) && typeCode >= 0 && typeCode <= 20)
-        bandAt(band).target.type = typeCode;
-}
-
-void ReferenceBandEngine::setBandEnabled(int band, bool enabled)
-{
-    if (IsValidBand(band))
-        bandAt(band).target.enabled = enabled;
-}
-
-void ReferenceBandEngine::setBandMode(int band, int mode)
-{
-    if (IsValidBand(band) && mode >= 0 && mode <= 2)
-        bandAt(band).target.mode = mode;
-}
-
-void ReferenceBandEngine::setSoloBand(int band)
-{
-    if (band == 0 || IsValidBand(band))
-        mSoloSet = band;
-}
-
-void ReferenceBandEngine::setInputGainDb(float db)
-{
-    if (std::isfinite(db))
-        mInputGainTargetDb = std::clamp(db, -24.0f, 24.0f);
-}
-
-void ReferenceBandEngine::setOutputGainDb(float db)
-{
-    if (std::isfinite(db))
-        mOutputGainTargetDb = std::clamp(db, -24.0f, 24.0f);
-}
-
-void ReferenceBandEngine::setPolarityInverted(bool inverted)
-{
-    mPolaritySet = inverted;
-}
-
-void ReferenceBandEngine::setEffectOn(bool on)
-{
-    mEffectSet = on;
-}
-
-void ReferenceBandEngine::setAnalyserOn(bool on)
-{
-    mAnalyserSet = on;
-}
-
-void ReferenceBandEngine::setAnalyserSourceOutput(bool output)
-{
-    mAnalyserSourceSet = output;
-}
-
-void ReferenceBandEngine::updateBlock(int frameCount)
-{
-    if (frameCount < 1)
-        return;
-    updateGain(mOutputGainDb, mOutputGainTargetDb, mOutputGainRamps, frameCount);
-    updateGain(mInputGainDb, mInputGainTargetDb, mInputGainRamps, frameCount);
-    updateBandSwitches();
-    updateSolo();
-    glideBands();
-    updateEffectSwitch();
-    if (mAnalyserSet != mAnalyserOn)
+    auto& filters = static_cast<ReferenceBandEngine*>(context)->mFilters[static_cast<std::size_t>(band - 1)];
+    for (auto [filter, section] : {std::pair{&filters[0], first}, std::pair{&filters[1], second}})
     {
-        mAnalyserOn = mAnalyserSet;
-        if (mAnalyserOn)
-            mAnalyser.reset();
+        if (crossFade)
+            StartCrossFade(*filter, section);
+        else
+            InstallSection(*filter, section);
     }
-    mAnalyserSourceOutput = mAnalyserSourceSet;
-    updatePolarity();
+}
+
+void ReferenceBandEngine::updateBlock()
+{
+    mInputGainRamps = mEngine.inputGainRamps();
+    mOutputGainRamps = mEngine.outputGainRamps();
+    mPolarityRamps = mEngine.polarityRamps();
+    mSwitchRamps = mEngine.switchRamps();
+    if (mEngine.analyserOn() && !mAnalyserOn)
+        mAnalyser.reset();
+    mAnalyserOn = mEngine.analyserOn();
 }
 
 void ReferenceBandEngine::processFrame(float inL, float inR, float& outL, float& outR)
@@ -350,13 +243,14 @@ void ReferenceBandEngine::processFrame(float inL, float inR, float& outL, float&
     std::array<double, 2> wet{};
     for (std::size_t channel = 0; channel < 2; ++channel)
         wet[channel] = input[channel] * NextGain(mInputGainRamps[channel]);
-    for (Band& band : mBands)
+    for (int band = 1; band <= kBandCount; ++band)
     {
-        const bool filtering = band.current.enabled && !IsPassThrough(band.current.type);
+        auto& filters = mFilters[static_cast<std::size_t>(band - 1)];
+        const bool filtering = mEngine.bandFilters(band);
         for (std::size_t channel = 0; channel < 2; ++channel)
         {
-            if (filtering || band.filters[channel].fadeSamplesLeft > 0)
-                wet[channel] = ProcessBandFilter(band.filters[channel], wet[channel], filtering);
+            if (filtering || filters[channel].fadeSamplesLeft > 0)
+                wet[channel] = ProcessBandFilter(filters[channel], wet[channel], filtering);
         }
     }
     std::array<double, 2> output{};
@@ -369,172 +263,15 @@ void ReferenceBandEngine::processFrame(float inL, float inR, float& outL, float&
     outL = static_cast<float>(output[0]);
     outR = static_cast<float>(output[1]);
     if (mAnalyserOn)
-        mAnalyser.feed(mAnalyserSourceOutput ? (outL + outR) * 0.5f : inputMean);
+        mAnalyser.feed(mEngine.analyserSourceOutput() ? (outL + outR) * 0.5f : inputMean);
 }
 
 void ReferenceBandEngine::reset()
 {
-    for (Band& band : mBands)
-        for (BandFilter& filter : band.filters)
+    for (auto& filters : mFilters)
+        for (BandFilter& filter : filters)
             InstallSection(filter, filter.pending);
-    for (auto* ramps : {&mInputGainRamps, &mOutputGainRamps, &mPolarityRamps})
-        for (GainRamp& ramp : *ramps)
-            StartGainRamp(ramp, ramp.target, 0);
-    for (SwitchRamp& ramp : mSwitchRamps)
-    {
-        ramp.current = ramp.target;
-        ramp.done = true;
-    }
     mAnalyser.reset();
-}
-
-BiquadSection ReferenceBandEngine::designChannel(int bandIndex, int channel) const
-{
-    const BandSettings& settings = mBands[static_cast<std::size_t>(bandIndex)].current;
-    const bool soloed = mSoloApplied == bandIndex + 1;
-    if (!settings.enabled || IsPassThrough(settings.type) || (mSoloApplied != 0 && !soloed))
-        return BiquadSection{};
-    const bool channelInBand = settings.mode == 0 || settings.mode == channel + 1;
-    int typeCode = settings.type;
-    float gainDb = settings.gainDb;
-    if (soloed)
-    {
-        typeCode = channelInBand ? ListenType(settings.type) : kTypeSilence;
-        gainDb = 1.0f;
-    }
-    else if (!channelInBand)
-    {
-        return BiquadSection{};
-    }
-    BandFilter scratch;
-    DesignBandFilter(scratch, settings.frequencyHz, gainDb, settings.q, mSampleRate, typeCode);
-    return scratch.active;
-}
-
-void ReferenceBandEngine::designBand(int bandIndex, bool crossFade)
-{
-    for (int channel = 0; channel < 2; ++channel)
-    {
-        BandFilter& filter =
-            mBands[static_cast<std::size_t>(bandIndex)].filters[static_cast<std::size_t>(channel)];
-        const BiquadSection section = designChannel(bandIndex, channel);
-        if (crossFade)
-            StartCrossFade(filter, section);
-        else
-            InstallSection(filter, section);
-    }
-}
-
-bool ReferenceBandEngine::isBandFading(const Band& band) const
-{
-    return band.filters[0].fadeSamplesLeft > 0 || band.filters[1].fadeSamplesLeft > 0;
-}
-
-bool ReferenceBandEngine::isAnyBandFading() const
-{
-    return std::any_of(mBands.begin(), mBands.end(), [this](const Band& band) { return isBandFading(band); });
-}
-
-void ReferenceBandEngine::updateGain(float& currentDb, float targetDb, std::array<GainRamp, 2>& ramps,
-                                     int frameCount)
-{
-    if (!Glide(currentDb, targetDb))
-        return;
-    for (GainRamp& ramp : ramps)
-        StartGainRamp(ramp, DbToGain(currentDb), frameCount);
-}
-
-void ReferenceBandEngine::updateBandSwitches()
-{
-    if (mSoloSet != mSoloApplied)
-        return;
-    for (int i = 0; i < kBandCount; ++i)
-    {
-        Band& band = mBands[static_cast<std::size_t>(i)];
-        const bool changed = band.current.type != band.target.type ||
-                             band.current.enabled != band.target.enabled ||
-                             band.current.mode != band.target.mode;
-        if (changed && !isBandFading(band))
-        {
-            band.current.type = band.target.type;
-            band.current.enabled = band.target.enabled;
-            band.current.mode = band.target.mode;
-            designBand(i, true);
-        }
-    }
-}
-
-void ReferenceBandEngine::updateSolo()
-{
-    if (mSoloSet == mSoloApplied || isAnyBandFading())
-        return;
-    mSoloApplied = mSoloSet;
-    for (int i = 0; i < kBandCount; ++i)
-    {
-        mBands[static_cast<std::size_t>(i)].current = mBands[static_cast<std::size_t>(i)].target;
-        designBand(i, true);
-    }
-}
-
-void ReferenceBandEngine::glideBands()
-{
-    if (mSoloSet != mSoloApplied)
-        return;
-    for (int i = 0; i < kBandCount; ++i)
-    {
-        Band& band = mBands[static_cast<std::size_t>(i)];
-        const bool heldBySolo = mSoloApplied != 0 && mSoloApplied != i + 1;
-        if (!band.current.enabled || heldBySolo || isBandFading(band))
-            continue;
-        if (IsPassThrough(band.current.type))
-        {
-            band.current.frequencyHz = band.target.frequencyHz;
-            band.current.gainDb = band.target.gainDb;
-            band.current.q = band.target.q;
-            continue;
-        }
-        const bool frequencyMoved = Glide(band.current.frequencyHz, band.target.frequencyHz);
-        const bool gainMoved = Glide(band.current.gainDb, band.target.gainDb);
-        const bool qMoved = Glide(band.current.q, band.target.q);
-        if (frequencyMoved || gainMoved || qMoved)
-            designBand(i, true);
-    }
-}
-
-void ReferenceBandEngine::updateEffectSwitch()
-{
-    if (mEffectSet == mEffectApplied)
-        return;
-    if (mEffectSet && IsSettledOff(mSwitchRamps[0]) && IsSettledOff(mSwitchRamps[1]))
-        takeOverAllSettings();
-    mEffectApplied = mEffectSet;
-    for (SwitchRamp& ramp : mSwitchRamps)
-        StartSwitchRamp(ramp, mEffectSet, 50.0, 50.0, mSampleRate);
-}
-
-void ReferenceBandEngine::updatePolarity()
-{
-    if (!mEffectApplied || mPolaritySet == mPolarityApplied)
-        return;
-    mPolarityApplied = mPolaritySet;
-    for (GainRamp& ramp : mPolarityRamps)
-        StartGainRamp(ramp, mPolarityApplied ? -1.0 : 1.0, static_cast<int>(mSampleRate * 0.02));
-}
-
-void ReferenceBandEngine::takeOverAllSettings()
-{
-    mSoloApplied = mSoloSet;
-    for (int i = 0; i < kBandCount; ++i)
-    {
-        mBands[static_cast<std::size_t>(i)].current = mBands[static_cast<std::size_t>(i)].target;
-        designBand(i, false);
-    }
-    mInputGainDb = mInputGainTargetDb;
-    mOutputGainDb = mOutputGainTargetDb;
-    for (GainRamp& ramp : mInputGainRamps)
-        StartGainRamp(ramp, DbToGain(mInputGainDb), 0);
-    for (GainRamp& ramp : mOutputGainRamps)
-        StartGainRamp(ramp, DbToGain(mOutputGainDb), 0);
 }
 
 } // namespace velmoran::testing

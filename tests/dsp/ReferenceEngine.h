@@ -3,11 +3,9 @@
 // The signal path as it ran before it was vectorised, kept as the yardstick the engine must match:
 // each stereo frame on its own, scalar double-precision biquads, and an analyser that runs one
 // butterfly of a full 4N-padded radix-2 transform per call with rotation-recurrence twiddles.
-// Same setters and block update as dsp::BandEngine.
 
+#include "dsp/BandEngine.h"
 #include "dsp/BandFilter.h"
-#include "dsp/GainRamp.h"
-#include "dsp/SwitchRamp.h"
 
 #include <array>
 #include <vector>
@@ -49,69 +47,31 @@ private:
     bool mDone = true;
 };
 
+// Follows a dsp::BandEngine's decisions (its designs, ramps and analyser switch) and runs them
+// frame by frame on plain scalar filters and its own analyser.
 class ReferenceBandEngine
 {
 public:
     static constexpr int kBandCount = 10;
 
-    void setSampleRate(float sampleRateHz);
-    void setBandFrequency(int band, float hz);
-    void setBandGain(int band, float db);
-    void setBandQ(int band, float q);
-    void setBandType(int band, int typeCode);
-    void setBandEnabled(int band, bool enabled);
-    void setBandMode(int band, int mode);
-    void setSoloBand(int band);
-    void setInputGainDb(float db);
-    void setOutputGainDb(float db);
-    void setPolarityInverted(bool inverted);
-    void setEffectOn(bool on);
-    void setAnalyserOn(bool on);
-    void setAnalyserSourceOutput(bool output);
-    void updateBlock(int frameCount);
+    // From now on hears of every design the engine makes.
+    explicit ReferenceBandEngine(dsp::BandEngine& engine);
+    void setSampleRate(float sampleRateHz) { mAnalyser.setSampleRate(sampleRateHz); }
+    // Takes over what the engine's updateBlock has just decided.
+    void updateBlock();
     void processFrame(float inL, float inR, float& outL, float& outR);
     void reset();
     const float* analyserMagnitudes() const { return mAnalyser.magnitudes(); }
 
 private:
-    struct BandSettings
-    {
-        float frequencyHz = 1000.0f;
-        float gainDb = 0.0f;
-        float q = 1.0f;
-        int type = 0;
-        bool enabled = true;
-        int mode = 0;
-    };
-    struct Band
-    {
-        BandSettings target;
-        BandSettings current;
-        std::array<dsp::BandFilter, 2> filters;
-    };
+    static void designed(void* context, int band, const dsp::BiquadSection& first,
+                         const dsp::BiquadSection& second, bool crossFade);
 
-    static bool IsValidBand(int band) { return band >= 1 && band <= kBandCount; }
-    Band& bandAt(int band) { return mBands[static_cast<std::size_t>(band - 1)]; }
-    dsp::BiquadSection designChannel(int bandIndex, int channel) const;
-    void designBand(int bandIndex, bool crossFade);
-    bool isBandFading(const Band& band) const;
-    bool isAnyBandFading() const;
-    void updateGain(float& currentDb, float targetDb, std::array<dsp::GainRamp, 2>& ramps, int frameCount);
-    void updateBandSwitches();
-    void updateSolo();
-    void glideBands();
-    void updateEffectSwitch();
-    void updatePolarity();
-    void takeOverAllSettings();
-
-    float mSampleRate = 48000.0f;
-    std::array<Band, kBandCount> mBands;
-    int mSoloSet = 0, mSoloApplied = 0;
-    float mInputGainTargetDb = 0.0f, mInputGainDb = 0.0f, mOutputGainTargetDb = 0.0f, mOutputGainDb = 0.0f;
+    const dsp::BandEngine& mEngine;
+    std::array<std::array<dsp::BandFilter, 2>, kBandCount> mFilters;
     std::array<dsp::GainRamp, 2> mInputGainRamps, mOutputGainRamps, mPolarityRamps;
-    bool mPolaritySet = false, mPolarityApplied = false, mEffectSet = false, mEffectApplied = false;
     std::array<dsp::SwitchRamp, 2> mSwitchRamps;
-    bool mAnalyserSet = false, mAnalyserOn = false, mAnalyserSourceSet = false, mAnalyserSourceOutput = false;
+    bool mAnalyserOn = false;
     ReferenceAnalyser mAnalyser;
 };
 

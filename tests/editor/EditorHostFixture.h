@@ -3,36 +3,18 @@
 // Test suites that drive the plug-in's editor under Wine through the editor test host. The test
 // program's first argument is the module's path (see velmoran_add_editor_test in CMakeLists.txt).
 
+#include "support/ModulePath.h"
+#include "support/WaitFor.h"
 #include "tools/editor_host/EditorSession.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
-#include <ostream>
 #include <string>
-
-namespace Steinberg::Vst
-{
-
-// An edit call as a failed expectation shows it, for example "perform 27 0.5".
-inline void PrintTo(const EditCall& call, std::ostream* out)
-{
-    static const char* const kNames[] = {"begin", "perform", "end"};
-    *out << kNames[call.kind] << ' ' << call.tag;
-    if (call.kind == EditCall::kPerform)
-    {
-        *out << ' ' << call.value;
-    }
-}
-
-} // namespace Steinberg::Vst
 
 namespace velmoran::test
 {
-
-// The module path given on the command line.
-void setEditorModulePath(const std::string& path);
-const std::string& editorModulePath();
 
 // One session for a whole test suite: the built module started as a DAW starts it, processing
 // active, and the editor opened in the host's frame. The suite's tests share it, in their order.
@@ -43,7 +25,7 @@ public:
     {
         sStartError.clear();
         sEditorProblem.clear();
-        sSession = editorhost::EditorSession::start(editorModulePath(), sStartError);
+        sSession = editorhost::EditorSession::start(modulePath(), sStartError);
         if (sSession)
         {
             sSession->openEditor(sEditorProblem);
@@ -59,11 +41,22 @@ protected:
     // Why the editor did not open; empty when it did.
     static const std::string& editorProblem() { return sEditorProblem; }
 
-    // Runs the session's message loop and audio for seconds, failing the test when a block fails.
-    static void run(double seconds)
+    // Runs the session's message loop and audio until done() holds, failing the test when a block
+    // fails or done() never comes.
+    template <typename Done> static void runUntil(Done done)
     {
         std::string error;
-        ASSERT_TRUE(sSession->run(seconds, error)) << error;
+        bool played = true;
+        const bool came =
+            waitFor([&] { return !played || done(); }, [&] { played = sSession->run(0.02, error); });
+        ASSERT_TRUE(played) << error;
+        EXPECT_TRUE(came) << "it never came";
+    }
+    // Runs them until the processor has taken the given number of blocks more.
+    static void runBlocks(std::int64_t blocks)
+    {
+        const std::int64_t until = sSession->processedBlocks() + blocks;
+        runUntil([until] { return sSession->processedBlocks() >= until; });
     }
 
 private:
@@ -72,18 +65,16 @@ private:
     static inline std::string sEditorProblem;
 };
 
-// For suites that drive the editor itself: each test is skipped, with the reason, while the
-// editor does not open.
+// For suites that drive the editor itself: each test fails, with the reason, when the editor did
+// not open.
 class OpenEditorFixture : public EditorHostFixture
 {
 protected:
     void SetUp() override
     {
         EditorHostFixture::SetUp();
-        if (!HasFatalFailure() && !editorProblem().empty())
-        {
-            GTEST_SKIP() << "the editor did not open: " << editorProblem();
-        }
+        ASSERT_EQ(editorProblem(), "") << "the editor did not open";
+        ASSERT_NE(session().editorWindow(), nullptr) << "the view made no window inside the frame";
     }
 };
 

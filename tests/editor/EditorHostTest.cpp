@@ -3,6 +3,7 @@
 // reopens, resizes and closes the editor view in its frame and sends it input.
 
 #include "EditorHostFixture.h"
+#include "support/EditGestures.h"
 
 #include "pluginterfaces/vst/ivstmessage.h"
 
@@ -93,50 +94,29 @@ TEST_F(EditorHost, LoadsTheModuleAndConnectsBothHalves)
     EXPECT_TRUE(FUnknownPtr<IConnectionPoint>(plugin.controller));
 }
 
-TEST_F(EditorHost, PlaysTheDemoThroughTheProcessorInStepWithRealTime)
+TEST_F(EditorHost, PlaysTheDemoThroughTheProcessor)
 {
-    const std::int64_t before = session().processedBlocks();
-    run(0.5);
-    // One block falls due every 512 / 48000 s, the first at once.
-    EXPECT_NEAR(static_cast<double>(session().processedBlocks() - before), 0.5 * 48000.0 / 512.0, 2.0);
+    runBlocks(10);
     EXPECT_GT(peakOf(session().lastOutput()), 0.001f) << "the processor's output is silent";
 }
 
-// A program change is reported as one begin, perform, end gesture per parameter, and the
-// processor takes every value: its state gives the controller the values it reported.
-TEST_F(EditorHost, ReportsAProgramChangeAsOneGesturePerParameterThatReachesTheProcessor)
+// The editor's own checks: they fail, with the reason, when createView("editor") gives no view.
+using EditorView = OpenEditorFixture;
+
+// The frame takes the view's size; the screenshot is the OpenGL frame the editor presented.
+TEST_F(EditorView, OpensInsideTheFrameAtItsSizeAndShowsWhatItDraws)
 {
-    session().handler().clearEditLog();
-    session().selectProgram(1);
-    const std::vector<EditCall> log = session().handler().editLog();
-    ASSERT_FALSE(log.empty());
-    ASSERT_EQ(log.size() % 3, 0u);
-    for (std::size_t gesture = 0; gesture < log.size(); gesture += 3)
-    {
-        const ParamID tag = log[gesture].tag;
-        EXPECT_EQ(log[gesture], (EditCall{EditCall::kBegin, tag, 0.0}));
-        EXPECT_EQ(log[gesture + 1].kind, EditCall::kPerform);
-        EXPECT_EQ(log[gesture + 1].tag, tag);
-        EXPECT_EQ(log[gesture + 2], (EditCall{EditCall::kEnd, tag, 0.0}));
-    }
-    run(0.1);
-    PluginInstance& plugin = session().plugin();
-    ASSERT_EQ(plugin.controller->setComponentState(streamOf(stateBytes(plugin.component))), kResultOk);
-    for (std::size_t perform = 1; perform < log.size(); perform += 3)
-    {
-        EXPECT_NEAR(plugin.controller->getParamNormalized(log[perform].tag), log[perform].value, 1e-6)
-            << "tag " << log[perform].tag;
-    }
+    EXPECT_EQ(GetParent(session().editorWindow()), session().frameWindow());
+    const SIZE client = clientSizeOf(session().frameWindow());
+    EXPECT_EQ(client.cx, kDefaultEditorWidth);
+    EXPECT_EQ(client.cy, kDefaultEditorHeight);
+    runUntil([] { return showsBand6Handle(session().screenshot()); });
 }
 
-TEST_F(EditorHost, SavesWhatTheEditorShowsAsAPng)
+TEST_F(EditorView, SavesWhatItShowsAsAPng)
 {
-    run(0.2);
-    const HWND shown =
-        session().editorWindow() != nullptr ? session().editorWindow() : session().frameWindow();
-    ASSERT_NE(shown, nullptr);
     const Screenshot screenshot = session().screenshot();
-    const SIZE client = clientSizeOf(shown);
+    const SIZE client = clientSizeOf(session().editorWindow());
     EXPECT_EQ(screenshot.width, client.cx);
     EXPECT_EQ(screenshot.height, client.cy);
     const std::string path = ::testing::TempDir() + "editor-host-test.png";
@@ -147,28 +127,6 @@ TEST_F(EditorHost, SavesWhatTheEditorShowsAsAPng)
     std::remove(path.c_str());
 }
 
-// The editor's own checks: skipped, with the reason, until createView("editor") gives a view.
-using EditorView = OpenEditorFixture;
-
-// The screenshot is the OpenGL frame the editor presented.
-TEST_F(EditorView, OpensAtItsDefaultSizeOf998By634InsideTheFrameAndShowsWhatItDraws)
-{
-    ViewRect size;
-    ASSERT_EQ(session().view()->getSize(&size), kResultOk);
-    EXPECT_EQ(size.getWidth(), kDefaultEditorWidth);
-    EXPECT_EQ(size.getHeight(), kDefaultEditorHeight);
-    ASSERT_NE(session().editorWindow(), nullptr) << "the view made no window inside the frame";
-    EXPECT_EQ(GetParent(session().editorWindow()), session().frameWindow());
-    for (HWND window : {session().editorWindow(), session().frameWindow()})
-    {
-        const SIZE client = clientSizeOf(window);
-        EXPECT_EQ(client.cx, kDefaultEditorWidth);
-        EXPECT_EQ(client.cy, kDefaultEditorHeight);
-    }
-    run(0.2);
-    EXPECT_TRUE(showsBand6Handle(session().screenshot()));
-}
-
 // Each gesture reaches the editor's window as the messages Windows sends, with the cursor and the
 // key state in step: the window kit (its own test) reports a move with the left button held as a
 // drag and the wheel where the cursor is.
@@ -176,8 +134,8 @@ TEST_F(EditorView, OpensAgainAfterItWasRemoved)
 {
     std::string error;
     ASSERT_TRUE(session().reopenEditor(error)) << error;
-    run(0.2);
     EXPECT_NE(session().editorWindow(), nullptr);
+    runUntil([] { return showsBand6Handle(session().screenshot()); });
 }
 
 float rmsOf(const std::vector<std::vector<float>>& channels)
@@ -202,25 +160,13 @@ TEST_F(EditorView, DraggingABandHandleEditsAsOneGestureAndChangesTheSound)
     constexpr ParamID kFrequency06 = 22;
     constexpr ParamID kGain06 = 32;
     session().setSignal(editorhost::InputSignal::sine(1500.0));
-    run(0.5);
+    runBlocks(40);
     const float before = rmsOf(session().lastOutput());
     session().handler().clearEditLog();
     session().input().drag(kHandleX, kHandleY, kHandleX + 40, kHandleY - 80, 8);
-    run(0.5);
-    std::vector<EditCall::Kind> frequencyCalls;
-    std::vector<EditCall::Kind> gainCalls;
-    for (const EditCall& call : session().handler().editLog())
-    {
-        if (call.tag == kFrequency06 && (frequencyCalls.empty() || call.kind != EditCall::kPerform ||
-                                         frequencyCalls.back() != EditCall::kPerform))
-            frequencyCalls.push_back(call.kind);
-        if (call.tag == kGain06 &&
-            (gainCalls.empty() || call.kind != EditCall::kPerform || gainCalls.back() != EditCall::kPerform))
-            gainCalls.push_back(call.kind);
-    }
-    const std::vector<EditCall::Kind> oneGesture = {EditCall::kBegin, EditCall::kPerform, EditCall::kEnd};
-    EXPECT_EQ(frequencyCalls, oneGesture);
-    EXPECT_EQ(gainCalls, oneGesture);
+    runBlocks(40);
+    EXPECT_EQ(gestureOf(session().handler().editLog(), kFrequency06), "begin perform... end");
+    EXPECT_EQ(gestureOf(session().handler().editLog(), kGain06), "begin perform... end");
     const float after = rmsOf(session().lastOutput());
     EXPECT_GT(20.0f * std::log10(after / before), 3.0f) << "the boost near the tone is heard";
 }

@@ -5,6 +5,8 @@
 #include "plugin/PlugParameters.h"
 #include "plugin/PlugState.h"
 
+#include "pluginterfaces/gui/iplugview.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -231,9 +233,16 @@ TEST_F(PlugController, DefaultsProgramRestoresTheDefaults)
     EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::filterTypeTag(6)), 0.1, 1e-6);
 }
 
-TEST_F(PlugController, NoViewForOtherNamesAndNoMidiControllerMapped)
+// Only "editor" names a view, and only where the editor is built: Windows.
+TEST_F(PlugController, OnlyTheEditorNameGivesAViewAndNoMidiControllerIsMapped)
 {
-    EXPECT_EQ(plugin.controller->createView("other"), nullptr);
+    const bool editorBuilt = SMTG_OS_WINDOWS;
+    for (const char* name : {"editor", "other", "Editor", "editor ", ""})
+    {
+        IPtr<IPlugView> view = owned(plugin.controller->createView(name));
+        EXPECT_EQ(view != nullptr, editorBuilt && std::strcmp(name, "editor") == 0) << '"' << name << '"';
+    }
+    EXPECT_EQ(plugin.controller->createView(nullptr), nullptr);
     FUnknownPtr<IMidiMapping> mapping(plugin.controller);
     ASSERT_TRUE(mapping);
     ParamID tag = 0;

@@ -9,14 +9,15 @@
 #include "sdk/hosting/ParameterChanges.h"
 #include "sdk/hosting/ProcessBlock.h"
 
+#include "support/Signals.h"
+#include "support/WaitFor.h"
+
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <thread>
+#include <cstring>
 #include <vector>
 
 namespace
@@ -44,27 +45,30 @@ protected:
     }
 
     // Processes the given time of a 1 kHz sine of the given amplitude with "FFT" on, then gives
-    // the header and the analyser's magnitudes of the first frame the controller receives after it.
+    // the header and the analyser's magnitudes of a frame the sender took after the last block.
     std::pair<std::pair<float, int32>, std::vector<float>> frameAfterProcessing(double seconds,
                                                                                 double amplitude)
     {
         // Ten whole periods of 48 samples a block, so the blocks join without a step.
-        std::vector<std::vector<float>> inputs(2, std::vector<float>(480));
-        for (auto& channel : inputs)
-            for (size_t i = 0; i < channel.size(); ++i)
-                channel[i] = static_cast<float>(amplitude *
-                                                std::sin(6.283185307179586 * static_cast<double>(i) / 48.0));
+        std::vector<std::vector<float>> inputs(2,
+                                               velmoran::testing::MakeSine(1000.0, 48000.0, 480, amplitude));
         std::vector<std::vector<float>> outputs = inputs;
         auto fftOn = owned(new ParameterChanges());
         int32 index = 0;
         fftOn->addParameterData(Velmoran::kFftTag, index)->addPoint(0, 1.0, index);
         for (int block = 0; block < static_cast<int>(seconds * 100); ++block)
             EXPECT_EQ(processBlock(processor, inputs, outputs, 480, fftOn), kResultOk);
-        // Five sender periods, so that a frame posted wholly after the last block has arrived.
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        // The frame the controller holds now and the one on its way may have been taken before the
+        // last block; the one after them was not.
         auto frame = Velmoran::makeSpectrumFrame();
-        uint64_t neverSeen = ~uint64_t{0};
-        EXPECT_TRUE(controller->copySpectrumFrame(*frame, neverSeen));
+        uint64_t seen = ~uint64_t{0};
+        int changes = 0;
+        EXPECT_TRUE(velmoran::test::waitFor(
+            [&]
+            {
+                changes += controller->copySpectrumFrame(*frame, seen) ? 1 : 0;
+                return changes == 3;
+            }));
         return {{frame->sampleRate, frame->transformSize},
                 {frame->magnitudes, frame->magnitudes + Velmoran::kAnalyserMagnitudeCount}};
     }
@@ -103,6 +107,51 @@ TEST(PlugEditorLinkAlone, UnconnectedControllerTakesTheCall)
     ASSERT_EQ(controller->initialize(&host), kResultOk);
     controller->setEditorOpen(true);
     controller->setEditorOpen(false);
+    EXPECT_EQ(controller->terminate(), kResultOk);
+}
+
+// A frame up to the exchanged size is kept byte for byte (a shorter one over its own length), a
+// larger one is dropped whole; "setActive" brings the rate; a binary message without "FFTData" is
+// not the link's.
+TEST(PlugEditorLinkAlone, ControllerKeepsFramesUpToItsSizeAndTakesTheRate)
+{
+    HostApplication host;
+    IPtr<Velmoran::CPlugController> controller = owned(new Velmoran::CPlugController());
+    ASSERT_EQ(controller->initialize(&host), kResultOk);
+    std::vector<char> kept(sizeof(Velmoran::SpectrumFrame));
+    auto frame = Velmoran::makeSpectrumFrame();
+    std::memcpy(kept.data(), frame.get(), kept.size());
+    uint64_t seen = ~uint64_t{0};
+    ASSERT_TRUE(controller->copySpectrumFrame(*frame, seen));
+    const struct
+    {
+        uint32 size;
+        char fill;
+        bool keeps;
+    } cases[] = {{32776, 1, true}, {32777, 2, false}, {3, 3, true}};
+    for (const auto& sent : cases)
+    {
+        SCOPED_TRACE(sent.size);
+        const std::vector<char> bytes(sent.size, sent.fill);
+        auto message = owned(new HostMessage());
+        message->setMessageID("BinaryMessage");
+        message->getAttributes()->setBinary("FFTData", bytes.data(), sent.size);
+        EXPECT_EQ(controller->notify(message), kResultOk);
+        if (sent.keeps)
+            std::copy(bytes.begin(), bytes.end(), kept.begin());
+        EXPECT_EQ(controller->copySpectrumFrame(*frame, seen), sent.keeps);
+        EXPECT_EQ(std::memcmp(frame.get(), kept.data(), kept.size()), 0);
+    }
+
+    auto rate = owned(new HostMessage());
+    rate->setMessageID("setActive");
+    rate->getAttributes()->setFloat("sampleRate", 96000.0);
+    EXPECT_EQ(controller->notify(rate), kResultOk);
+    EXPECT_EQ(controller->sampleRate(), 96000.0);
+
+    auto other = owned(new HostMessage());
+    other->setMessageID("BinaryMessage");
+    EXPECT_NE(controller->notify(other), kResultOk);
     EXPECT_EQ(controller->terminate(), kResultOk);
 }
 

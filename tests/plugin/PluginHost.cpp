@@ -9,29 +9,12 @@
 namespace velmoran::test
 {
 
-namespace
-{
-
-std::string gModulePath;
-
-} // namespace
-
-void setModulePath(const std::string& path)
-{
-    gModulePath = path;
-}
-
-const std::string& modulePath()
-{
-    return gModulePath;
-}
-
 VST3::Hosting::Module* sharedModule()
 {
     static std::unique_ptr<VST3::Hosting::Module> module = []
     {
         std::string error;
-        return VST3::Hosting::Module::load(gModulePath, error);
+        return VST3::Hosting::Module::load(modulePath(), error);
     }();
     return module.get();
 }

@@ -8,6 +8,7 @@
 #include "sdk/hosting/ParameterChanges.h"
 #include "sdk/hosting/PluginInstance.h"
 #include "sdk/hosting/ProcessBlock.h"
+#include "support/ModulePath.h"
 
 #include "pluginterfaces/base/ibstream.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
@@ -26,10 +27,6 @@ namespace velmoran::test
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
-
-// The module path given on the command line (first argument).
-void setModulePath(const std::string& path);
-const std::string& modulePath();
 
 // The module, loaded and entered once for the whole test program; null if it cannot be loaded.
 VST3::Hosting::Module* sharedModule();

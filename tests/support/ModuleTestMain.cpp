@@ -1,6 +1,6 @@
-// Entry of the editor test programs: the first argument is the path of the built plug-in module.
+// Entry of the test programs that load the built plug-in module: its path is the first argument.
 
-#include "EditorHostFixture.h"
+#include "ModulePath.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,6 @@
 
 namespace velmoran::test
 {
-
 namespace
 {
 
@@ -20,12 +19,7 @@ std::string& storedModulePath()
 
 } // namespace
 
-void setEditorModulePath(const std::string& path)
-{
-    storedModulePath() = path;
-}
-
-const std::string& editorModulePath()
+const std::string& modulePath()
 {
     return storedModulePath();
 }
@@ -40,6 +34,6 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: %s MODULE_PATH [gtest options]\n", argv[0]);
         return 2;
     }
-    velmoran::test::setEditorModulePath(argv[1]);
+    velmoran::test::storedModulePath() = argv[1];
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace velmoran::test
+{
+
+// The built plug-in module's path: the first argument of the test programs that load it, whose
+// main is ModuleTestMain.cpp.
+const std::string& modulePath();
+
+} // namespace velmoran::test
