@@ -430,8 +430,13 @@ void BandEngine::glideBands() noexcept
     {
         return;
     }
-    for (int i = 0; i < kBandCount; ++i)
+    // Redesigns are the costly part of a chunk. Bands that start gliding together would redesign
+    // together at the end of every cross-fade; taking at most a few a chunk, in turn from where
+    // the last chunk stopped, spreads them over the fade while each band still glides as often.
+    int redesigns = 0;
+    for (int step = 0; step < kBandCount; ++step)
     {
+        const int i = (mGlideCursor + step) % kBandCount;
         Band& band = mBands[static_cast<std::size_t>(i)];
         const bool heldBySolo = mSoloApplied != 0 && mSoloApplied != i + 1;
         if (!band.current.enabled || heldBySolo || IsCrossFading(band.filter))
@@ -446,12 +451,18 @@ void BandEngine::glideBands() noexcept
             band.current.q = band.target.q;
             continue;
         }
+        if (redesigns == kGlideRedesignsPerChunk)
+        {
+            continue;
+        }
         const bool frequencyMoved = Glide(band.current.frequencyHz, band.target.frequencyHz);
         const bool gainMoved = Glide(band.current.gainDb, band.target.gainDb);
         const bool qMoved = Glide(band.current.q, band.target.q);
         if (frequencyMoved || gainMoved || qMoved)
         {
             designBand(i, DesignMode::CrossFade);
+            ++redesigns;
+            mGlideCursor = (i + 1) % kBandCount;
         }
     }
 }

@@ -156,6 +156,10 @@ private:
 
     float mSampleRate = 48000.0f;
     std::array<Band, kBandCount> mBands;
+    // At most this many glide redesigns a chunk; ten bands gliding need one and a quarter a chunk
+    // on average, as each redesigns once per 512-sample cross-fade.
+    static constexpr int kGlideRedesignsPerChunk = 2;
+    int mGlideCursor = 0; // the band the next chunk's glides start from
     int mSoloSet = 0;
     int mSoloApplied = 0;
 

@@ -459,4 +459,41 @@ TEST(BandEngineTest, ResetSilencesFilterTails)
     EXPECT_GT(Rms(Process(*withoutReset, silence).left, 0, 480), 0.01);
 }
 
+// Ten bands set gliding at once redesign at most two a chunk, in turn, and arrive within two
+// cross-fades of a band gliding alone.
+TEST(BandEngineTest, GlideRedesignsAreSpreadOverTheCrossFade)
+{
+    const Configure tenPeaks = [](BandEngine& e)
+    {
+        for (int band = 1; band <= BandEngine::kBandCount; ++band)
+            SetBand(e, band, kTypePeakHalfGain, 100.0f * static_cast<float>(band), 6.0f);
+    };
+    auto alone = MakeEngine(tenPeaks);
+    auto together = MakeEngine(tenPeaks);
+    int designs = 0;
+    together->setDesignHook([](void* count, int, const BiquadSection&, const BiquadSection&, bool)
+                            { ++*static_cast<int*>(count); },
+                            &designs);
+    alone->setBandFrequency(10, 5000.0f);
+    for (int band = 1; band <= BandEngine::kBandCount; ++band)
+        together->setBandFrequency(band, 5000.0f);
+    const std::vector<float> silence(kChunk, 0.0f);
+    int aloneChunks = 0;
+    int togetherChunks = 0;
+    for (int chunk = 1; chunk <= 2000; ++chunk)
+    {
+        designs = 0;
+        Process(*alone, silence);
+        Process(*together, silence);
+        EXPECT_LE(designs, 2) << "chunk " << chunk;
+        if (aloneChunks == 0 && alone->currentBandFrequency(10) == 5000.0f)
+            aloneChunks = chunk;
+        if (togetherChunks == 0 && together->currentBandFrequency(10) == 5000.0f &&
+            together->currentBandFrequency(1) == 5000.0f)
+            togetherChunks = chunk;
+    }
+    ASSERT_GT(aloneChunks, 0);
+    EXPECT_LE(togetherChunks, aloneChunks + 16); // at most two cross-fades later
+}
+
 } // namespace
