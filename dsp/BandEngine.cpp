@@ -87,6 +87,14 @@ __m128d CleanInputs(float left, float right) noexcept
     return _mm_and_pd(usable, input);
 }
 
+// A stereo frame handed out in single precision.
+void StoreFrame(__m128d frame, float* left, float* right) noexcept
+{
+    const __m128 output = _mm_cvtpd_ps(frame);
+    *left = _mm_cvtss_f32(output);
+    *right = _mm_cvtss_f32(_mm_shuffle_ps(output, output, 1));
+}
+
 // Multiplies each frame by both channels' ramp gains, moving the ramps on by frameCount samples.
 void ApplyGainRamps(std::array<GainRamp, 2>& ramps, const __m128d* from, __m128d* to, int frameCount) noexcept
 {
@@ -273,18 +281,27 @@ void BandEngine::processChunk(const float* inL, const float* inR, float* outL, f
     ApplyGainRamps(mPolarityRamps, input, input, count);
     ApplyGainRamps(mInputGainRamps, input, signal, effectFrames);
     runBands(signal, effectFrames);
-    ApplyGainRamps(mOutputGainRamps, signal, signal, effectFrames);
+    // A settled output gain is applied in the same pass as the mix with the dry signal and the
+    // output's conversion; a gain still ramping goes first, and the pass then multiplies by one.
+    const bool outputGainSettled =
+        mOutputGainRamps[0].samplesLeft == 0 && mOutputGainRamps[1].samplesLeft == 0;
+    if (!outputGainSettled)
+    {
+        ApplyGainRamps(mOutputGainRamps, signal, signal, effectFrames);
+    }
+    const __m128d outputGains = outputGainSettled
+                                    ? _mm_set_pd(mOutputGainRamps[1].current, mOutputGainRamps[0].current)
+                                    : _mm_set1_pd(1.0);
     const __m128d one = _mm_set1_pd(1.0);
     for (int i = 0; i < effectFrames; ++i)
     {
-        signal[i] = _mm_add_pd(_mm_mul_pd(signal[i], mix[i]), _mm_mul_pd(_mm_sub_pd(one, mix[i]), input[i]));
+        const __m128d wet = _mm_mul_pd(signal[i], outputGains);
+        signal[i] = _mm_add_pd(_mm_mul_pd(wet, mix[i]), _mm_mul_pd(_mm_sub_pd(one, mix[i]), input[i]));
+        StoreFrame(signal[i], outL + i, outR + i);
     }
-    std::copy(input + effectFrames, input + count, signal + effectFrames);
-    for (int i = 0; i < count; ++i)
+    for (int i = effectFrames; i < count; ++i)
     {
-        const __m128 output = _mm_cvtpd_ps(signal[i]);
-        outL[i] = _mm_cvtss_f32(output);
-        outR[i] = _mm_cvtss_f32(_mm_shuffle_ps(output, output, 1));
+        StoreFrame(input[i], outL + i, outR + i);
     }
     feedAnalyser(input, signal, effectFrames, count);
 }
