@@ -298,9 +298,9 @@ tresult PLUGIN_API CPlugController::setState(IBStream* state)
 
 tresult PLUGIN_API CPlugController::getState(IBStream* state)
 {
-    const auto preset = static_cast<float>(getParamNormalized(kPresetTag));
+    auto preset = static_cast<float>(getParamNormalized(kPresetTag));
     int32 bytesWritten = 0;
-    if (!state || state->write(const_cast<float*>(&preset), sizeof(preset), &bytesWritten) != kResultOk ||
+    if (!state || state->write(&preset, sizeof(preset), &bytesWritten) != kResultOk ||
         bytesWritten != static_cast<int32>(sizeof(preset)))
     {
         return kResultFalse;
