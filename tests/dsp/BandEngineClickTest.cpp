@@ -13,7 +13,6 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -169,130 +168,67 @@ std::string TypeName(int type)
 // Limits in dB: 3 dB above the worst of the three rates, rounded up to a whole decibel, and at
 // most -90 dB. The effect switch is a level fade with the dry signal that no filter history
 // touches; it keeps its figure.
-const std::map<std::string, double>& Limits()
+void Add(std::vector<ClickCase>& cases, const std::string& name, double limitDb, Configure configure,
+         Configure prepare, Configure change, double splitHz = kSplitHz)
 {
-    static const std::map<std::string, double> limits{
-        {"NoChange", -130.0},
-        {"GainPkHalf0To12", -129.0},
-        {"GainPkHalf_Minus18To18", -123.0},
-        {"GainPkHalf_18ToMinus18", -126.0},
-        {"GainPkMinus3_Minus18To18", -124.0},
-        {"GainPkMinus3_18ToMinus18", -125.0},
-        {"GainPkPlus3_Minus18To18", -123.0},
-        {"GainPkPlus3_18ToMinus18", -125.0},
-        {"GainPkAsym_Minus18To18", -124.0},
-        {"GainPkAsym_18ToMinus18", -125.0},
-        {"GainPkInv_Minus18To18", -123.0},
-        {"GainPkInv_18ToMinus18", -125.0},
-        {"GainLowShelf_Minus18To18", -130.0},
-        {"GainLowShelf_18ToMinus18", -131.0},
-        {"GainHighShelf_Minus18To18", -123.0},
-        {"GainHighShelf_18ToMinus18", -125.0},
-        {"CentrePkHalf1kTo3k", -132.0},
-        {"CentrePkHalf1kTo3kAbove4k", -130.0},
-        {"CentrePkHalf_20To20k", -110.0},
-        {"CentrePkHalf_20kTo20", -119.0},
-        {"CentrePkMinus3_20To20k", -124.0},
-        {"CentrePkMinus3_20kTo20", -130.0},
-        {"CentrePkPlus3_20To20k", -90.0},
-        {"CentrePkPlus3_20kTo20", -101.0},
-        {"CentrePkAsym_20To20k", -124.0},
-        {"CentrePkAsym_20kTo20", -130.0},
-        {"CentrePkInv_20To20k", -90.0},
-        {"CentrePkInv_20kTo20", -101.0},
-        {"CentreLowShelf_20To20k", -122.0},
-        {"CentreLowShelf_20kTo20", -125.0},
-        {"CentreHighShelf_20To20k", -122.0},
-        {"CentreHighShelf_20kTo20", -124.0},
-        {"CentreLowPass_20To20k", -134.0},
-        {"CentreLowPass_20kTo20", -137.0},
-        {"CentreHighPass_20To20k", -133.0},
-        {"CentreHighPass_20kTo20", -136.0},
-        {"CentreBandPass_20To20k", -134.0},
-        {"CentreBandPass_20kTo20", -143.0},
-        {"QPkHalf1To5", -129.0},
-        {"QPkHalf5To0p3At2k", -130.0},
-        {"QLowPass0p3To5", -136.0},
-        {"TypePkHalfToHighShelf", -126.0},
-        {"TypePkHalfToLowPass", -128.0},
-        {"TypeLowPassToHighPass", -134.0},
-        {"TypeWidePkHalf18ToHighPass", -129.0},
-        {"TypeHighPassToWidePkHalf18", -126.0},
-        {"TypePkHalfToNone", -129.0},
-        {"TypeNoneToPkHalf", -128.0},
-        {"BandOff", -129.0},
-        {"BandOn", -128.0},
-        {"SoloOn", -128.0},
-        {"SoloOff", -129.0},
-        {"SoloOffLeftOnly", -129.0},
-        {"ModeStereoToLeft", -129.0},
-        {"ModeLeftToStereo", -128.0},
-        {"EffectOff", -28.3},
-        {"EffectOn", -28.3},
-    };
-    return limits;
-}
-
-// A case without a stated limit fails.
-double LimitOf(const std::string& name)
-{
-    const auto found = Limits().find(name);
-    return found == Limits().end() ? -std::numeric_limits<double>::infinity() : found->second;
-}
-
-void Add(std::vector<ClickCase>& cases, const std::string& name, Configure configure, Configure prepare,
-         Configure change, double splitHz = kSplitHz)
-{
-    cases.push_back(
-        {name, std::move(configure), std::move(prepare), std::move(change), splitHz, LimitOf(name)});
+    cases.push_back({name, std::move(configure), std::move(prepare), std::move(change), splitHz, limitDb});
 }
 
 std::vector<ClickCase> MakeCases()
 {
     std::vector<ClickCase> cases;
     const Configure boost = Band(kTypePeakHalfGain, 1000.0f, 12.0f);
-    Add(cases, "NoChange", boost, kNothing, kNothing);
-    Add(cases, "GainPkHalf0To12", Band(kTypePeakHalfGain, 1000.0f, 0.0f), kNothing, Gain(12.0f));
-    // Gain steps across the whole range on every type that has a gain.
+    Add(cases, "NoChange", -130.0, boost, kNothing, kNothing);
+    Add(cases, "GainPkHalf0To12", -129.0, Band(kTypePeakHalfGain, 1000.0f, 0.0f), kNothing, Gain(12.0f));
+    // Gain steps across the whole range on every type that has a gain: limits up, down.
+    const double gainLimits[][2] = {{-123.0, -126.0}, {-124.0, -125.0}, {-123.0, -125.0}, {-124.0, -125.0},
+                                    {-123.0, -125.0}, {-130.0, -131.0}, {-123.0, -125.0}};
     for (int type = kTypePeakHalfGain; type <= kTypeHighShelf; ++type)
     {
-        Add(cases, "Gain" + TypeName(type) + "_Minus18To18", Band(type, 1000.0f, -18.0f), kNothing,
+        const double* limit = gainLimits[type - kTypePeakHalfGain];
+        Add(cases, "Gain" + TypeName(type) + "_Minus18To18", limit[0], Band(type, 1000.0f, -18.0f), kNothing,
             Gain(18.0f));
-        Add(cases, "Gain" + TypeName(type) + "_18ToMinus18", Band(type, 1000.0f, 18.0f), kNothing,
+        Add(cases, "Gain" + TypeName(type) + "_18ToMinus18", limit[1], Band(type, 1000.0f, 18.0f), kNothing,
             Gain(-18.0f));
     }
-    Add(cases, "CentrePkHalf1kTo3k", boost, kNothing, Frequency(3000.0f), kCentreSplitHz);
-    Add(cases, "CentrePkHalf1kTo3kAbove4k", boost, kNothing, Frequency(3000.0f));
-    // The centre across the whole range, through the tone, on every type.
+    Add(cases, "CentrePkHalf1kTo3k", -132.0, boost, kNothing, Frequency(3000.0f), kCentreSplitHz);
+    Add(cases, "CentrePkHalf1kTo3kAbove4k", -130.0, boost, kNothing, Frequency(3000.0f));
+    // The centre across the whole range, through the tone, on every type: limits up, down.
+    const double centreLimits[][2] = {{-110.0, -119.0}, {-124.0, -130.0}, {-90.0, -101.0},  {-124.0, -130.0},
+                                      {-90.0, -101.0},  {-122.0, -125.0}, {-122.0, -124.0}, {-134.0, -137.0},
+                                      {-133.0, -136.0}, {-134.0, -143.0}};
     for (int type = kTypePeakHalfGain; type <= kTypeBandPass; ++type)
     {
-        Add(cases, "Centre" + TypeName(type) + "_20To20k", Band(type, 20.0f, 12.0f), kNothing,
+        const double* limit = centreLimits[type - kTypePeakHalfGain];
+        Add(cases, "Centre" + TypeName(type) + "_20To20k", limit[0], Band(type, 20.0f, 12.0f), kNothing,
             Frequency(20000.0f));
-        Add(cases, "Centre" + TypeName(type) + "_20kTo20", Band(type, 20000.0f, 12.0f), kNothing,
+        Add(cases, "Centre" + TypeName(type) + "_20kTo20", limit[1], Band(type, 20000.0f, 12.0f), kNothing,
             Frequency(20.0f));
     }
-    Add(cases, "QPkHalf1To5", boost, kNothing, Q(5.0f));
-    Add(cases, "QPkHalf5To0p3At2k", Band(kTypePeakHalfGain, 2000.0f, 12.0f, 5.0f), kNothing, Q(0.3f));
-    Add(cases, "QLowPass0p3To5", Band(kTypeLowPass, 1000.0f, 0.0f, 0.3f), kNothing, Q(5.0f));
-    Add(cases, "TypePkHalfToHighShelf", boost, kNothing, Type(kTypeHighShelf));
-    Add(cases, "TypePkHalfToLowPass", boost, kNothing, Type(kTypeLowPass));
-    Add(cases, "TypeLowPassToHighPass", Band(kTypeLowPass, 1000.0f, 0.0f), kNothing, Type(kTypeHighPass));
-    // A loud old output against a quiet new one, and the reverse.
-    Add(cases, "TypeWidePkHalf18ToHighPass", Band(kTypePeakHalfGain, 4000.0f, 18.0f, 0.3f), kNothing,
+    Add(cases, "QPkHalf1To5", -129.0, boost, kNothing, Q(5.0f));
+    Add(cases, "QPkHalf5To0p3At2k", -130.0, Band(kTypePeakHalfGain, 2000.0f, 12.0f, 5.0f), kNothing, Q(0.3f));
+    Add(cases, "QLowPass0p3To5", -136.0, Band(kTypeLowPass, 1000.0f, 0.0f, 0.3f), kNothing, Q(5.0f));
+    Add(cases, "TypePkHalfToHighShelf", -126.0, boost, kNothing, Type(kTypeHighShelf));
+    Add(cases, "TypePkHalfToLowPass", -128.0, boost, kNothing, Type(kTypeLowPass));
+    Add(cases, "TypeLowPassToHighPass", -134.0, Band(kTypeLowPass, 1000.0f, 0.0f), kNothing,
         Type(kTypeHighPass));
-    Add(cases, "TypeHighPassToWidePkHalf18", Band(kTypeHighPass, 4000.0f, 18.0f, 0.3f), kNothing,
+    // A loud old output against a quiet new one, and the reverse.
+    Add(cases, "TypeWidePkHalf18ToHighPass", -129.0, Band(kTypePeakHalfGain, 4000.0f, 18.0f, 0.3f), kNothing,
+        Type(kTypeHighPass));
+    Add(cases, "TypeHighPassToWidePkHalf18", -126.0, Band(kTypeHighPass, 4000.0f, 18.0f, 0.3f), kNothing,
         Type(kTypePeakHalfGain));
-    Add(cases, "TypePkHalfToNone", boost, kNothing, Type(kTypeNone));
-    Add(cases, "TypeNoneToPkHalf", Band(kTypeNone, 1000.0f, 12.0f), kNothing, Type(kTypePeakHalfGain));
-    Add(cases, "BandOff", boost, kNothing, Enabled(false));
-    Add(cases, "BandOn", boost, Enabled(false), Enabled(true));
-    Add(cases, "SoloOn", boost, kNothing, Solo(kBand));
-    Add(cases, "SoloOff", boost, Solo(kBand), Solo(0));
-    Add(cases, "SoloOffLeftOnly", Both(boost, Mode(kLeft)), Solo(kBand), Solo(0));
-    Add(cases, "ModeStereoToLeft", boost, kNothing, Mode(kLeft));
-    Add(cases, "ModeLeftToStereo", Both(boost, Mode(kLeft)), kNothing, Mode(0));
-    Add(cases, "EffectOff", boost, kNothing, Effect(false));
-    Add(cases, "EffectOn", boost, Effect(false), Effect(true));
+    Add(cases, "TypePkHalfToNone", -129.0, boost, kNothing, Type(kTypeNone));
+    Add(cases, "TypeNoneToPkHalf", -128.0, Band(kTypeNone, 1000.0f, 12.0f), kNothing,
+        Type(kTypePeakHalfGain));
+    Add(cases, "BandOff", -129.0, boost, kNothing, Enabled(false));
+    Add(cases, "BandOn", -128.0, boost, Enabled(false), Enabled(true));
+    Add(cases, "SoloOn", -128.0, boost, kNothing, Solo(kBand));
+    Add(cases, "SoloOff", -129.0, boost, Solo(kBand), Solo(0));
+    Add(cases, "SoloOffLeftOnly", -129.0, Both(boost, Mode(kLeft)), Solo(kBand), Solo(0));
+    Add(cases, "ModeStereoToLeft", -129.0, boost, kNothing, Mode(kLeft));
+    Add(cases, "ModeLeftToStereo", -128.0, Both(boost, Mode(kLeft)), kNothing, Mode(0));
+    Add(cases, "EffectOff", -28.3, boost, kNothing, Effect(false));
+    Add(cases, "EffectOn", -28.3, boost, Effect(false), Effect(true));
     return cases;
 }
 
