@@ -6,13 +6,13 @@
 #include "dsp/FilterDesign.h"
 
 #include "support/ClickMeter.h"
+#include "support/EngineRun.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdio>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -25,6 +25,8 @@ namespace
 using namespace velmoran::dsp;
 using velmoran::testing::MakeSine;
 using velmoran::testing::PeakAboveDb;
+using velmoran::testing::ProcessInChunks;
+using velmoran::testing::Stereo;
 
 constexpr int kChunk = BandEngine::kMaxChunkLength;
 constexpr int kBand = 1;
@@ -38,7 +40,7 @@ const double kToneAmplitude = std::pow(10.0, -12.0 / 20.0);
 constexpr double kSplitHz = 4000.0;
 constexpr double kCentreSplitHz = 8000.0;
 
-using Configure = std::function<void(BandEngine&)>;
+using Configure = velmoran::testing::EngineChange;
 
 const Configure kNothing = [](BandEngine&) {};
 
@@ -49,29 +51,6 @@ void SetBand(BandEngine& engine, int type, float hz, float db, float q = 1.0f)
     engine.setBandGain(kBand, db);
     engine.setBandQ(kBand, q);
     engine.setBandEnabled(kBand, true);
-}
-
-struct Stereo
-{
-    std::vector<float> left;
-    std::vector<float> right;
-};
-
-// Runs `input` through both channels in chunks of 64 frames, making `change` at frame `changeAt`
-// (a chunk boundary).
-Stereo Process(BandEngine& engine, const std::vector<float>& input, std::size_t changeAt,
-               const Configure& change)
-{
-    Stereo output{std::vector<float>(input.size()), std::vector<float>(input.size())};
-    for (std::size_t start = 0; start < input.size(); start += kChunk)
-    {
-        if (start == changeAt)
-            change(engine);
-        const int length = static_cast<int>(std::min<std::size_t>(kChunk, input.size() - start));
-        engine.updateBlock(length);
-        engine.processChunk(&input[start], &input[start], &output.left[start], &output.right[start], length);
-    }
-    return output;
 }
 
 struct ClickCase
@@ -93,12 +72,12 @@ double MeasureClick(const ClickCase& c, float rate)
     c.configure(*engine);
     engine->setEffectOn(true);
     const std::vector<float> silence(static_cast<std::size_t>(rate / 2), 0.0f);
-    Process(*engine, silence, 0, kNothing);
-    Process(*engine, silence, 0, c.prepare);
+    ProcessInChunks(*engine, silence);
+    ProcessInChunks(*engine, silence, 0, c.prepare);
     // Half a second of steady tone before the change, then three seconds for the longest glide.
     const std::size_t changeAt = static_cast<std::size_t>(rate / 2) / kChunk * kChunk;
     const auto tone = MakeSine(kToneHz, rate, changeAt + static_cast<std::size_t>(3 * rate), kToneAmplitude);
-    const Stereo output = Process(*engine, tone, changeAt, c.change);
+    const Stereo output = ProcessInChunks(*engine, tone, changeAt, c.change);
     return std::max(PeakAboveDb(output.left, changeAt, tone.size(), c.splitHz, rate, kToneAmplitude),
                     PeakAboveDb(output.right, changeAt, tone.size(), c.splitHz, rate, kToneAmplitude));
 }

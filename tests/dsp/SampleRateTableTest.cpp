@@ -7,6 +7,7 @@
 #include "dsp/BiquadMagnitude.h"
 #include "dsp/FilterDesign.h"
 
+#include "support/EngineRun.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -151,15 +152,8 @@ double EngineGainDb(float rate, int type, float hz, float db, float q, double pr
     const double periods = std::ceil(16384.0 * probeHz / rate);
     const std::size_t length = settle + static_cast<std::size_t>(std::lround(periods * rate / probeHz));
     const std::vector<float> input = velmoran::testing::MakeSine(probeHz, rate, length, 0.25);
-    std::vector<float> output(length);
-    std::vector<float> right(length);
-    for (std::size_t start = 0; start < length; start += kChunk)
-    {
-        const int frames = static_cast<int>(std::min<std::size_t>(kChunk, length - start));
-        engine.updateBlock(frames);
-        engine.processChunk(&input[start], &input[start], &output[start], &right[start], frames);
-    }
-    return velmoran::testing::GainDb(input, output, settle, length);
+    return velmoran::testing::GainDb(input, velmoran::testing::ProcessInChunks(engine, input).left, settle,
+                                     length);
 }
 
 TEST_P(SampleRateTable, EnginePlaysTheCurveTheEditorDraws)
