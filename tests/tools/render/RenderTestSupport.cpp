@@ -1,5 +1,6 @@
 #include "RenderTestSupport.h"
 
+#include "support/WaitFor.h"
 #include "tools/render/AtomicFile.h"
 
 #include <fcntl.h>
@@ -11,13 +12,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
 
 namespace velmoran::test
 {
@@ -40,6 +39,12 @@ std::string shellWord(const std::string& text)
     for (const char c : text)
         word += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return word + "'";
+}
+
+bool holdsTemporaryFile(const ScratchFolder& folder)
+{
+    const std::vector<std::string> names = folder.names();
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) { return name[0] == '.'; });
 }
 
 } // namespace
@@ -150,35 +155,6 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileText(streams.file("errors")),
             fileText(streams.file("output"))};
 }
-
-} // namespace velmoran::test
-
-namespace velmoran::test
-{
-
-namespace
-{
-
-// Waits up to a deadline of seconds for a condition, checking it every few milliseconds.
-template <typename Condition> bool waitFor(Condition condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition())
-    {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
-bool holdsTemporaryFile(const ScratchFolder& folder)
-{
-    const std::vector<std::string> names = folder.names();
-    return std::any_of(names.begin(), names.end(), [](const std::string& name) { return name[0] == '.'; });
-}
-
-} // namespace
 
 ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
                       const std::vector<char>& feed, const ScratchFolder& folder, int signal)
