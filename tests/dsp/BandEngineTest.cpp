@@ -397,16 +397,14 @@ INSTANTIATE_TEST_SUITE_P(
         SettingCase{"SampleRate96k", [](BandEngine& e) { e.setSampleRate(96000.0f); }, 96000.0}),
     NameOf<SettingCase>);
 
-TEST(BandEngineTest, FrequencyBeyondTheRangeShowsItsEndAndTheAnalyserTakesANewRate)
+// The analyser's new rate shows in the identity test, whose reference analyser is set apart.
+TEST(BandEngineTest, FrequencyBeyondTheRangeShowsItsEnd)
 {
     BandEngine engine;
     engine.setBandFrequency(5, 1e9f);
     engine.setEffectOn(true);
     engine.updateBlock(kChunk);
     EXPECT_EQ(engine.currentBandFrequency(5), 20000.0f);
-    engine.setSampleRate(96000.0f);
-    EXPECT_EQ(engine.analyserSampleRate(), 96000.0f);
-    EXPECT_EQ(engine.analyserSize(), 8192);
 }
 
 TEST(BandEngineTest, ResetSilencesFilterTails)
