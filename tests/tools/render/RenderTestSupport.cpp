@@ -144,9 +144,9 @@ double rmsDb(const Sound& sound, int channel, size_t first, size_t count)
 
 ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
 {
-    std::string command = shellWord(renderToolPath);
+    std::string command = shellWord(toolPath());
     if (givePlugin)
-        command += " --plugin " + shellWord(renderModulePath);
+        command += " --plugin " + shellWord(modulePath());
     for (const std::string& argument : arguments)
         command += " " + shellWord(argument);
     const ScratchFolder streams;
@@ -159,7 +159,7 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
 ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
                       const std::vector<char>& feed, const ScratchFolder& folder, int signal)
 {
-    std::vector<std::string> words = {renderToolPath, "--plugin", renderModulePath};
+    std::vector<std::string> words = {toolPath(), "--plugin", modulePath()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words)
@@ -176,7 +176,7 @@ ToolRun interruptTool(const std::vector<std::string>& arguments, const std::stri
     posix_spawn_file_actions_adddup2(&actions, terminalSide, STDERR_FILENO);
     pid_t child = 0;
     const bool spawned =
-        posix_spawn(&child, renderToolPath.c_str(), &actions, nullptr, argv.data(), environ) == 0;
+        posix_spawn(&child, toolPath().c_str(), &actions, nullptr, argv.data(), environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
     close(terminalSide);
     ToolRun run;

@@ -33,8 +33,8 @@ using render::writeFileBytes;
 // first block.
 void renderAsHost(const std::vector<char>& state, const ScratchFolder& folder)
 {
-    const auto module = render::loadModule(renderModulePath);
-    render::RenderHost host(*module, renderModulePath);
+    const auto module = render::loadModule(modulePath());
+    render::RenderHost host(*module, modulePath());
     std::vector<float> values(state.size() / sizeof(float));
     std::memcpy(values.data(), state.data(), values.size() * sizeof(float));
     for (size_t index = 0; index < values.size(); ++index)
@@ -430,12 +430,11 @@ TEST(RenderTool, HelpAndListsNeedNoFiles)
     ScratchFolder folder;
     const std::string architecture = folder.file("Velmoran.vst3/Contents/x86_64-linux");
     std::filesystem::create_directories(architecture);
-    std::filesystem::create_symlink(std::filesystem::absolute(renderModulePath),
-                                    architecture + "/Velmoran.so");
+    std::filesystem::create_symlink(std::filesystem::absolute(modulePath()), architecture + "/Velmoran.so");
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"--help"}, "Usage: velmoran-render"},
-        {{"--plugin", renderModulePath, "--list-presets"}, "3  \"03 - British EQ NV-3\""},
-        {{"--plugin", renderModulePath, "--list-parameters"}, "\"01 Filt Type\""},
+        {{"--plugin", modulePath(), "--list-presets"}, "3  \"03 - British EQ NV-3\""},
+        {{"--plugin", modulePath(), "--list-parameters"}, "\"01 Filt Type\""},
         {{"--plugin", folder.file("Velmoran.vst3"), "--list-presets"}, "British EQ SL-2"},
     };
     for (const auto& [arguments, shown] : cases)
