@@ -42,15 +42,6 @@ using Configure = velmoran::testing::EngineChange;
 
 const Configure kNothing = [](BandEngine&) {};
 
-void SetBand(BandEngine& engine, int type, float hz, float db, float q = 1.0f)
-{
-    engine.setBandType(kBand, type);
-    engine.setBandFrequency(kBand, hz);
-    engine.setBandGain(kBand, db);
-    engine.setBandQ(kBand, q);
-    engine.setBandEnabled(kBand, true);
-}
-
 struct ClickCase
 {
     std::string name;
@@ -82,7 +73,7 @@ double MeasureClick(const ClickCase& c, float rate)
 
 Configure Band(int type, float hz, float db, float q = 1.0f)
 {
-    return [=](BandEngine& e) { SetBand(e, type, hz, db, q); };
+    return [=](BandEngine& e) { velmoran::testing::SetBand(e, kBand, type, hz, db, q); };
 }
 
 Configure Gain(float db)

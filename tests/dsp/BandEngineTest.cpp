@@ -24,6 +24,7 @@ using velmoran::testing::LargestStep;
 using velmoran::testing::MakeSine;
 using velmoran::testing::ProcessInChunks;
 using velmoran::testing::Rms;
+using velmoran::testing::SetBand;
 using velmoran::testing::Stereo;
 
 constexpr double kRate = 48000.0;
@@ -50,16 +51,6 @@ std::unique_ptr<BandEngine> MakeEngine(const Configure& configure = [](BandEngin
     engine->setEffectOn(true);
     ProcessSilence(*engine, 0.5);
     return engine;
-}
-
-void SetBand(BandEngine& engine, int band, int type, float hz, float db, float q = 1.0f, int mode = kStereo)
-{
-    engine.setBandType(band, type);
-    engine.setBandFrequency(band, hz);
-    engine.setBandGain(band, db);
-    engine.setBandQ(band, q);
-    engine.setBandMode(band, mode);
-    engine.setBandEnabled(band, true);
 }
 
 struct ChannelGains

@@ -113,10 +113,7 @@ double EngineGainDb(float rate, int type, float hz, float db, float q, double pr
 {
     BandEngine engine;
     engine.setSampleRate(rate);
-    engine.setBandType(1, type);
-    engine.setBandFrequency(1, hz);
-    engine.setBandGain(1, db);
-    engine.setBandQ(1, q);
+    velmoran::testing::SetBand(engine, 1, type, hz, db, q);
     engine.setEffectOn(true);
     const std::size_t settle = static_cast<std::size_t>(0.15 * rate);
     // Whole periods of the probe, so that the level reads true at any rate.

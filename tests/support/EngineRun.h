@@ -18,6 +18,18 @@ struct Stereo
 
 using EngineChange = std::function<void(dsp::BandEngine&)>;
 
+// Sets every setting of one band (1..10) and switches it on; mode 0 is both channels.
+inline void SetBand(dsp::BandEngine& engine, int band, int type, float hz, float db, float q = 1.0f,
+                    int mode = 0)
+{
+    engine.setBandType(band, type);
+    engine.setBandFrequency(band, hz);
+    engine.setBandGain(band, db);
+    engine.setBandQ(band, q);
+    engine.setBandMode(band, mode);
+    engine.setBandEnabled(band, true);
+}
+
 // Runs the engine as the processor does: chunks of at most 64 frames, each after a block update,
 // with `change` made before the chunk that starts at frame `changeAt` (a chunk boundary).
 inline Stereo ProcessInChunks(dsp::BandEngine& engine, const std::vector<float>& left,
