@@ -319,7 +319,7 @@ INSTANTIATE_TEST_SUITE_P(
         refused("UnknownExtension", 2, {"@in.wav", "@out.mp3"}, "wav, aiff or flac, not 'mp3'"),
         refused("UnknownFormat", 2, {"--format", "mp3", "@in.wav", "@out.wav"},
                 "wav, aiff or flac, not 'mp3'"),
-        refused("RepeatedPreset", 2, {"--preset", "2", "--preset", "3", "@in.wav", "@out.wav"},
+        refused("RepeatedPreset", 2, {"--preset", "2", "--preset=3", "@in.wav", "@out.wav"},
                 "--preset is given twice"),
         refused("SoloOfNoBand", 2, {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02"),
         refused("CtrlC", 130, {"@feed.wav", "@out.wav"}, "", "mkfifo feed.wav &&", SIGINT),
