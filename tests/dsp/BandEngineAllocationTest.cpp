@@ -2,6 +2,8 @@
 // counted, and the count must not move while the engine processes.
 #include "dsp/BandEngine.h"
 
+#include "support/EngineRun.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -103,12 +105,8 @@ std::unique_ptr<BandEngine> MakeBusyEngine(float sampleRate)
     auto engine = std::make_unique<BandEngine>();
     engine->setSampleRate(sampleRate);
     for (int band = 1; band <= BandEngine::kBandCount; ++band)
-    {
-        engine->setBandType(band, 2 + (band % 10));
-        engine->setBandFrequency(band, 50.0f * static_cast<float>(band * band));
-        engine->setBandGain(band, band % 2 == 0 ? 9.0f : -9.0f);
-        engine->setBandMode(band, band % 3);
-    }
+        velmoran::testing::SetBand(*engine, band, 2 + (band % 10), 50.0f * static_cast<float>(band * band),
+                                   band % 2 == 0 ? 9.0f : -9.0f, 1.0f, band % 3);
     engine->setAnalyserOn(true);
     engine->setEffectOn(true);
     return engine;

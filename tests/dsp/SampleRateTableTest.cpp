@@ -4,9 +4,9 @@
 // and the engine's output stays finite while settings and the rate change under it.
 #include "dsp/BandEngine.h"
 #include "dsp/BeyondNyquistDesign.h"
-#include "dsp/BiquadMagnitude.h"
-#include "dsp/FilterDesign.h"
 
+#include "support/EngineRun.h"
+#include "support/FilterResponse.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace
 {
 
 using namespace velmoran::dsp;
-using velmoran::testing::kPi;
+using namespace velmoran::test;
 
 constexpr float kRates[] = {8000.0f,  11025.0f, 16000.0f, 22050.0f,  24000.0f,  32000.0f, 44100.0f,
                             48000.0f, 88200.0f, 96000.0f, 176400.0f, 192000.0f, 384000.0f};
@@ -44,30 +44,6 @@ std::vector<float> BandFrequencies(float rate)
             frequencies.push_back(hz);
     }
     return frequencies;
-}
-
-struct Design
-{
-    double a0, a1, a2, b0, b1, b2;
-};
-
-Design EditorDesign(float rate, float hz, float db, float q, int type)
-{
-    Design d{};
-    DesignFilter(rate, hz, db, q, type, d.a0, d.a1, d.a2, d.b0, d.b1, d.b2);
-    return d;
-}
-
-double MagnitudeDb(const Design& d, double hz, float rate)
-{
-    return 20.0 * std::log10(BiquadMagnitude(2.0 * kPi * hz / rate, d.a1, d.a2, d.b0, d.b1, d.b2));
-}
-
-// Both poles strictly inside the unit circle (the stability triangle of a monic biquad).
-bool Stable(const Design& d)
-{
-    return std::isfinite(d.b0) && std::isfinite(d.b1) && std::isfinite(d.b2) && std::fabs(d.a2) < 1.0 &&
-           std::fabs(d.a1) < 1.0 + d.a2;
 }
 
 // The analogue curve each type is matched to, with the Q its design uses.
@@ -109,23 +85,19 @@ TEST_P(SampleRateTable, DesignsAreStableBoundedAndFollowTheirPrototypesBeyondNyq
                 {
                     SCOPED_TRACE(testing::Message()
                                  << "type " << type << ", " << hz << " Hz, " << db << " dB, Q " << q);
-                    const Design editor = EditorDesign(rate, hz, db, q, type);
-                    ASSERT_TRUE(Stable(editor));
-
+                    const BiquadCoefficients editor = Design(type, hz, db, q, rate);
+                    ASSERT_TRUE(IsFinite(editor) && IsStable(editor));
                     // The audio thread designs the same filter as the editor draws.
-                    BandFilter record;
-                    DesignBandFilter(record, hz, db, q, rate, type);
-                    const BiquadSection& played = record.active;
-                    const Design audio{1.0, -played.negA1, -played.negA2, played.b0, played.b1, played.b2};
-                    ASSERT_TRUE(Stable(audio));
+                    const BiquadCoefficients audio = DesignForBand(type, hz, db, q, rate);
+                    ASSERT_TRUE(IsFinite(audio) && IsStable(audio));
 
                     const AnalogueResponse prototype = PrototypeOf(type, hz, db, q);
                     const bool beyond = std::min(hz, 20000.0f) >= nyquist;
                     for (double at = 10.0; at < 0.97 * nyquist; at *= 1.25)
                     {
-                        const double drawnDb = MagnitudeDb(editor, at, rate);
+                        const double drawnDb = GainDbAt(editor, at, rate);
                         ASSERT_LE(drawnDb, 24.0) << "at " << at << " Hz";
-                        ASSERT_NEAR(MagnitudeDb(audio, at, rate), drawnDb, 0.001) << "at " << at << " Hz";
+                        ASSERT_NEAR(GainDbAt(audio, at, rate), drawnDb, 0.001) << "at " << at << " Hz";
                         const double analogueDb = 20.0 * std::log10(prototype.Magnitude(at));
                         if (beyond && analogueDb > -30.0)
                         {
@@ -141,25 +113,15 @@ double EngineGainDb(float rate, int type, float hz, float db, float q, double pr
 {
     BandEngine engine;
     engine.setSampleRate(rate);
-    engine.setBandType(1, type);
-    engine.setBandFrequency(1, hz);
-    engine.setBandGain(1, db);
-    engine.setBandQ(1, q);
+    velmoran::testing::SetBand(engine, 1, type, hz, db, q);
     engine.setEffectOn(true);
     const std::size_t settle = static_cast<std::size_t>(0.15 * rate);
     // Whole periods of the probe, so that the level reads true at any rate.
     const double periods = std::ceil(16384.0 * probeHz / rate);
     const std::size_t length = settle + static_cast<std::size_t>(std::lround(periods * rate / probeHz));
     const std::vector<float> input = velmoran::testing::MakeSine(probeHz, rate, length, 0.25);
-    std::vector<float> output(length);
-    std::vector<float> right(length);
-    for (std::size_t start = 0; start < length; start += kChunk)
-    {
-        const int frames = static_cast<int>(std::min<std::size_t>(kChunk, length - start));
-        engine.updateBlock(frames);
-        engine.processChunk(&input[start], &input[start], &output[start], &right[start], frames);
-    }
-    return velmoran::testing::GainDb(input, output, settle, length);
+    return velmoran::testing::GainDb(input, velmoran::testing::ProcessInChunks(engine, input).left, settle,
+                                     length);
 }
 
 TEST_P(SampleRateTable, EnginePlaysTheCurveTheEditorDraws)
@@ -170,7 +132,7 @@ TEST_P(SampleRateTable, EnginePlaysTheCurveTheEditorDraws)
             for (const double probeHz : {100.0, 0.125 * rate, 0.4 * rate})
             {
                 SCOPED_TRACE(testing::Message() << "type " << type << ", " << hz << " Hz, probe " << probeHz);
-                const double drawnDb = MagnitudeDb(EditorDesign(rate, hz, 12.0f, 1.0f, type), probeHz, rate);
+                const double drawnDb = GainDbAt(Design(type, hz, 12.0f, 1.0f, rate), probeHz, rate);
                 if (drawnDb < -40.0)
                     continue; // deep in a stop band the sine's level is no measure of the curve
                 EXPECT_NEAR(EngineGainDb(rate, type, hz, 12.0f, 1.0f, probeHz), drawnDb, 0.05);

@@ -4,6 +4,7 @@
 
 #include "dsp/BandEngine.h"
 #include "plugin/PlugParameters.h"
+#include "support/EngineRun.h"
 
 #include <gtest/gtest.h>
 
@@ -42,18 +43,6 @@ void setUpAsNewProcessor(velmoran::dsp::BandEngine& engine)
     engine.setSoloBand(0);
 }
 
-// Runs a block through the engine the way the processor cuts it: chunks of at most 64 frames.
-void runEngine(velmoran::dsp::BandEngine& engine, const std::vector<std::vector<float>>& input,
-               std::vector<std::vector<float>>& output, int sampleCount)
-{
-    for (int start = 0; start < sampleCount; start += 64)
-    {
-        const int length = std::min(64, sampleCount - start);
-        engine.updateBlock(length);
-        engine.processChunk(&input[0][start], &input[1][start], &output[0][start], &output[1][start], length);
-    }
-}
-
 TEST(PlugAudio, ModuleMatchesTheEngineSampleForSample)
 {
     PluginInstance plugin(false);
@@ -77,7 +66,6 @@ TEST(PlugAudio, ModuleMatchesTheEngineSampleForSample)
         for (auto& channel : input)
             std::generate(channel.begin(), channel.end(), [&] { return noise(random); });
         std::vector<std::vector<float>> fromModule(2, std::vector<float>(static_cast<size_t>(count)));
-        std::vector<std::vector<float>> fromEngine(2, std::vector<float>(static_cast<size_t>(count)));
 
         IPtr<ParameterChanges> changes;
         if (block == 0)
@@ -97,14 +85,16 @@ TEST(PlugAudio, ModuleMatchesTheEngineSampleForSample)
             engine->setBandMode(4, 1);
         }
         ASSERT_EQ(processBlock(plugin.processor, input, fromModule, count, changes), kResultOk);
-        runEngine(*engine, input, fromEngine, count);
+        const velmoran::testing::Stereo stereo =
+            velmoran::testing::ProcessInChunks(*engine, input[0], input[1]);
         for (int channel = 0; channel < 2; ++channel)
         {
+            const std::vector<float>& fromEngine = channel == 0 ? stereo.left : stereo.right;
             for (int sample = 0; sample < count; ++sample)
             {
                 changedSamples +=
                     std::fabs(fromModule[channel][sample] - input[channel][sample]) > 1e-3f ? 1 : 0;
-                ASSERT_EQ(fromModule[channel][sample], fromEngine[channel][sample])
+                ASSERT_EQ(fromModule[channel][sample], fromEngine[sample])
                     << "block " << block << " channel " << channel << " sample " << sample;
             }
         }

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -55,9 +54,7 @@ SavedProject userProject()
 // The value the processor holds for tag, read from its state.
 float processorValue(PluginInstance& plugin, ParamID tag)
 {
-    const auto& tags = Plug::stateTags();
-    const auto index = static_cast<size_t>(std::find(tags.begin(), tags.end(), tag) - tags.begin());
-    return stateValues(plugin.component).at(index);
+    return stateValues(plugin.component).at(stateIndexOf(tag));
 }
 
 using RestoreStep = std::function<void(PluginInstance&, const SavedProject&)>;

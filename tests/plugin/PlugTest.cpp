@@ -21,13 +21,6 @@ namespace
 
 namespace Plug = Vst::Velmoran;
 
-// Index of a tag inside the state stream.
-size_t stateIndexOf(ParamID tag)
-{
-    const auto& tags = Plug::stateTags();
-    return static_cast<size_t>(std::find(tags.begin(), tags.end(), tag) - tags.begin());
-}
-
 std::string busName(IComponent* component, MediaType type, BusDirection direction)
 {
     BusInfo info;

@@ -115,9 +115,7 @@ TEST(PlugThreads, StateLoadedFromTheMainThreadWhileProcessing)
     ASSERT_TRUE(startAnalysing(instance, 500.0));
     const std::vector<float> original = stateValues(instance.plugin.component);
     std::vector<float> boosted = original;
-    // Band 1 gain to +18 dB.
-    const auto& tags = Plug::stateTags();
-    boosted[static_cast<size_t>(std::find(tags.begin(), tags.end(), Plug::gainTag(1)) - tags.begin())] = 1.0f;
+    boosted[stateIndexOf(Plug::gainTag(1))] = 1.0f; // band 1 gain to +18 dB
     // The audio thread processes all along and takes two blocks or more after every load, so
     // that loads and blocks interleave however the threads are scheduled.
     std::atomic<int> blocks{0};

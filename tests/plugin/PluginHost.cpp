@@ -1,8 +1,11 @@
 #include "PluginHost.h"
 
+#include "plugin/PlugState.h"
+
 #include "pluginterfaces/base/ustring.h"
 #include "public.sdk/source/common/memorystream.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -30,6 +33,12 @@ std::vector<float> stateValues(IComponent* component)
     std::vector<float> values(bytes.size() / sizeof(float));
     std::memcpy(values.data(), bytes.data(), values.size() * sizeof(float));
     return values;
+}
+
+size_t stateIndexOf(ParamID tag)
+{
+    const auto& tags = Vst::Velmoran::stateTags();
+    return static_cast<size_t>(std::find(tags.begin(), tags.end(), tag) - tags.begin());
 }
 
 IPtr<IBStream> streamOf(const std::vector<float>& values)

@@ -42,8 +42,9 @@ public:
 using Steinberg::Vst::stateBytes;
 using Steinberg::Vst::streamOf;
 
-// The processor's state as floats (one per normalised value).
+// The processor's state as floats (one per normalised value), and where a tag's value lies in it.
 std::vector<float> stateValues(IComponent* component);
+size_t stateIndexOf(ParamID tag);
 // A stream holding the given floats.
 IPtr<IBStream> streamOf(const std::vector<float>& values);
 

@@ -31,9 +31,7 @@ tresult PLUGIN_API FrameRelay::notify(IMessage* message)
     {
         std::lock_guard<std::mutex> guard(mLock);
         if (size != sizeof(Plug::SpectrumFrame))
-        {
             ++mReceived.otherSizes;
-        }
         else
         {
             ++mReceived.count;

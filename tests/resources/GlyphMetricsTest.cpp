@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 
 using velmoran::resources::GlyphMetrics;
 using velmoran::resources::kGlyphCount;
@@ -90,12 +91,10 @@ TEST(DejaVuSansGlyphs, KeepKnownCellSizesOriginsAndAdvances)
     for (const GlyphMetrics& row : rows)
     {
         const GlyphMetrics& glyph = velmoran::resources::kDejaVuSansGlyphs[row.code - 32];
-        EXPECT_EQ(glyph.code, row.code);
-        EXPECT_EQ(glyph.width, row.width) << char(row.code);
-        EXPECT_EQ(glyph.height, row.height) << char(row.code);
-        EXPECT_EQ(glyph.originX, row.originX) << char(row.code);
-        EXPECT_EQ(glyph.originY, row.originY) << char(row.code);
-        EXPECT_EQ(glyph.advance, row.advance) << char(row.code);
+        EXPECT_EQ(
+            std::tie(glyph.code, glyph.width, glyph.height, glyph.originX, glyph.originY, glyph.advance),
+            std::tie(row.code, row.width, row.height, row.originX, row.originY, row.advance))
+            << char(row.code);
     }
 }
 

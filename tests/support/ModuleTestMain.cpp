@@ -1,4 +1,5 @@
-// Entry of the test programs that load the built plug-in module: its path is the first argument.
+// Entry of the test programs that load the built plug-in module: its path is the first argument,
+// that of a program they run the second.
 
 #include "ModulePath.h"
 
@@ -11,17 +12,19 @@ namespace velmoran::test
 namespace
 {
 
-std::string& storedModulePath()
-{
-    static std::string path;
-    return path;
-}
+std::string gModulePath;
+std::string gToolPath;
 
 } // namespace
 
 const std::string& modulePath()
 {
-    return storedModulePath();
+    return gModulePath;
+}
+
+const std::string& toolPath()
+{
+    return gToolPath;
 }
 
 } // namespace velmoran::test
@@ -31,9 +34,10 @@ int main(int argc, char** argv)
     testing::InitGoogleTest(&argc, argv);
     if (argc < 2)
     {
-        std::fprintf(stderr, "usage: %s MODULE_PATH [gtest options]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s MODULE_PATH [TOOL_PATH] [gtest options]\n", argv[0]);
         return 2;
     }
-    velmoran::test::storedModulePath() = argv[1];
+    velmoran::test::gModulePath = argv[1];
+    velmoran::test::gToolPath = argc > 2 ? argv[2] : "";
     return RUN_ALL_TESTS();
 }

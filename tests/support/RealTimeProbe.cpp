@@ -32,25 +32,19 @@ thread_local velmoran::test::RealTimeCounts tCounts;
 void countAllocation()
 {
     if (tArmed)
-    {
         ++tCounts.allocations;
-    }
 }
 
 void countFree(void* pointer)
 {
     if (tArmed && pointer)
-    {
         ++tCounts.frees;
-    }
 }
 
 void countLock()
 {
     if (tArmed)
-    {
         ++tCounts.locks;
-    }
 }
 
 } // namespace
@@ -110,9 +104,7 @@ extern "C"
         countAllocation();
         void* pointer = __libc_memalign(alignment, size);
         if (!pointer)
-        {
             return ENOMEM;
-        }
         *result = pointer;
         return 0;
     }

@@ -17,9 +17,7 @@ inline std::vector<float> MakeSine(double frequencyHz, double sampleRateHz, std:
 {
     std::vector<float> signal(length);
     for (std::size_t i = 0; i < length; ++i)
-    {
         signal[i] = static_cast<float>(amplitude * std::sin(2.0 * kPi * frequencyHz * i / sampleRateHz));
-    }
     return signal;
 }
 
@@ -28,9 +26,7 @@ inline double LargestStep(const std::vector<float>& signal)
 {
     double largest = 0.0;
     for (std::size_t i = 1; i < signal.size(); ++i)
-    {
         largest = std::max(largest, std::fabs(static_cast<double>(signal[i]) - signal[i - 1]));
-    }
     return largest;
 }
 
@@ -39,9 +35,7 @@ inline double Rms(const std::vector<float>& signal, std::size_t begin, std::size
 {
     double sum = 0.0;
     for (std::size_t i = begin; i < end; ++i)
-    {
         sum += static_cast<double>(signal[i]) * signal[i];
-    }
     return std::sqrt(sum / static_cast<double>(end - begin));
 }
 

@@ -20,8 +20,8 @@ class PluginSettingsTest : public testing::Test
 protected:
     void SetUp() override
     {
-        mModule = loadModule(test::renderModulePath);
-        mHost = std::make_unique<RenderHost>(*mModule, test::renderModulePath);
+        mModule = loadModule(test::modulePath());
+        mHost = std::make_unique<RenderHost>(*mModule, test::modulePath());
         mCatalogue = std::make_unique<ParameterCatalogue>(mHost->controller());
     }
 
@@ -140,7 +140,7 @@ TEST_F(PluginSettingsTest, SettingsReachTheProcessorInOrder)
     const std::vector<char> state = mHost->saveState();
     ASSERT_EQ(state.size(), 276u);
 
-    auto other = std::make_unique<RenderHost>(*mModule, test::renderModulePath);
+    auto other = std::make_unique<RenderHost>(*mModule, test::modulePath());
     other->loadState(state, "memory");
     other->start(48000.0, 2, 256);
     EXPECT_EQ(other->saveState(), state);

@@ -47,22 +47,19 @@ TEST(RenderArguments, ResponseOrStateAloneNeedNoFiles)
     EXPECT_NO_THROW(parseArguments({"--preset", "1", "--save-state", "nv1.state"}));
 }
 
-// A bad command line is a usage error whose message names the culprit.
+// A bad command line is a usage error whose message names the culprit (more cases, run through
+// the tool, in RenderToolTest.cpp).
 TEST(RenderArguments, RefusesBadCommandLines)
 {
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"--block-size", "0", "a.wav", "b.wav"}, "1 to 8192"},
         {{"--block-size", "64k", "a.wav", "b.wav"}, "64k"},
-        {{"--format", "mp3", "a.wav", "b.wav"}, "wav, aiff or flac"},
         {{"--sample-format", "12", "a.wav", "b.wav"}, "16, 24, 32 or float"},
         {{"--set", "03 Gain", "a.wav", "b.wav"}, "TITLE=VALUE"},
         {{"a.wav"}, "no output file"},
         {{"a.wav", "b.wav", "c.wav"}, "c.wav"},
-        {{"", "b.wav"}, "an empty file name"},
         {{"--response", "", "a.wav", "b.wav"}, "--response needs a value, not an empty one"},
-        {{"--preset", "2", "--preset=3", "a.wav", "b.wav"}, "--preset is given twice"},
         {{"--block-size", "64", "--block-size", "64", "a.wav", "b.wav"}, "--block-size is given twice"},
-        {{"a.wav", "b.mp3"}, "it writes wav, aiff or flac, not 'mp3'"},
         {{"--dither", "rect", "a.wav", "b.wav"}, "--dither takes tpdf or none"},
         {{}, "--help"},
         {{"a.wav", "b.wav", "--preset"}, "--preset needs a value"},

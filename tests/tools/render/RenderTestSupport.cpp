@@ -1,5 +1,6 @@
 #include "RenderTestSupport.h"
 
+#include "support/WaitFor.h"
 #include "tools/render/AtomicFile.h"
 
 #include <fcntl.h>
@@ -11,13 +12,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
 
 namespace velmoran::test
 {
@@ -40,6 +39,12 @@ std::string shellWord(const std::string& text)
     for (const char c : text)
         word += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return word + "'";
+}
+
+bool holdsTemporaryFile(const ScratchFolder& folder)
+{
+    const std::vector<std::string> names = folder.names();
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) { return name[0] == '.'; });
 }
 
 } // namespace
@@ -139,9 +144,9 @@ double rmsDb(const Sound& sound, int channel, size_t first, size_t count)
 
 ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
 {
-    std::string command = shellWord(renderToolPath);
+    std::string command = shellWord(toolPath());
     if (givePlugin)
-        command += " --plugin " + shellWord(renderModulePath);
+        command += " --plugin " + shellWord(modulePath());
     for (const std::string& argument : arguments)
         command += " " + shellWord(argument);
     const ScratchFolder streams;
@@ -151,39 +156,10 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
             fileText(streams.file("output"))};
 }
 
-} // namespace velmoran::test
-
-namespace velmoran::test
-{
-
-namespace
-{
-
-// Waits up to a deadline of seconds for a condition, checking it every few milliseconds.
-template <typename Condition> bool waitFor(Condition condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition())
-    {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
-bool holdsTemporaryFile(const ScratchFolder& folder)
-{
-    const std::vector<std::string> names = folder.names();
-    return std::any_of(names.begin(), names.end(), [](const std::string& name) { return name[0] == '.'; });
-}
-
-} // namespace
-
 ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
                       const std::vector<char>& feed, const ScratchFolder& folder, int signal)
 {
-    std::vector<std::string> words = {renderToolPath, "--plugin", renderModulePath};
+    std::vector<std::string> words = {toolPath(), "--plugin", modulePath()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words)
@@ -200,7 +176,7 @@ ToolRun interruptTool(const std::vector<std::string>& arguments, const std::stri
     posix_spawn_file_actions_adddup2(&actions, terminalSide, STDERR_FILENO);
     pid_t child = 0;
     const bool spawned =
-        posix_spawn(&child, renderToolPath.c_str(), &actions, nullptr, argv.data(), environ) == 0;
+        posix_spawn(&child, toolPath().c_str(), &actions, nullptr, argv.data(), environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
     close(terminalSide);
     ToolRun run;

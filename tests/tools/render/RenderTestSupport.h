@@ -3,6 +3,7 @@
 // Shared pieces of the render tests: a scratch folder, test signals written as sound files,
 // files read back, levels measured, errors caught, and the command-line tool run as a user runs it.
 
+#include "support/ModulePath.h"
 #include "tools/render/AudioFile.h"
 #include "tools/render/RenderError.h"
 
@@ -14,10 +15,6 @@
 
 namespace velmoran::test
 {
-
-// Paths given to the test program: the built module and the velmoran-render program.
-inline std::string renderModulePath;
-inline std::string renderToolPath;
 
 // A fresh folder removed with everything in it at destruction.
 class ScratchFolder

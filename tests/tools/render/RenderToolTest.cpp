@@ -33,8 +33,8 @@ using render::writeFileBytes;
 // first block.
 void renderAsHost(const std::vector<char>& state, const ScratchFolder& folder)
 {
-    const auto module = render::loadModule(renderModulePath);
-    render::RenderHost host(*module, renderModulePath);
+    const auto module = render::loadModule(modulePath());
+    render::RenderHost host(*module, modulePath());
     std::vector<float> values(state.size() / sizeof(float));
     std::memcpy(values.data(), state.data(), values.size() * sizeof(float));
     for (size_t index = 0; index < values.size(); ++index)
@@ -184,11 +184,11 @@ TEST(RenderTool, SavedStateRendersIdenticallyAtAnyBlockSize)
 struct BadRun
 {
     const char* name;
+    int exitCode;
     std::vector<std::string> arguments; // "@name" is a file in the scratch folder, "%name" the same relative
     const char* message;                // "@" stands for the scratch folder
-    int exitCode;
-    const char* setUp = ""; // shell commands run in the scratch folder beside in.wav and in.aiff
-    int signal = 0;         // sent while the job renders from the pipe feed.wav with a progress bar
+    const char* setUp = "";             // shell commands run in the scratch folder beside in.wav and in.aiff
+    int signal = 0; // sent while the job renders from the pipe feed.wav with a progress bar
 };
 
 // A WAV header promising ten seconds, with a little of the promised audio.
@@ -199,6 +199,13 @@ std::vector<char> partialFeed()
                48000, 2);
     const std::vector<char> bytes = readFileBytes(scratch.file("long.wav"));
     return std::vector<char>(bytes.begin(), bytes.begin() + 8044);
+}
+
+// A case of the table below, its fields in order (a call, so that the table packs them).
+BadRun refused(const char* name, int exitCode, std::vector<std::string> arguments, const char* message,
+               const char* setUp = "", int signal = 0)
+{
+    return {name, exitCode, std::move(arguments), message, setUp, signal};
 }
 
 class RenderToolRefuses : public testing::TestWithParam<BadRun>
@@ -247,122 +254,76 @@ TEST_P(RenderToolRefuses, WithAClearMessageAndNoOutputFile)
 INSTANTIATE_TEST_SUITE_P(
     Cases, RenderToolRefuses,
     testing::Values(
-        BadRun{"GainOutOfRange",
-               {"--set", "03 Gain=+30 dB", "@in.wav", "@out.wav"},
-               "\"+30 dB\" is outside the range of \"03 Gain\": give a value from -18.00 dB to 18.00 dB",
-               2},
-        BadRun{
-            "UnknownPreset", {"--preset", "British", "@in.wav", "@out.wav"}, "unknown preset \"British\"", 2},
-        BadRun{"UnknownOption", {"--gain", "3", "@in.wav", "@out.wav"}, "unknown option '--gain'", 2},
-        BadRun{
-            "FlacFloat", {"--sample-format", "float", "@in.wav", "@out.flac"}, "FLAC cannot hold float", 2},
-        BadRun{"UnknownTitleBeforeFiles",
-               {"--set", "03 Gian=+6 dB", "@missing.wav", "@out.wav"},
-               "unknown parameter \"03 Gian\"",
-               2},
-        BadRun{"MissingInput", {"@missing.wav", "@out.wav"}, "missing.wav': No such file or directory", 1},
-        BadRun{"MissingState", {"@in.wav", "@out.wav", "--load-state", "@none.state"}, "none.state", 1},
-        BadRun{"OutputFolderMissing", {"@in.wav", "@nowhere/out.wav"}, "nowhere/out.wav", 1},
-        BadRun{"ModuleMissing",
-               {"--plugin", "@Velmoran.so", "@in.wav", "@out.wav"},
-               "cannot load the plug-in '@Velmoran.so'",
-               1},
-        BadRun{"OutputIsInputWithDot", {"@in.wav", "@./in.wav"}, "is the same file as the input", 2},
-        BadRun{"OutputIsInputRelative", {"@in.wav", "%in.wav"}, "is the same file as the input", 2},
-        BadRun{"InputIsOutputRelative", {"%in.wav", "@in.wav"}, "is the same file as the input", 2},
-        BadRun{"OutputLinksToInput",
-               {"@in.wav", "@x"},
-               "the output '@x' is the same file as the input",
-               2,
-               "ln -s in.wav x &&"},
-        BadRun{"OutputIsThePlugIn",
-               {"--plugin", "@x", "@in.wav", "@x"},
-               "the output '@x' is the same file as the plug-in",
-               2,
-               "touch x &&"},
-        BadRun{"OutputIsHardLink", {"@in.wav", "@x"}, "is the same file as the input", 2, "ln in.wav x &&"},
-        BadRun{"SavedStateOverInput",
-               {"--save-state", "@in.wav", "@in.wav", "@out.wav"},
-               "the state to save '@in.wav' is the same file as the input",
-               2},
-        BadRun{"PlotOverInput", {"--response", "@./in.wav", "@in.wav", "@out.wav"}, "the plot", 2},
-        BadRun{"PlotOverOutput",
-               {"--response", "@out.wav", "@in.wav", "@./out.wav"},
-               "the plot '@out.wav' is the same file as the output",
-               2},
-        BadRun{"StateOverOutput",
-               {"--save-state", "@./out.wav", "@in.wav", "@out.wav"},
-               "same file as the output",
-               2},
+        refused("GainOutOfRange", 2, {"--set", "03 Gain=+30 dB", "@in.wav", "@out.wav"},
+                "\"+30 dB\" is outside the range of \"03 Gain\": give a value from -18.00 dB to 18.00 dB"),
+        refused("UnknownPreset", 2, {"--preset", "British", "@in.wav", "@out.wav"},
+                "unknown preset \"British\""),
+        refused("UnknownOption", 2, {"--gain", "3", "@in.wav", "@out.wav"}, "unknown option '--gain'"),
+        refused("FlacFloat", 2, {"--sample-format", "float", "@in.wav", "@out.flac"},
+                "FLAC cannot hold float"),
+        refused("UnknownTitleBeforeFiles", 2, {"--set", "03 Gian=+6 dB", "@missing.wav", "@out.wav"},
+                "unknown parameter \"03 Gian\""),
+        refused("MissingInput", 1, {"@missing.wav", "@out.wav"}, "missing.wav': No such file or directory"),
+        refused("MissingState", 1, {"@in.wav", "@out.wav", "--load-state", "@none.state"}, "none.state"),
+        refused("OutputFolderMissing", 1, {"@in.wav", "@nowhere/out.wav"}, "nowhere/out.wav"),
+        refused("ModuleMissing", 1, {"--plugin", "@Velmoran.so", "@in.wav", "@out.wav"},
+                "cannot load the plug-in '@Velmoran.so'"),
+        refused("OutputIsInputWithDot", 2, {"@in.wav", "@./in.wav"}, "is the same file as the input"),
+        refused("OutputIsInputRelative", 2, {"@in.wav", "%in.wav"}, "is the same file as the input"),
+        refused("InputIsOutputRelative", 2, {"%in.wav", "@in.wav"}, "is the same file as the input"),
+        refused("OutputLinksToInput", 2, {"@in.wav", "@x"}, "the output '@x' is the same file as the input",
+                "ln -s in.wav x &&"),
+        refused("OutputIsThePlugIn", 2, {"--plugin", "@x", "@in.wav", "@x"},
+                "the output '@x' is the same file as the plug-in", "touch x &&"),
+        refused("OutputIsHardLink", 2, {"@in.wav", "@x"}, "is the same file as the input", "ln in.wav x &&"),
+        refused("SavedStateOverInput", 2, {"--save-state", "@in.wav", "@in.wav", "@out.wav"},
+                "the state to save '@in.wav' is the same file as the input"),
+        refused("PlotOverInput", 2, {"--response", "@./in.wav", "@in.wav", "@out.wav"}, "the plot"),
+        refused("PlotOverOutput", 2, {"--response", "@out.wav", "@in.wav", "@./out.wav"},
+                "the plot '@out.wav' is the same file as the output"),
+        refused("StateOverOutput", 2, {"--save-state", "@./out.wav", "@in.wav", "@out.wav"},
+                "same file as the output"),
         // Devices and links like /dev/null and /dev/stdout are made here, so that a failing tool run
         // as root cannot replace the machine's own; without the right to make devices a pipe stands in.
-        BadRun{"DeviceOutput",
-               {"@in.wav", "@x"},
-               "will not replace '@x': it is a ",
-               2,
-               "{ mknod x c 1 3 || mkfifo x; } 2>/dev/null &&"},
-        BadRun{"LinkToStandardOutput",
-               {"@in.wav", "@x"},
-               "will not replace '@x': it is a symbolic link",
-               2,
-               "ln -s /proc/self/fd/1 x &&"},
-        BadRun{"FolderOutput", {"@in.wav", "@x"}, "it is a folder", 2, "mkdir x &&"},
-        BadRun{"TruncatedWav",
-               {"@x", "@out.wav"},
-               "'@x' is truncated: its header promises 38400 bytes of samples, the file holds 956",
-               1,
-               "head -c 1000 in.wav >x &&"},
-        BadRun{"HeaderOnlyWav",
-               {"@x", "@out.wav"},
-               "the file holds 0 (--allow-truncated",
-               1,
-               "head -c 44 in.wav >x &&"},
-        BadRun{"TruncatedAiff", {"@x", "@out.aiff"}, "'@x' is truncated", 1, "head -c 20000 in.aiff >x &&"},
-        BadRun{
-            "StateOfAWavFile",
-            {"--load-state", "@in.wav", "@in.wav", "@out.wav"},
-            "cannot load the state '@in.wav': it holds more than 276 bytes; a saved state holds exactly 276",
-            1},
-        BadRun{"StateTooShort",
-               {"--load-state", "@x", "@in.wav", "@out.wav"},
-               "'@x': it holds 272 bytes",
-               1,
-               "head -c 272 /dev/zero >x &&"},
-        BadRun{"StateEndless",
-               {"--load-state", "/dev/zero", "@in.wav", "@out.wav"},
-               "'/dev/zero': it holds more than 276",
-               1},
-        BadRun{"StateFolder",
-               {"--load-state", "@x", "@in.wav", "@out.wav"},
-               "cannot read '@x': Is a directory",
-               1,
-               "mkdir x &&"},
+        refused("DeviceOutput", 2, {"@in.wav", "@x"}, "will not replace '@x': it is a ",
+                "{ mknod x c 1 3 || mkfifo x; } 2>/dev/null &&"),
+        refused("LinkToStandardOutput", 2, {"@in.wav", "@x"}, "will not replace '@x': it is a symbolic link",
+                "ln -s /proc/self/fd/1 x &&"),
+        refused("FolderOutput", 2, {"@in.wav", "@x"}, "it is a folder", "mkdir x &&"),
+        refused("TruncatedWav", 1, {"@x", "@out.wav"},
+                "'@x' is truncated: its header promises 38400 bytes of samples, the file holds 956",
+                "head -c 1000 in.wav >x &&"),
+        refused("HeaderOnlyWav", 1, {"@x", "@out.wav"}, "the file holds 0 (--allow-truncated",
+                "head -c 44 in.wav >x &&"),
+        refused("TruncatedAiff", 1, {"@x", "@out.aiff"}, "'@x' is truncated", "head -c 20000 in.aiff >x &&"),
+        refused(
+            "StateOfAWavFile", 1, {"--load-state", "@in.wav", "@in.wav", "@out.wav"},
+            "cannot load the state '@in.wav': it holds more than 276 bytes; a saved state holds exactly 276"),
+        refused("StateTooShort", 1, {"--load-state", "@x", "@in.wav", "@out.wav"}, "'@x': it holds 272 bytes",
+                "head -c 272 /dev/zero >x &&"),
+        refused("StateEndless", 1, {"--load-state", "/dev/zero", "@in.wav", "@out.wav"},
+                "'/dev/zero': it holds more than 276"),
+        refused("StateFolder", 1, {"--load-state", "@x", "@in.wav", "@out.wav"},
+                "cannot read '@x': Is a directory", "mkdir x &&"),
         // Little-endian floats: a NaN as the third value, 2.0 as the last.
-        BadRun{"StateNotANumber",
-               {"--load-state", "@x", "@in.wav", "@out.wav"},
-               "'@x': value 3 is not a number",
-               1,
-               "head -c 8 /dev/zero >x && printf '\\000\\000\\300\\177' >>x && head -c 264 /dev/zero >>x &&"},
-        BadRun{"StateOutOfRange",
-               {"--load-state", "@x", "@in.wav", "@out.wav"},
-               "value 69 is 2.000000; every value of a saved state lies in 0..1",
-               1,
-               "head -c 272 /dev/zero >x && printf '\\000\\000\\000\\100' >>x &&"},
-        BadRun{"EmptyInput", {"", "@out.wav"}, "an empty file name", 2},
-        BadRun{"EmptyState",
-               {"--load-state", "", "@in.wav", "@out.wav"},
-               "--load-state needs a value, not an empty one",
-               2},
-        BadRun{"UnknownExtension", {"@in.wav", "@out.mp3"}, "wav, aiff or flac, not 'mp3'", 2},
-        BadRun{
-            "UnknownFormat", {"--format", "mp3", "@in.wav", "@out.wav"}, "wav, aiff or flac, not 'mp3'", 2},
-        BadRun{"RepeatedPreset",
-               {"--preset", "2", "--preset", "3", "@in.wav", "@out.wav"},
-               "--preset is given twice",
-               2},
-        BadRun{"SoloOfNoBand", {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02", 2},
-        BadRun{"CtrlC", {"@feed.wav", "@out.wav"}, "", 130, "mkfifo feed.wav &&", SIGINT},
-        BadRun{"Terminated", {"@feed.wav", "@out.wav"}, "", 143, "mkfifo feed.wav &&", SIGTERM}),
+        refused(
+            "StateNotANumber", 1, {"--load-state", "@x", "@in.wav", "@out.wav"},
+            "'@x': value 3 is not a number",
+            "head -c 8 /dev/zero >x && printf '\\000\\000\\300\\177' >>x && head -c 264 /dev/zero >>x &&"),
+        refused("StateOutOfRange", 1, {"--load-state", "@x", "@in.wav", "@out.wav"},
+                "value 69 is 2.000000; every value of a saved state lies in 0..1",
+                "head -c 272 /dev/zero >x && printf '\\000\\000\\000\\100' >>x &&"),
+        refused("EmptyInput", 2, {"", "@out.wav"}, "an empty file name"),
+        refused("EmptyState", 2, {"--load-state", "", "@in.wav", "@out.wav"},
+                "--load-state needs a value, not an empty one"),
+        refused("UnknownExtension", 2, {"@in.wav", "@out.mp3"}, "wav, aiff or flac, not 'mp3'"),
+        refused("UnknownFormat", 2, {"--format", "mp3", "@in.wav", "@out.wav"},
+                "wav, aiff or flac, not 'mp3'"),
+        refused("RepeatedPreset", 2, {"--preset", "2", "--preset=3", "@in.wav", "@out.wav"},
+                "--preset is given twice"),
+        refused("SoloOfNoBand", 2, {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02"),
+        refused("CtrlC", 130, {"@feed.wav", "@out.wav"}, "", "mkfifo feed.wav &&", SIGINT),
+        refused("Terminated", 143, {"@feed.wav", "@out.wav"}, "", "mkfifo feed.wav &&", SIGTERM)),
     [](const testing::TestParamInfo<BadRun>& info) { return info.param.name; });
 
 // A replaced output keeps its permissions; "-" writes the same file to standard output.
@@ -469,12 +430,11 @@ TEST(RenderTool, HelpAndListsNeedNoFiles)
     ScratchFolder folder;
     const std::string architecture = folder.file("Velmoran.vst3/Contents/x86_64-linux");
     std::filesystem::create_directories(architecture);
-    std::filesystem::create_symlink(std::filesystem::absolute(renderModulePath),
-                                    architecture + "/Velmoran.so");
+    std::filesystem::create_symlink(std::filesystem::absolute(modulePath()), architecture + "/Velmoran.so");
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"--help"}, "Usage: velmoran-render"},
-        {{"--plugin", renderModulePath, "--list-presets"}, "3  \"03 - British EQ NV-3\""},
-        {{"--plugin", renderModulePath, "--list-parameters"}, "\"01 Filt Type\""},
+        {{"--plugin", modulePath(), "--list-presets"}, "3  \"03 - British EQ NV-3\""},
+        {{"--plugin", modulePath(), "--list-parameters"}, "\"01 Filt Type\""},
         {{"--plugin", folder.file("Velmoran.vst3"), "--list-presets"}, "British EQ SL-2"},
     };
     for (const auto& [arguments, shown] : cases)
