@@ -436,8 +436,8 @@ TEST(BandEngineTest, GlideRedesignsAreSpreadOverTheCrossFade)
     for (int chunk = 1; chunk <= 2000; ++chunk)
     {
         designs = 0;
-        Process(*alone, silence);
-        Process(*together, silence);
+        ProcessInChunks(*alone, silence);
+        ProcessInChunks(*together, silence);
         EXPECT_LE(designs, 2) << "chunk " << chunk;
         if (aloneChunks == 0 && alone->currentBandFrequency(10) == 5000.0f)
             aloneChunks = chunk;
