@@ -217,6 +217,7 @@ void CPlugEditorView::registerCallbacks()
     mWindows->setDoubleClickCallback(mWindowSlot, onDoubleClick);
     mWindows->setKeyDownCallback(mWindowSlot, onKeyDown);
     mWindows->setDestroyNotifyCallback(mWindowSlot, onDestroyed);
+    mWindows->setPointerLostCallback(mWindowSlot, onPointerLost);
     mWindows->setTimerCallback(mWindowSlot, onTimer);
 }
 
@@ -387,17 +388,25 @@ void CPlugEditorView::onMouseUp(int x, int y, int button, int, void* user)
     if (view->mScreen)
     {
         if (button == velmoran::platform::kButtonLeft)
+        {
+            view->mReleasingCapture = true;
             view->mWindows->releaseCapture();
+            view->mReleasingCapture = false;
+        }
         view->mScreen->mouseUp(view->designX(x), view->designY(y), static_cast<MouseButton>(button),
                                heldModifiers());
     }
 }
 
-void CPlugEditorView::onMouseMove(int x, int y, int, int, void* user)
+void CPlugEditorView::onMouseMove(int x, int y, int button, int, void* user)
 {
     CPlugEditorView* view = viewOf(user);
-    if (view->mScreen)
-        view->mScreen->mouseMove(view->designX(x), view->designY(y), heldModifiers());
+    if (!view->mScreen)
+        return;
+    Modifiers modifiers = heldModifiers();
+    // Code 1 is the left button alone; with code 0 the left one may still be held with the right.
+    modifiers.leftButtonUp = button != 1 && (GetKeyState(VK_LBUTTON) & 0x8000) == 0;
+    view->mScreen->mouseMove(view->designX(x), view->designY(y), modifiers);
 }
 
 void CPlugEditorView::onDoubleClick(int x, int y, int, int, void* user)
@@ -417,6 +426,13 @@ void CPlugEditorView::onKeyDown(int, int key, int, int, void* user)
 void CPlugEditorView::onDestroyed(int, void* user)
 {
     viewOf(user)->mIsOpen = false;
+}
+
+void CPlugEditorView::onPointerLost(int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen && !view->mReleasingCapture)
+        view->mScreen->cancelGesture();
 }
 
 bool CPlugEditorView::onTimer(void* user)

@@ -106,6 +106,7 @@ private:
     static void onDoubleClick(int x, int y, int button, int slot, void* user);
     static void onKeyDown(int unused, int key, int down, int slot, void* user);
     static void onDestroyed(int slot, void* user);
+    static void onPointerLost(int slot, void* user);
     static bool onTimer(void* user);
 
     velmoran::platform::CPlatformWindows* mWindows = nullptr;
@@ -126,6 +127,8 @@ private:
     uint64_t mSpectrumSequence = 0;
     CRITICAL_SECTION mFrameSection;
     bool mImagesOpen = false;
+    // Set while the editor lets go of the mouse itself at a release, which is no loss.
+    bool mReleasingCapture = false;
 };
 
 } // namespace Velmoran

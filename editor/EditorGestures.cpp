@@ -101,6 +101,8 @@ void EditorScreen::mouseMove(float x, float y, Modifiers modifiers)
 {
     mMouseX = x;
     mMouseY = y;
+    if (mLeftHeld && modifiers.leftButtonUp)
+        cancelGesture();
     if (mMenuBand >= 0)
     {
         if (mBandMenus[static_cast<size_t>(mMenuBand)]->hover(x, y))
@@ -154,6 +156,17 @@ void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*mod
         if (pressed == mLockSelector.get())
             setAutoLock((mGraph.lockMode() + 1) % 4);
         return;
+    }
+    finishGesture();
+}
+
+void EditorScreen::cancelGesture()
+{
+    mLeftHeld = false;
+    if (mPressedWidget != nullptr)
+    {
+        mPressedWidget->setPressed(false);
+        mPressedWidget = nullptr;
     }
     finishGesture();
 }

@@ -42,6 +42,10 @@ public:
     // A screen of the design size talking to `context`, its graph drawn for the given sample
     // rate (Hz).
     EditorScreen(EditorContext& context, float sampleRate);
+    // A screen closed mid-gesture still ends the host's edits.
+    ~EditorScreen();
+    EditorScreen(const EditorScreen&) = delete;
+    EditorScreen& operator=(const EditorScreen&) = delete;
 
     // Reads every parameter and sets every widget without posting messages; the status line then
     // shows the title briefly.
@@ -62,6 +66,10 @@ public:
     void mouseUp(float x, float y, MouseButton button, Modifiers modifiers);
     void doubleClick(float x, float y, Modifiers modifiers);
     void keyDown(int key, Modifiers modifiers);
+    // The window lost the mouse or the focus mid-gesture (capture taken, mode cancelled, focus
+    // gone): the held button's release will not come, so the gesture ends here as at a release,
+    // without the click a release on a widget would make.
+    void cancelGesture();
     // A message box opened (true) or closed: the surface is drawn grey meanwhile.
     void setGreyedOut(bool greyed) { mGreyedOut = greyed; }
 

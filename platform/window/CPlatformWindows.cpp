@@ -219,6 +219,12 @@ void CPlatformWindows::setKeyUpCallback(int slot, KeyCallback callback)
         mSlots[slot].keyUp = callback;
 }
 
+void CPlatformWindows::setPointerLostCallback(int slot, NotifyCallback callback)
+{
+    if (validSlot(slot))
+        mSlots[slot].pointerLost = callback;
+}
+
 void CPlatformWindows::setFileDropCallback(int slot, FileDropCallback callback)
 {
     if (validSlot(slot))

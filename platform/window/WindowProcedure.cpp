@@ -31,6 +31,12 @@ int signedHighWord(LPARAM value)
     return static_cast<int16_t>(HIWORD(value));
 }
 
+void reportPointerLost(const WindowSlot& slot, int index)
+{
+    if (slot.pointerLost != nullptr)
+        slot.pointerLost(index, slot.user);
+}
+
 } // namespace
 
 void CPlatformWindows::waitForWindowProcedure()
@@ -107,7 +113,7 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
             slot.timer(slot.user);
         return 0;
     case WM_MOUSEMOVE:
-        handleMouseMove(slot, index, lParam);
+        handleMouseMove(slot, index, wParam, lParam);
         return 0;
     case WM_LBUTTONDOWN:
         SetFocus(window);
@@ -135,6 +141,14 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
     case WM_MOUSEWHEEL:
         handleMouseWheel(slot, index, window, wParam);
         return 0;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != window)
+            reportPointerLost(slot, index);
+        return DefWindowProcA(window, message, wParam, lParam);
+    case WM_CANCELMODE:
+    case WM_KILLFOCUS:
+        reportPointerLost(slot, index);
+        return DefWindowProcA(window, message, wParam, lParam);
     case WM_DROPFILES:
         handleDroppedFiles(slot, index, wParam);
         return DefWindowProcA(window, message, wParam, lParam);
@@ -157,10 +171,12 @@ void CPlatformWindows::handlePaint(WindowSlot& slot, int index, HWND window)
     EndPaint(window, &paint);
 }
 
-void CPlatformWindows::handleMouseMove(WindowSlot& slot, int index, LPARAM lParam)
+void CPlatformWindows::handleMouseMove(WindowSlot& slot, int index, WPARAM wParam, LPARAM lParam)
 {
-    const bool left = keyIsDown(VK_LBUTTON);
-    const bool right = keyIsDown(VK_RBUTTON);
+    // A button counts as held when the key state or the message itself says so: a host that sends
+    // moves may not keep the key state in step.
+    const bool left = keyIsDown(VK_LBUTTON) || (wParam & MK_LBUTTON) != 0;
+    const bool right = keyIsDown(VK_RBUTTON) || (wParam & MK_RBUTTON) != 0;
     if (slot.trackMoves == 0 && !left && !right)
         return;
     if (slot.mouseMove == nullptr)

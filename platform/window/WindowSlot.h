@@ -49,6 +49,9 @@ struct WindowSlot
     KeyCallback keyUp = nullptr;
     FileDropCallback fileDrop = nullptr;
     TimerCallback timer = nullptr;
+    // The window lost the mouse or the keyboard to someone else (capture taken, a modal loop or a
+    // dialogue cancelling the mode, focus gone): a held button's release will not arrive here.
+    NotifyCallback pointerLost = nullptr;
 
     void* user = nullptr;
 

@@ -111,6 +111,26 @@ void EditorInput::wheel(int x, int y, int notches)
     }
 }
 
+void EditorInput::captureTakenBy(HWND other)
+{
+    SetCapture(other);
+}
+
+void EditorInput::cancelMode()
+{
+    SendMessageA(mWindow, WM_CANCELMODE, 0, 0);
+}
+
+void EditorInput::focusTakenBy(HWND other)
+{
+    SetFocus(other);
+}
+
+void EditorInput::leftReleasedElsewhere()
+{
+    setHeld(VK_LBUTTON, false);
+}
+
 void EditorInput::keyDown(int virtualKey)
 {
     const LPARAM repeated = isHeld(virtualKey) ? kKeyWasDown : 0;

@@ -49,6 +49,11 @@ void onPaint(int left, int top, int width, int height, int slot, void* user)
          slot, user);
 }
 
+void onPointerLost(int slot, void* user)
+{
+    note("lost", slot, user);
+}
+
 bool onCloseQuery(int slot, void* user)
 {
     note("closequery", slot, user);
@@ -271,6 +276,7 @@ TEST_F(WindowKit, InputMessagesReachTheirCallbacks)
         {WM_MOUSEMOVE, 0, "right", {"move -3 41 0"}},
         {WM_MOUSEMOVE, 0, "left right", {"move -3 41 0"}},
         {WM_MOUSEMOVE, 0, "tracked left", {"move -3 41 1"}},
+        {WM_MOUSEMOVE, MK_LBUTTON, "", {"move -3 41 1"}},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), "", turn(2)},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), "", turn(3)},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -1), "", turn(3)},
@@ -292,6 +298,34 @@ TEST_F(WindowKit, InputMessagesReachTheirCallbacks)
         {
             EXPECT_EQ(GetFocus(), kit->windowHandle(slot));
         }
+    }
+}
+
+// The mouse captured by another window, a cancelled mode and a lost focus each tell the editor that
+// a held button's release will not come; giving up the capture to itself does not.
+TEST_F(WindowKit, LosingTheMouseOrTheFocusIsReported)
+{
+    const int slot = openChild();
+    kit->setPointerLostCallback(slot, onPointerLost);
+    HWND child = kit->windowHandle(slot);
+    const struct
+    {
+        UINT message;
+        LPARAM lParam;
+        Events events;
+    } cases[] = {
+        {WM_CAPTURECHANGED, reinterpret_cast<LPARAM>(host), {"lost"}},
+        {WM_CAPTURECHANGED, 0, {"lost"}},
+        {WM_CAPTURECHANGED, reinterpret_cast<LPARAM>(child), {}},
+        {WM_CANCELMODE, 0, {"lost"}},
+        {WM_KILLFOCUS, 0, {"lost"}},
+    };
+    for (const auto& input : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << "message " << input.message);
+        gEvents.clear();
+        send(slot, input.message, 0, input.lParam);
+        EXPECT_EQ(gEvents, input.events);
     }
 }
 

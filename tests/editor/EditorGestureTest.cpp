@@ -1,0 +1,129 @@
+// How the screen's gestures begin and end as a host sees them: every begin gets its end, whatever
+// takes the mouse away, and each gesture leaves behind only what the user asked for.
+
+#include "FakeEditorContext.h"
+
+#include "editor/BandSettings.h"
+#include "editor/EditorScreen.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace velmoran::editor
+{
+namespace
+{
+
+using namespace Steinberg::Vst::Velmoran;
+using test::FakeEditorContext;
+
+constexpr Modifiers kNoModifiers{};
+constexpr Modifiers kButtonUp{false, true};
+
+// Begins not yet ended, over all tags.
+int openEdits(const FakeEditorContext& context)
+{
+    int count = 0;
+    for (const std::string& call : context.log)
+    {
+        if (call.rfind("begin ", 0) == 0)
+            ++count;
+        else if (call.rfind("end ", 0) == 0)
+            --count;
+    }
+    return count;
+}
+
+class EditorGestureTest : public ::testing::Test
+{
+protected:
+    EditorGestureTest() : screen(std::make_unique<EditorScreen>(context, 48000.0f)) { screen->synchronise(); }
+
+    std::pair<float, float> handle(int band) const
+    {
+        return {screen->graph().slot(band).handleX, screen->graph().slot(band).handleY};
+    }
+    std::pair<float, float> centreOf(const Widget& widget) const
+    {
+        return {widget.bounds().x + widget.bounds().width / 2.0f,
+                widget.bounds().y + widget.bounds().height / 2.0f};
+    }
+    // An empty spot of the plot, away from every handle of the default program.
+    std::pair<float, float> emptySpot() const
+    {
+        const Rect plot = screen->graph().plotRect();
+        return {plot.x + 40.0f, plot.bottom() - 30.0f};
+    }
+
+    FakeEditorContext context;
+    std::unique_ptr<EditorScreen> screen;
+};
+
+enum class Press
+{
+    BandHandle,
+    EmptyPlot,
+    Switch
+};
+
+enum class Loss
+{
+    PointerLost,
+    MoveWithoutButton,
+    ScreenClosed
+};
+
+struct LostGesture
+{
+    Press press;
+    Loss loss;
+};
+
+class LostGestureTest : public EditorGestureTest, public ::testing::WithParamInterface<LostGesture>
+{
+};
+
+// The release never arrives: the gesture ends at the loss, the handle stops following the mouse and
+// a switch pressed meanwhile does not switch.
+TEST_P(LostGestureTest, EndsEveryEditWithoutTheRelease)
+{
+    const auto [x, y] = GetParam().press == Press::BandHandle ? handle(5)
+                        : GetParam().press == Press::EmptyPlot
+                            ? emptySpot()
+                            : centreOf(screen->toggle(EditorScreen::kEffectToggle));
+    screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen->mouseMove(x + 20.0f, y - 20.0f, kNoModifiers);
+    switch (GetParam().loss)
+    {
+    case Loss::PointerLost:
+        screen->cancelGesture();
+        break;
+    case Loss::MoveWithoutButton:
+        screen->mouseMove(x + 30.0f, y - 30.0f, kButtonUp);
+        break;
+    case Loss::ScreenClosed:
+        screen.reset();
+        EXPECT_EQ(openEdits(context), 0);
+        return;
+    }
+    EXPECT_EQ(openEdits(context), 0);
+    const size_t calls = context.log.size();
+    screen->mouseMove(x + 60.0f, y - 60.0f, kNoModifiers);
+    screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
+    EXPECT_EQ(context.log.size(), calls) << "nothing follows the mouse once the gesture ended";
+}
+
+INSTANTIATE_TEST_SUITE_P(AllPressesAndLosses, LostGestureTest,
+                         ::testing::Values(LostGesture{Press::BandHandle, Loss::PointerLost},
+                                           LostGesture{Press::BandHandle, Loss::MoveWithoutButton},
+                                           LostGesture{Press::BandHandle, Loss::ScreenClosed},
+                                           LostGesture{Press::EmptyPlot, Loss::PointerLost},
+                                           LostGesture{Press::EmptyPlot, Loss::MoveWithoutButton},
+                                           LostGesture{Press::EmptyPlot, Loss::ScreenClosed},
+                                           LostGesture{Press::Switch, Loss::PointerLost},
+                                           LostGesture{Press::Switch, Loss::MoveWithoutButton}));
+
+} // namespace
+} // namespace velmoran::editor
