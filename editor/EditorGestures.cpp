@@ -508,9 +508,15 @@ void EditorScreen::clearFilters()
 
 void EditorScreen::singleEdit(unsigned tag, double value)
 {
-    beginGesture({tag});
+    // A change of its own: a drag in progress (the wheel turned while the button is held) keeps
+    // its gesture open around it.
+    const bool alreadyOpen = std::find(mOpenEdits.begin(), mOpenEdits.end(), tag) != mOpenEdits.end();
+    if (!alreadyOpen)
+        mContext.beginEdit(tag);
     performGestureEdit(tag, value);
-    finishGesture();
+    if (!alreadyOpen)
+        mContext.endEdit(tag);
+    mNeedsRedraw = true;
 }
 
 void EditorScreen::beginGesture(std::vector<unsigned> tags)

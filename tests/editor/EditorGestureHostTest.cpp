@@ -3,6 +3,7 @@
 
 #include "EditorHostFixture.h"
 
+#include <algorithm>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -40,7 +41,8 @@ void PrintTo(const Loss& loss, std::ostream* out)
     *out << loss.name;
 }
 
-class EditorGestureHost : public OpenEditorFixture, public ::testing::WithParamInterface<Loss>
+// Each case starts with band 6 where the default program has it and puts it back afterwards.
+class Band6InPlace : public OpenEditorFixture
 {
 protected:
     void SetUp() override
@@ -50,12 +52,12 @@ protected:
             return;
         mFrequency = session().plugin().controller->getParamNormalized(kFrequency06);
         mGain = session().plugin().controller->getParamNormalized(kGain06);
+        session().handler().clearEditLog();
     }
     void TearDown() override
     {
         if (IsSkipped())
             return;
-        // Band 6 back where the next case expects its handle.
         session().setParameter(kFrequency06, mFrequency);
         session().setParameter(kGain06, mGain);
         run(0.1);
@@ -66,11 +68,14 @@ private:
     ParamValue mGain = 0.0;
 };
 
+class EditorGestureHost : public Band6InPlace, public ::testing::WithParamInterface<Loss>
+{
+};
+
 // A drag whose release never reaches the editor: the host is told the gesture ended at the loss,
 // and the handle no longer follows the mouse.
 TEST_P(EditorGestureHost, EndsTheDragWhenTheMouseIsTakenAway)
 {
-    session().handler().clearEditLog();
     session().input().leftDown(kHandleX, kHandleY);
     session().input().moveTo(kHandleX + 10, kHandleY - 20);
     ASSERT_GT(performedSince(session().handler().editLog()), 0) << "the drag did not start";
@@ -106,6 +111,44 @@ INSTANTIATE_TEST_SUITE_P(EveryWayTheReleaseIsLost, EditorGestureHost,
                                                 }}),
                          [](const ::testing::TestParamInfo<Loss>& info)
                          { return std::string(info.param.name); });
+
+// The calls for one tag in their order, repeated performs folded into one: "begin perform end".
+std::string gestureOf(const std::vector<EditCall>& log, ParamID tag)
+{
+    static const char* const kNames[] = {"begin", "perform", "end"};
+    std::string calls;
+    EditCall::Kind last = EditCall::kEnd;
+    for (const EditCall& call : log)
+    {
+        if (call.tag != tag ||
+            (call.kind == EditCall::kPerform && last == EditCall::kPerform && !calls.empty()))
+            continue;
+        calls += (calls.empty() ? "" : " ") + std::string(kNames[call.kind]);
+        last = call.kind;
+    }
+    return calls;
+}
+
+using EditorGesturesInHost = Band6InPlace;
+
+// The wheel turned over the handle while it is dragged: the Q changes as a gesture of its own and
+// the drag goes on to the release.
+TEST_F(EditorGesturesInHost, WheelDuringADragLeavesTheDragGoing)
+{
+    constexpr ParamID kQ06 = 42;
+    session().input().leftDown(kHandleX, kHandleY);
+    session().input().moveTo(kHandleX + 10, kHandleY);
+    session().input().wheel(kHandleX + 10, kHandleY, 1);
+    session().input().moveTo(kHandleX + 40, kHandleY);
+    session().input().leftUp(kHandleX + 40, kHandleY);
+    const std::vector<EditCall> log = session().handler().editLog();
+    EXPECT_EQ(gestureOf(log, kFrequency06), "begin perform end");
+    EXPECT_EQ(gestureOf(log, kQ06), "begin perform end");
+    const auto endOf = [&log](ParamID tag) {
+        return std::find(log.begin(), log.end(), EditCall{EditCall::kEnd, tag, 0.0}) - log.begin();
+    };
+    EXPECT_GT(endOf(kFrequency06), endOf(kQ06)) << "the drag ends at the release, after the wheel's edit";
+}
 
 } // namespace
 } // namespace velmoran::test

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace velmoran::editor
 {
@@ -124,6 +125,39 @@ INSTANTIATE_TEST_SUITE_P(AllPressesAndLosses, LostGestureTest,
                                            LostGesture{Press::EmptyPlot, Loss::ScreenClosed},
                                            LostGesture{Press::Switch, Loss::PointerLost},
                                            LostGesture{Press::Switch, Loss::MoveWithoutButton}));
+
+// The positions in the log of the calls for one tag, e.g. "begin", "perform", "end".
+std::vector<std::string> callsFor(const FakeEditorContext& context, unsigned tag)
+{
+    std::vector<std::string> calls;
+    const std::string suffix = " " + std::to_string(tag);
+    for (const std::string& call : context.log)
+        if (call.size() > suffix.size() &&
+            call.compare(call.size() - suffix.size(), suffix.size(), suffix) == 0)
+            calls.push_back(call.substr(0, call.size() - suffix.size()));
+    return calls;
+}
+
+// The wheel turned over the band being dragged changes its Q as a gesture of its own; the drag
+// goes on and ends at the release.
+TEST_F(EditorGestureTest, WheelDuringADragLeavesTheDragGoing)
+{
+    const auto [x, y] = handle(5);
+    const double qBefore = context.parameter(qTag(6));
+    screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen->mouseMove(x + 10.0f, y, kNoModifiers);
+    screen->mouseDown(x + 10.0f, y, MouseButton::WheelUp, kNoModifiers);
+    screen->mouseUp(x + 10.0f, y, MouseButton::WheelUp, kNoModifiers);
+    screen->mouseMove(x + 30.0f, y, kNoModifiers);
+    screen->mouseUp(x + 30.0f, y, MouseButton::Left, kNoModifiers);
+    EXPECT_EQ(callsFor(context, frequencyTag(6)),
+              (std::vector<std::string>{"begin", "perform", "perform", "end"}));
+    EXPECT_EQ(callsFor(context, qTag(6)), (std::vector<std::string>{"begin", "perform", "end"}));
+    EXPECT_GT(context.parameter(qTag(6)), qBefore);
+    EXPECT_NEAR(screen->graph().xForFrequency(
+                    bandFrequencyHz(static_cast<float>(context.lastPerformed(frequencyTag(6))))),
+                x + 30.0f, 0.5f);
+}
 
 } // namespace
 } // namespace velmoran::editor
