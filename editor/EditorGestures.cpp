@@ -67,6 +67,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
         return;
     }
     mLeftHeld = true;
+    mAddedBand = -1;
     if (pressWidget(x, y))
         return;
     const int slot = mGraph.hitTest(x, y);
@@ -173,6 +174,10 @@ void EditorScreen::cancelGesture()
 
 void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
 {
+    // A pair whose first click added a band adds nothing more: the band stays as that click
+    // placed it, even where the pointer lies beyond the band's range and so off its handle.
+    if (mGreyedOut || mAddedBand >= 0)
+        return;
     const int slot = mGraph.hitTest(x, y);
     if (slot >= 0 && slot < kBandCount)
     {
@@ -312,6 +317,7 @@ void EditorScreen::addBandAt(float x, float y)
         return;
     }
     const int number = band + 1;
+    mAddedBand = band;
     beginGesture({filterTypeTag(number), enableTag(number), frequencyTag(number), gainTag(number)});
     performGestureEdit(filterTypeTag(number), normalisedTypeCode(kNewBandType));
     performGestureEdit(enableTag(number), 1.0);

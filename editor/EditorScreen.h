@@ -204,6 +204,8 @@ private:
     // The gesture in progress: the band dragged (-1 for none), the tags with an open edit, where
     // the drag started and the values it started from.
     int mDragBand = -1;
+    // The band that the last left press added, -1 when it added none.
+    int mAddedBand = -1;
     std::vector<unsigned> mOpenEdits;
     float mDragStartX = 0.0f;
     float mDragStartY = 0.0f;

@@ -150,5 +150,25 @@ TEST_F(EditorGesturesInHost, WheelDuringADragLeavesTheDragGoing)
     EXPECT_GT(endOf(kFrequency06), endOf(kQ06)) << "the drag ends at the release, after the wheel's edit";
 }
 
+// A double-click on an empty spot (left of 20 Hz, +12 dB) adds one band where the first click put
+// it; the double-click resets nothing and adds no second band.
+TEST_F(EditorGesturesInHost, DoubleClickOnAnEmptySpotAddsOneBand)
+{
+    constexpr ParamID kFirstTypeTag = 2;
+    constexpr ParamID kFirstGainTag = 27;
+    constexpr int kBands = 10;
+    session().input().doubleClick(110, 181);
+    std::vector<ParamID> addedTypes;
+    for (const EditCall& call : session().handler().editLog())
+        if (call.kind == EditCall::kPerform && call.tag >= kFirstTypeTag &&
+            call.tag < kFirstTypeTag + kBands && call.value > 0.0)
+            addedTypes.push_back(call.tag);
+    ASSERT_EQ(addedTypes.size(), 1u) << "one band added";
+    const ParamID gain = kFirstGainTag + (addedTypes[0] - kFirstTypeTag);
+    EXPECT_NEAR(session().plugin().controller->getParamNormalized(gain), (12.0 + 18.0) / 36.0, 0.03)
+        << "the band keeps the gain where the pointer was";
+    session().setParameter(addedTypes[0], 0.0);
+}
+
 } // namespace
 } // namespace velmoran::test

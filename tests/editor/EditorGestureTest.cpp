@@ -54,8 +54,15 @@ protected:
     // An empty spot of the plot, away from every handle of the default program.
     std::pair<float, float> emptySpot() const
     {
-        const Rect plot = screen->graph().plotRect();
-        return {plot.x + 40.0f, plot.bottom() - 30.0f};
+        return {screen->graph().plotRect().x + 40.0f, screen->graph().yForGain(-12.0f)};
+    }
+
+    int bandsInUse() const
+    {
+        int count = 0;
+        for (int band = 0; band < kBandCount; ++band)
+            count += screen->band(band).inUse() ? 1 : 0;
+        return count;
     }
 
     FakeEditorContext context;
@@ -157,6 +164,41 @@ TEST_F(EditorGestureTest, WheelDuringADragLeavesTheDragGoing)
     EXPECT_NEAR(screen->graph().xForFrequency(
                     bandFrequencyHz(static_cast<float>(context.lastPerformed(frequencyTag(6))))),
                 x + 30.0f, 0.5f);
+}
+
+// Windows reports a double-click as press, release, double-click, release. On an empty spot the
+// first press adds a band at the pointer; the double-click neither resets it nor adds another.
+TEST_F(EditorGestureTest, DoubleClickOnAnEmptySpotAddsOneBandWhereThePointerIs)
+{
+    const auto [x, y] = emptySpot();
+    const int band = screen->graph().firstFreeBand();
+    ASSERT_GE(band, 0);
+    const int bandsBefore = bandsInUse();
+    screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
+    screen->doubleClick(x, y, kNoModifiers);
+    screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
+    EXPECT_EQ(bandsInUse(), bandsBefore + 1) << "one band added";
+    EXPECT_NEAR(screen->band(band).gainDb(), screen->graph().gainForY(y), 0.1f);
+    EXPECT_EQ(context.count("begin " + std::to_string(gainTag(band + 1))), 1) << "one undo step";
+    EXPECT_EQ(context.count("begin " + std::to_string(qTag(band + 1))), 0);
+}
+
+// A double-click on a band that was there before resets it to 0 dB and Q 1.
+TEST_F(EditorGestureTest, DoubleClickOnAnExistingBandResetsIt)
+{
+    const auto [x, y] = handle(5);
+    screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen->mouseMove(x, y - 40.0f, kNoModifiers);
+    screen->mouseUp(x, y - 40.0f, MouseButton::Left, kNoModifiers);
+    ASSERT_GT(screen->band(5).gainDb(), 1.0f);
+    const auto [movedX, movedY] = handle(5);
+    screen->mouseDown(movedX, movedY, MouseButton::Left, kNoModifiers);
+    screen->mouseUp(movedX, movedY, MouseButton::Left, kNoModifiers);
+    screen->doubleClick(movedX, movedY, kNoModifiers);
+    screen->mouseUp(movedX, movedY, MouseButton::Left, kNoModifiers);
+    EXPECT_NEAR(screen->band(5).gainDb(), 0.0f, 1e-3f);
+    EXPECT_NEAR(screen->band(5).qValue(), 1.0f, 1e-3f);
 }
 
 } // namespace
