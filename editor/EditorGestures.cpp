@@ -55,7 +55,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
         {
             mBandMenus[static_cast<size_t>(mMenuBand)]->close();
             mMenuBand = -1;
-            mNeedsRedraw = true;
+            letGoOfHandles();
         }
         return;
     }
@@ -159,6 +159,7 @@ void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*mod
         return;
     }
     finishGesture();
+    letGoOfHandles();
 }
 
 void EditorScreen::cancelGesture()
@@ -170,6 +171,15 @@ void EditorScreen::cancelGesture()
         mPressedWidget = nullptr;
     }
     finishGesture();
+    letGoOfHandles();
+}
+
+void EditorScreen::letGoOfHandles()
+{
+    // The handle stays lit while it is held; let go, its highlight fades once the status cycle
+    // clears the dragged flags.
+    mGraph.clearSelection();
+    mNeedsRedraw = true;
 }
 
 void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
@@ -203,6 +213,7 @@ void EditorScreen::keyDown(int key, Modifiers modifiers)
         {
             menu.close();
             mMenuBand = -1;
+            letGoOfHandles();
         }
         mNeedsRedraw = true;
         return;
@@ -395,6 +406,8 @@ void EditorScreen::wheel(float x, float y, int direction, Modifiers modifiers)
         selectBand(band);
         singleEdit(qTag(band + 1), std::clamp(settings.q + step * static_cast<float>(direction), 0.0f, 1.0f));
         showBandInfo(band, -1);
+        if (mDragBand < 0)
+            letGoOfHandles();
         return;
     }
     if (!mGraph.plotRect().contains(x, y))
@@ -424,6 +437,7 @@ void EditorScreen::chooseMenuEntry(int entry)
     const int code = menu.entries()[static_cast<size_t>(entry)].code;
     menu.close();
     mMenuBand = -1;
+    letGoOfHandles();
     if (code == 0)
     {
         deleteBand(band);

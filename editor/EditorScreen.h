@@ -156,6 +156,7 @@ private:
     void addBandAt(float x, float y);
     void dragBand(float x, float y, Modifiers modifiers);
     void finishGesture();
+    void letGoOfHandles();
     void wheel(float x, float y, int direction, Modifiers modifiers);
     void openBandMenu(int band, float x, float y);
     void chooseMenuEntry(int entry);

@@ -167,6 +167,9 @@ void ResponseGraph::setBand(int slot, float freqHz, float gainDb, float q, int t
     band.routing = routing;
     band.active = active;
     band.visible = typeCode != dsp::kTypeNone;
+    // A removed band is held by nothing, so it cannot keep the other highlights from fading.
+    band.selected = band.selected && band.visible;
+    band.dragged = band.dragged && band.visible;
     designBand(slot);
     placeHandle(band);
 }

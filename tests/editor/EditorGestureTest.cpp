@@ -201,5 +201,66 @@ TEST_F(EditorGestureTest, DoubleClickOnAnExistingBandResetsIt)
     EXPECT_NEAR(screen->band(5).qValue(), 1.0f, 1e-3f);
 }
 
+enum class LetGo
+{
+    DragReleased,
+    ClickReleased,
+    DeletedWithTheKey,
+    WheelTurned,
+    MenuDismissed
+};
+
+class LetGoTest : public EditorGestureTest, public ::testing::WithParamInterface<LetGo>
+{
+};
+
+// However a handle is let go, it is no longer held, and once the status cycle has cleared the
+// dragged flags every highlight fades back to an eighth of its colour.
+TEST_P(LetGoTest, HighlightsFadeOnceTheHandleIsLetGo)
+{
+    const auto [x, y] = handle(5);
+    switch (GetParam())
+    {
+    case LetGo::DragReleased:
+        screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+        screen->mouseMove(x + 20.0f, y - 20.0f, kNoModifiers);
+        screen->mouseUp(x + 20.0f, y - 20.0f, MouseButton::Left, kNoModifiers);
+        break;
+    case LetGo::ClickReleased:
+        screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+        screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
+        break;
+    case LetGo::DeletedWithTheKey:
+        screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+        screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
+        screen->keyDown(keys::kDelete, kNoModifiers);
+        break;
+    case LetGo::WheelTurned:
+        screen->mouseDown(x, y, MouseButton::WheelUp, kNoModifiers);
+        screen->mouseUp(x, y, MouseButton::WheelUp, kNoModifiers);
+        break;
+    case LetGo::MenuDismissed:
+        screen->mouseDown(x, y, MouseButton::Right, kNoModifiers);
+        screen->mouseUp(x, y, MouseButton::Right, kNoModifiers);
+        ASSERT_EQ(screen->openMenuBand(), 5);
+        screen->mouseDown(x - 200.0f, y, MouseButton::Left, kNoModifiers);
+        screen->mouseUp(x - 200.0f, y, MouseButton::Left, kNoModifiers);
+        break;
+    }
+    for (int tick = 0; tick < 200; ++tick)
+        screen->tick();
+    for (int slot = 0; slot < ResponseGraph::kSlotCount; ++slot)
+    {
+        const GraphSlot& shown = screen->graph().slot(slot);
+        EXPECT_FALSE(shown.selected) << "slot " << slot;
+        EXPECT_LE(shown.highlight, shown.curveColour.a / 8u) << "slot " << slot;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryWay, LetGoTest,
+                         ::testing::Values(LetGo::DragReleased, LetGo::ClickReleased,
+                                           LetGo::DeletedWithTheKey, LetGo::WheelTurned,
+                                           LetGo::MenuDismissed));
+
 } // namespace
 } // namespace velmoran::editor
