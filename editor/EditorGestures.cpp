@@ -132,8 +132,11 @@ void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*mod
         return;
     if (mMenuBand >= 0)
     {
+        // A release on an entry chooses it: the left button's click, or the right button let go
+        // after it moved from where its press opened the menu.
         const int entry = mBandMenus[static_cast<size_t>(mMenuBand)]->entryAt(x, y);
-        if (entry >= 0 && button == MouseButton::Left)
+        const bool rightMoved = button == MouseButton::Right && (x != mMenuPressX || y != mMenuPressY);
+        if (entry >= 0 && (button == MouseButton::Left || rightMoved))
             chooseMenuEntry(entry);
         return;
     }
@@ -426,6 +429,8 @@ void EditorScreen::openBandMenu(int band, float x, float y)
 {
     selectBand(band);
     mMenuBand = band;
+    mMenuPressX = x;
+    mMenuPressY = y;
     mBandMenus[static_cast<size_t>(band)]->open(x + 4.0f, y + 4.0f, {0.0f, 0.0f, mWidth, mHeight});
     mNeedsRedraw = true;
 }

@@ -201,6 +201,9 @@ private:
     std::array<float, 5> mSwitches{}; // effect, FFT, source, slope, polarity
     int mSelectedBand = -1;
     int mMenuBand = -1;
+    // Where the right press that opened the menu was.
+    float mMenuPressX = 0.0f;
+    float mMenuPressY = 0.0f;
 
     // The gesture in progress: the band dragged (-1 for none), the tags with an open edit, where
     // the drag started and the values it started from.

@@ -170,5 +170,19 @@ TEST_F(EditorGesturesInHost, DoubleClickOnAnEmptySpotAddsOneBand)
     session().setParameter(addedTypes[0], 0.0);
 }
 
+// A right press on band 6's handle opens its menu beside it; moving down to "Low Pass" with the
+// button held and letting go there chooses it, as in the host's own menus.
+TEST_F(EditorGesturesInHost, RightPressMoveReleaseChoosesTheMenuEntry)
+{
+    constexpr ParamID kType06 = 7;
+    constexpr ParamValue kLowPass = 9.0 / 20.0;
+    const ParamValue typeBefore = session().plugin().controller->getParamNormalized(kType06);
+    session().input().rightDown(kHandleX, kHandleY);
+    session().input().moveTo(kHandleX + 75, kHandleY + 203);
+    session().input().rightUp(kHandleX + 75, kHandleY + 203);
+    EXPECT_NEAR(session().plugin().controller->getParamNormalized(kType06), kLowPass, 1e-6);
+    session().setParameter(kType06, typeBefore);
+}
+
 } // namespace
 } // namespace velmoran::test

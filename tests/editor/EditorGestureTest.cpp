@@ -262,5 +262,30 @@ INSTANTIATE_TEST_SUITE_P(EveryWay, LetGoTest,
                                            LetGo::DeletedWithTheKey, LetGo::WheelTurned,
                                            LetGo::MenuDismissed));
 
+// The usual right-press, move, right-release on a band's menu chooses the entry released on; a
+// right click without a move leaves the menu open for a left click.
+TEST_F(EditorGestureTest, RightPressMoveReleaseChoosesTheMenuEntry)
+{
+    constexpr int kLowPass = 9;
+    const auto [x, y] = handle(5);
+    screen->mouseDown(x, y, MouseButton::Right, kNoModifiers);
+    screen->mouseUp(x, y, MouseButton::Right, kNoModifiers);
+    ASSERT_EQ(screen->openMenuBand(), 5) << "a right click opens the menu and leaves it open";
+    screen->keyDown(keys::kEscape, kNoModifiers);
+
+    screen->mouseDown(x, y, MouseButton::Right, kNoModifiers);
+    const PopupMenu& menu = screen->bandMenu(5);
+    const float entryX = menu.bounds().x + menu.bounds().width / 2.0f;
+    float entryY = menu.bounds().y;
+    while (entryY < menu.bounds().bottom() && (menu.entryAt(entryX, entryY) < 0 ||
+                                               menu.entries()[menu.entryAt(entryX, entryY)].code != kLowPass))
+        entryY += 1.0f;
+    ASSERT_LT(entryY, menu.bounds().bottom()) << "the menu has a \"Low Pass\" entry";
+    screen->mouseMove(entryX, entryY, kNoModifiers);
+    screen->mouseUp(entryX, entryY, MouseButton::Right, kNoModifiers);
+    EXPECT_EQ(screen->openMenuBand(), -1);
+    EXPECT_EQ(screen->band(5).typeCode(), kLowPass);
+}
+
 } // namespace
 } // namespace velmoran::editor
