@@ -451,11 +451,14 @@ bool ResponseGraph::fadeHighlights()
 
 int ResponseGraph::handleAt(float x, float y) const
 {
-    for (int index = 0; index < kSlotCount; ++index)
+    // Only what is drawn can be taken: the bands' handles inside the plot, not the markers' dots
+    // nor a handle that a zoom has moved out of the plot.
+    const Rect plot = plotRect();
+    for (int index = 0; index < kBandCount; ++index)
     {
         const GraphSlot& slot = mSlots[index];
-        if (slot.visible && std::fabs(slot.handleX - x) <= kHitReach &&
-            std::fabs(slot.handleY - y) <= kHitReach)
+        if (slot.visible && plot.contains(slot.handleX, slot.handleY) &&
+            std::fabs(slot.handleX - x) <= kHitReach && std::fabs(slot.handleY - y) <= kHitReach)
         {
             return index;
         }
