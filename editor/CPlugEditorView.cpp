@@ -215,6 +215,7 @@ void CPlugEditorView::registerCallbacks()
     mWindows->setMouseUpCallback(mWindowSlot, onMouseUp);
     mWindows->setMouseMoveCallback(mWindowSlot, onMouseMove);
     mWindows->setDoubleClickCallback(mWindowSlot, onDoubleClick);
+    mWindows->setMouseWheelCallback(mWindowSlot, onMouseWheel);
     mWindows->setKeyDownCallback(mWindowSlot, onKeyDown);
     mWindows->setDestroyNotifyCallback(mWindowSlot, onDestroyed);
     mWindows->setPointerLostCallback(mWindowSlot, onPointerLost);
@@ -414,6 +415,14 @@ void CPlugEditorView::onDoubleClick(int x, int y, int, int, void* user)
     CPlugEditorView* view = viewOf(user);
     if (view->mScreen)
         view->mScreen->doubleClick(view->designX(x), view->designY(y), heldModifiers());
+}
+
+void CPlugEditorView::onMouseWheel(int x, int y, int delta, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen)
+        view->mScreen->wheel(view->designX(x), view->designY(y),
+                             static_cast<float>(delta) / static_cast<float>(WHEEL_DELTA), heldModifiers());
 }
 
 void CPlugEditorView::onKeyDown(int, int key, int, int, void* user)

@@ -104,6 +104,7 @@ private:
     static void onMouseUp(int x, int y, int button, int slot, void* user);
     static void onMouseMove(int x, int y, int button, int slot, void* user);
     static void onDoubleClick(int x, int y, int button, int slot, void* user);
+    static void onMouseWheel(int x, int y, int delta, int slot, void* user);
     static void onKeyDown(int unused, int key, int down, int slot, void* user);
     static void onDestroyed(int slot, void* user);
     static void onPointerLost(int slot, void* user);

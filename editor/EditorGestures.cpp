@@ -45,7 +45,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
         return;
     if (button == MouseButton::WheelUp || button == MouseButton::WheelDown)
     {
-        wheel(x, y, button == MouseButton::WheelUp ? 1 : -1, modifiers);
+        wheel(x, y, button == MouseButton::WheelUp ? 1.0f : -1.0f, modifiers);
         return;
     }
     if (mMenuBand >= 0)
@@ -398,8 +398,12 @@ void EditorScreen::finishGesture()
     mNeedsRedraw = true;
 }
 
-void EditorScreen::wheel(float x, float y, int direction, Modifiers modifiers)
+void EditorScreen::wheel(float x, float y, float steps, Modifiers modifiers)
 {
+    mMouseX = x;
+    mMouseY = y;
+    if (mGreyedOut || steps == 0.0f || !std::isfinite(steps))
+        return;
     const int slot = mGraph.hitTest(x, y);
     const int band = slot >= 0 && slot < kBandCount ? slot : mDragBand;
     if (band >= 0)
@@ -407,7 +411,7 @@ void EditorScreen::wheel(float x, float y, int direction, Modifiers modifiers)
         BandSettings& settings = mBands[static_cast<size_t>(band)];
         const float step = kWheelQStep * (modifiers.fine ? kFineFactor : 1.0f);
         selectBand(band);
-        singleEdit(qTag(band + 1), std::clamp(settings.q + step * static_cast<float>(direction), 0.0f, 1.0f));
+        singleEdit(qTag(band + 1), std::clamp(settings.q + step * steps, 0.0f, 1.0f));
         showBandInfo(band, -1);
         if (mDragBand < 0)
             letGoOfHandles();
@@ -415,7 +419,7 @@ void EditorScreen::wheel(float x, float y, int direction, Modifiers modifiers)
     }
     if (!mGraph.plotRect().contains(x, y))
         return;
-    mGraph.wheelZoom(static_cast<float>(direction), x, y);
+    mGraph.wheelZoom(steps, x, y);
     setZoomReadout(mGraph.zoom());
     for (auto& box : mInfoBoxes)
         box->setVisible(false);

@@ -65,6 +65,10 @@ public:
     void mouseMove(float x, float y, Modifiers modifiers);
     void mouseUp(float x, float y, MouseButton button, Modifiers modifiers);
     void doubleClick(float x, float y, Modifiers modifiers);
+    // The wheel turned by `steps` (positive away from the user; a notch of a stepped wheel is one,
+    // a touchpad or a free-spinning wheel gives fractions): Q over a band, zoom over the plot, in
+    // proportion, so that many small turns add up to one big one.
+    void wheel(float x, float y, float steps, Modifiers modifiers);
     void keyDown(int key, Modifiers modifiers);
     // The window lost the mouse or the focus mid-gesture (capture taken, mode cancelled, focus
     // gone): the held button's release will not come, so the gesture ends here as at a release,
@@ -157,7 +161,6 @@ private:
     void dragBand(float x, float y, Modifiers modifiers);
     void finishGesture();
     void letGoOfHandles();
-    void wheel(float x, float y, int direction, Modifiers modifiers);
     void openBandMenu(int band, float x, float y);
     void chooseMenuEntry(int entry);
     void resetBand(int band);

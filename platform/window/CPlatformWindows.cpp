@@ -225,6 +225,12 @@ void CPlatformWindows::setPointerLostCallback(int slot, NotifyCallback callback)
         mSlots[slot].pointerLost = callback;
 }
 
+void CPlatformWindows::setMouseWheelCallback(int slot, MouseCallback callback)
+{
+    if (validSlot(slot))
+        mSlots[slot].mouseWheel = callback;
+}
+
 void CPlatformWindows::setFileDropCallback(int slot, FileDropCallback callback)
 {
     if (validSlot(slot))

@@ -49,6 +49,7 @@ public:
     void setFileDropCallback(int slot, FileDropCallback callback);
     void setSpareCallback(int slot, NotifyCallback callback);
     void setPointerLostCallback(int slot, NotifyCallback callback);
+    void setMouseWheelCallback(int slot, MouseCallback callback);
     // Stores the timer callback and starts the window's timer at the window-timer period; a free
     // slot is left alone.
     void setTimerCallback(int slot, TimerCallback callback);

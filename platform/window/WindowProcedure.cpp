@@ -193,6 +193,11 @@ void CPlatformWindows::handleMouseWheel(WindowSlot& slot, int index, HWND window
     const int delta = static_cast<int16_t>(HIWORD(wParam));
     if (delta == 0)
         return;
+    if (slot.mouseWheel != nullptr)
+    {
+        slot.mouseWheel(cursor.x, cursor.y, delta, index, slot.user);
+        return;
+    }
     if (slot.mouseDown != nullptr)
         slot.mouseDown(cursor.x, cursor.y, delta > 0 ? kButtonWheelUp : kButtonWheelDown, index, slot.user);
     // The release always carries the wheel-up code: only the press tells the direction.

@@ -52,6 +52,9 @@ struct WindowSlot
     // The window lost the mouse or the keyboard to someone else (capture taken, a modal loop or a
     // dialogue cancelling the mode, focus gone): a held button's release will not arrive here.
     NotifyCallback pointerLost = nullptr;
+    // The wheel with its delta (120 a notch) in place of the button code; when set, it takes the
+    // wheel instead of the press and release pair.
+    MouseCallback mouseWheel = nullptr;
 
     void* user = nullptr;
 

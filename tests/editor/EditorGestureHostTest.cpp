@@ -184,5 +184,17 @@ TEST_F(EditorGesturesInHost, RightPressMoveReleaseChoosesTheMenuEntry)
     session().setParameter(kType06, typeBefore);
 }
 
+// A touchpad's four small turns of 30 over band 6 move its Q as far as one notch of 120 would.
+TEST_F(EditorGesturesInHost, SmallWheelDeltasAddUpToOneNotch)
+{
+    constexpr ParamID kQ06 = 42;
+    constexpr double kQPerNotch = 0.025;
+    const ParamValue qBefore = session().plugin().controller->getParamNormalized(kQ06);
+    for (int turn = 0; turn < 4; ++turn)
+        session().input().wheelDelta(kHandleX, kHandleY, WHEEL_DELTA / 4);
+    EXPECT_NEAR(session().plugin().controller->getParamNormalized(kQ06) - qBefore, kQPerNotch, 1e-4);
+    session().setParameter(kQ06, qBefore);
+}
+
 } // namespace
 } // namespace velmoran::test

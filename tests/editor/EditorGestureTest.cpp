@@ -287,5 +287,39 @@ TEST_F(EditorGestureTest, RightPressMoveReleaseChoosesTheMenuEntry)
     EXPECT_EQ(screen->band(5).typeCode(), kLowPass);
 }
 
+struct WheelSeries
+{
+    int turns;
+    float steps;   // each turn's, 1 a notch
+    float qChange; // normalised, over a band
+    float zoom;    // over the empty plot
+};
+
+class WheelSeriesTest : public EditorGestureTest, public ::testing::WithParamInterface<WheelSeries>
+{
+};
+
+// The wheel moves in proportion to its delta, and a fast series of small turns adds up to the
+// same as one big one.
+TEST_P(WheelSeriesTest, MovesInProportionToTheDelta)
+{
+    const WheelSeries& series = GetParam();
+    const auto [x, y] = handle(5);
+    const double qBefore = context.parameter(qTag(6));
+    const auto [emptyX, emptyY] = emptySpot();
+    for (int turn = 0; turn < series.turns; ++turn)
+        screen->wheel(x, y, series.steps, kNoModifiers);
+    for (int turn = 0; turn < series.turns; ++turn)
+        screen->wheel(emptyX, emptyY, series.steps, kNoModifiers);
+    EXPECT_NEAR(context.parameter(qTag(6)) - qBefore, series.qChange, 1e-5);
+    EXPECT_NEAR(screen->graph().zoom(), series.zoom, 1e-5f);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Deltas, WheelSeriesTest,
+    ::testing::Values(WheelSeries{1, 1.0f, 0.025f, 1.1f}, WheelSeries{4, 0.25f, 0.025f, 1.1f},
+                      WheelSeries{12, 1.0f / 12.0f, 0.025f, 1.1f}, WheelSeries{1, 0.5f, 0.0125f, 1.05f},
+                      WheelSeries{3, -1.0f / 3.0f, -0.025f, 1.0f}, WheelSeries{1, 3.0f, 0.075f, 1.3f}));
+
 } // namespace
 } // namespace velmoran::editor

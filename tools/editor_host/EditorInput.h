@@ -28,6 +28,8 @@ public:
     void drag(int fromX, int fromY, int toX, int toY, int steps);
     // The wheel turned over (x, y) by notches (positive away from the user), one message a notch.
     void wheel(int x, int y, int notches);
+    // One wheel message over (x, y) with this delta (120 a notch; a touchpad sends smaller ones).
+    void wheelDelta(int x, int y, int delta);
     // Another window of the thread takes the mouse capture, as a host's dialogue does.
     void captureTakenBy(HWND other);
     // The window is told to cancel its mode (WM_CANCELMODE), as a modal loop starting does.

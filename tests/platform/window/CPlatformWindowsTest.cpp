@@ -40,7 +40,7 @@ template <const char* kind> void record(int a, int b, int c, int slot, void* use
          slot, user);
 }
 constexpr char kDown[] = "down", kUp[] = "up", kMove[] = "move", kDouble[] = "double", kKeyDown[] = "keydown",
-               kKeyUp[] = "keyup";
+               kKeyUp[] = "keyup", kWheel[] = "wheel";
 
 void onPaint(int left, int top, int width, int height, int slot, void* user)
 {
@@ -327,6 +327,27 @@ TEST_F(WindowKit, LosingTheMouseOrTheFocusIsReported)
         send(slot, input.message, 0, input.lParam);
         EXPECT_EQ(gEvents, input.events);
     }
+}
+
+// With a wheel callback the turn arrives once, at the cursor, with its delta: a notch is 120, a
+// touchpad's small steps keep their size.
+TEST_F(WindowKit, WheelCallbackTakesTheDelta)
+{
+    const int slot = openChild();
+    kit->setMouseWheelCallback(slot, record<kWheel>);
+    POINT cursor{};
+    GetCursorPos(&cursor);
+    ScreenToClient(kit->windowHandle(slot), &cursor);
+    const std::string at = std::to_string(cursor.x) + " " + std::to_string(cursor.y);
+    for (const int delta : {WHEEL_DELTA, -WHEEL_DELTA, 15, -7, 360})
+    {
+        gEvents.clear();
+        send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(-3, 41));
+        EXPECT_EQ(gEvents, (Events{"wheel " + at + " " + std::to_string(delta)}));
+    }
+    gEvents.clear();
+    send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, 0), MAKELPARAM(-3, 41));
+    EXPECT_TRUE(gEvents.empty());
 }
 
 TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)
