@@ -5,6 +5,7 @@
 #include "EditorScreen.h"
 #include "EditorSize.h"
 #include "GLPainter.h"
+#include "HostKeys.h"
 #include "mbx/MBXAboutMessage.h"
 #include "platform/render/CGLRenderer.h"
 #include "platform/window/CPlatformWindows.h"
@@ -120,6 +121,28 @@ tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
     return result;
 }
 
+tresult PLUGIN_API CPlugEditorView::onKeyDown(char16, int16 keyCode, int16 modifiers)
+{
+    const int key = velmoran::editor::editorKeyFromHost(keyCode);
+    if (key == 0 || !mScreen || !hasFocus())
+        return kResultFalse;
+    return mScreen->keyDown(key, velmoran::editor::editorModifiersFromHost(modifiers)) ? kResultTrue
+                                                                                       : kResultFalse;
+}
+
+tresult PLUGIN_API CPlugEditorView::onKeyUp(char16, int16 keyCode, int16)
+{
+    const int key = velmoran::editor::editorKeyFromHost(keyCode);
+    if (key == 0 || !mScreen)
+        return kResultFalse;
+    return mScreen->keyUp(key) ? kResultTrue : kResultFalse;
+}
+
+bool CPlugEditorView::hasFocus() const
+{
+    return mIsOpen && mWindowSlot >= 0 && GetFocus() == mWindows->windowHandle(mWindowSlot);
+}
+
 tresult PLUGIN_API CPlugEditorView::removed()
 {
     close();
@@ -216,7 +239,7 @@ void CPlugEditorView::registerCallbacks()
     mWindows->setMouseMoveCallback(mWindowSlot, onMouseMove);
     mWindows->setDoubleClickCallback(mWindowSlot, onDoubleClick);
     mWindows->setMouseWheelCallback(mWindowSlot, onMouseWheel);
-    mWindows->setKeyDownCallback(mWindowSlot, onKeyDown);
+    mWindows->setKeyHandler(mWindowSlot, onWindowKey);
     mWindows->setDestroyNotifyCallback(mWindowSlot, onDestroyed);
     mWindows->setPointerLostCallback(mWindowSlot, onPointerLost);
     mWindows->setTimerCallback(mWindowSlot, onTimer);
@@ -425,11 +448,12 @@ void CPlugEditorView::onMouseWheel(int x, int y, int delta, int, void* user)
                              static_cast<float>(delta) / static_cast<float>(WHEEL_DELTA), heldModifiers());
 }
 
-void CPlugEditorView::onKeyDown(int, int key, int, int, void* user)
+bool CPlugEditorView::onWindowKey(int key, int down, int, void* user)
 {
     CPlugEditorView* view = viewOf(user);
-    if (view->mScreen)
-        view->mScreen->keyDown(key, heldModifiers());
+    if (!view->mScreen || !view->hasFocus())
+        return false;
+    return down != 0 ? view->mScreen->keyDown(key, heldModifiers()) : view->mScreen->keyUp(key);
 }
 
 void CPlugEditorView::onDestroyed(int, void* user)

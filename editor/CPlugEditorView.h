@@ -55,6 +55,10 @@ public:
     tresult PLUGIN_API attached(void* parent, FIDString type) SMTG_OVERRIDE;
     // Closes the editor; the renderer is kept for the next attach.
     tresult PLUGIN_API removed() SMTG_OVERRIDE;
+    // Keys that the host passes on (VST 3 key codes): kResultTrue for those the editor used, which
+    // it uses only while its window has the focus; kResultFalse leaves the key to the host.
+    tresult PLUGIN_API onKeyDown(char16 key, int16 keyCode, int16 modifiers) SMTG_OVERRIDE;
+    tresult PLUGIN_API onKeyUp(char16 key, int16 keyCode, int16 modifiers) SMTG_OVERRIDE;
 
     // A parameter changed in the controller: the widgets follow and the status line says so.
     void parameterChanged(ParamID tag, ParamValue value);
@@ -96,6 +100,7 @@ private:
     void copySpectrumFrame();
     void followSampleRate();
     CPlugController* plugController() const;
+    bool hasFocus() const;
     float designX(int x) const { return static_cast<float>(x) * mScaleX; }
     float designY(int y) const { return static_cast<float>(y) * mScaleY; }
 
@@ -105,7 +110,7 @@ private:
     static void onMouseMove(int x, int y, int button, int slot, void* user);
     static void onDoubleClick(int x, int y, int button, int slot, void* user);
     static void onMouseWheel(int x, int y, int delta, int slot, void* user);
-    static void onKeyDown(int unused, int key, int down, int slot, void* user);
+    static bool onWindowKey(int key, int down, int slot, void* user);
     static void onDestroyed(int slot, void* user);
     static void onPointerLost(int slot, void* user);
     static bool onTimer(void* user);

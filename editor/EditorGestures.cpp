@@ -201,32 +201,54 @@ void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
     mouseDown(x, y, MouseButton::Left, modifiers);
 }
 
-void EditorScreen::keyDown(int key, Modifiers modifiers)
+bool EditorScreen::keyDown(int key, Modifiers modifiers)
 {
-    if (mGreyedOut)
-        return;
-    if (mMenuBand >= 0)
+    if (mGreyedOut || key <= 0 || key >= static_cast<int>(mKeysTaken.size()))
+        return false;
+    const bool used = mMenuBand >= 0 ? menuKey(key) : bandKey(key, modifiers);
+    if (used)
+        mKeysTaken.set(static_cast<size_t>(key));
+    return used;
+}
+
+bool EditorScreen::keyUp(int key)
+{
+    if (key <= 0 || key >= static_cast<int>(mKeysTaken.size()) || !mKeysTaken.test(static_cast<size_t>(key)))
+        return false;
+    mKeysTaken.reset(static_cast<size_t>(key));
+    return true;
+}
+
+bool EditorScreen::menuKey(int key)
+{
+    PopupMenu& menu = *mBandMenus[static_cast<size_t>(mMenuBand)];
+    if (key == keys::kUp || key == keys::kDown)
+        menu.step(key == keys::kDown ? 1 : -1);
+    else if (key == keys::kReturn && menu.markedEntry() >= 0)
+        chooseMenuEntry(menu.markedEntry());
+    else if (key == keys::kEscape)
     {
-        PopupMenu& menu = *mBandMenus[static_cast<size_t>(mMenuBand)];
-        if (key == keys::kUp || key == keys::kDown)
-            menu.step(key == keys::kDown ? 1 : -1);
-        else if (key == keys::kReturn && menu.markedEntry() >= 0)
-            chooseMenuEntry(menu.markedEntry());
-        else if (key == keys::kEscape)
-        {
-            menu.close();
-            mMenuBand = -1;
-            letGoOfHandles();
-        }
-        mNeedsRedraw = true;
-        return;
+        menu.close();
+        mMenuBand = -1;
+        letGoOfHandles();
     }
+    else
+        return false;
+    mNeedsRedraw = true;
+    return true;
+}
+
+bool EditorScreen::bandKey(int key, Modifiers modifiers)
+{
     if (mSelectedBand < 0 || mDragBand >= 0)
-        return;
+        return false;
     if (key == keys::kDelete || key == keys::kBackspace)
         deleteBand(mSelectedBand);
     else if (key == keys::kLeft || key == keys::kRight || key == keys::kUp || key == keys::kDown)
         nudgeBand(mSelectedBand, key, modifiers);
+    else
+        return false;
+    return true;
 }
 
 void EditorScreen::clickToggle(int index)

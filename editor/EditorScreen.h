@@ -14,6 +14,7 @@
 #include "widgets/TextBox.h"
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -69,7 +70,11 @@ public:
     // a touchpad or a free-spinning wheel gives fractions): Q over a band, zoom over the plot, in
     // proportion, so that many small turns add up to one big one.
     void wheel(float x, float y, float steps, Modifiers modifiers);
-    void keyDown(int key, Modifiers modifiers);
+    // A key pressed; true when the editor used it, false when it is for the host (the editor uses
+    // the arrows and Delete on the selected band and the menu's keys while a menu is open).
+    bool keyDown(int key, Modifiers modifiers);
+    // A key let go; true when its press was used, so that the host sees neither half.
+    bool keyUp(int key);
     // The window lost the mouse or the focus mid-gesture (capture taken, mode cancelled, focus
     // gone): the held button's release will not come, so the gesture ends here as at a release,
     // without the click a release on a widget would make.
@@ -160,6 +165,8 @@ private:
     void addBandAt(float x, float y);
     void dragBand(float x, float y, Modifiers modifiers);
     void finishGesture();
+    bool menuKey(int key);
+    bool bandKey(int key, Modifiers modifiers);
     void letGoOfHandles();
     void openBandMenu(int band, float x, float y);
     void chooseMenuEntry(int entry);
@@ -225,6 +232,8 @@ private:
     bool mLockChosen = false;
     bool mLeftHeld = false;
     Widget* mPressedWidget = nullptr;
+    // The keys whose press the editor used, by virtual-key code.
+    std::bitset<256> mKeysTaken;
     float mMouseX = -1.0f;
     float mMouseY = -1.0f;
 };

@@ -231,6 +231,12 @@ void CPlatformWindows::setMouseWheelCallback(int slot, MouseCallback callback)
         mSlots[slot].mouseWheel = callback;
 }
 
+void CPlatformWindows::setKeyHandler(int slot, KeyHandler handler)
+{
+    if (validSlot(slot))
+        mSlots[slot].keyHandler = handler;
+}
+
 void CPlatformWindows::setFileDropCallback(int slot, FileDropCallback callback)
 {
     if (validSlot(slot))

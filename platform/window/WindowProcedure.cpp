@@ -100,14 +100,9 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
     }
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:
-        if (slot.keyDown != nullptr)
-            slot.keyDown(0, static_cast<int>(wParam), 1, index, slot.user);
-        return DefWindowProcA(window, message, wParam, lParam);
     case WM_KEYUP:
     case WM_SYSKEYUP:
-        if (slot.keyUp != nullptr)
-            slot.keyUp(0, static_cast<int>(wParam), 0, index, slot.user);
-        return DefWindowProcA(window, message, wParam, lParam);
+        return handleKey(slot, index, window, message, wParam, lParam);
     case WM_TIMER:
         if (slot.timer != nullptr)
             slot.timer(slot.user);
@@ -203,6 +198,27 @@ void CPlatformWindows::handleMouseWheel(WindowSlot& slot, int index, HWND window
     // The release always carries the wheel-up code: only the press tells the direction.
     if (slot.mouseUp != nullptr)
         slot.mouseUp(cursor.x, cursor.y, kButtonWheelUp, index, slot.user);
+}
+
+LRESULT CPlatformWindows::handleKey(WindowSlot& slot, int index, HWND window, UINT message, WPARAM wParam,
+                                    LPARAM lParam)
+{
+    const bool down = message == WM_KEYDOWN || message == WM_SYSKEYDOWN;
+    if (slot.keyHandler != nullptr)
+    {
+        if (slot.keyHandler(static_cast<int>(wParam), down ? 1 : 0, index, slot.user))
+            return 0;
+        // A key the window does not use is the host's: its shortcuts (the space bar's transport)
+        // keep working while the editor has the focus.
+        HWND parent = GetParent(window);
+        if (parent != nullptr)
+            return SendMessageA(parent, message, wParam, lParam);
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    const KeyCallback callback = down ? slot.keyDown : slot.keyUp;
+    if (callback != nullptr)
+        callback(0, static_cast<int>(wParam), down ? 1 : 0, index, slot.user);
+    return DefWindowProcA(window, message, wParam, lParam);
 }
 
 void CPlatformWindows::handleDroppedFiles(WindowSlot& slot, int index, WPARAM wParam)

@@ -13,6 +13,8 @@ namespace velmoran::platform
 using PaintCallback = void (*)(int left, int top, int width, int height, int slot, void* user);
 using MouseCallback = void (*)(int x, int y, int button, int slot, void* user);
 using KeyCallback = void (*)(int unused, int virtualKey, int down, int slot, void* user);
+// Takes a key press (down 1) or release (down 0); false hands the key on to the parent window.
+using KeyHandler = bool (*)(int virtualKey, int down, int slot, void* user);
 using FileDropCallback = void (*)(const char* path, int slot, void* user);
 using CloseQueryCallback = bool (*)(int slot, void* user);
 using TimerCallback = bool (*)(void* user);
@@ -55,6 +57,9 @@ struct WindowSlot
     // The wheel with its delta (120 a notch) in place of the button code; when set, it takes the
     // wheel instead of the press and release pair.
     MouseCallback mouseWheel = nullptr;
+    // When set, it takes the keys in place of key-down and key-up, and the keys it leaves go to
+    // the parent window (the host's), as if this window had never had the focus.
+    KeyHandler keyHandler = nullptr;
 
     void* user = nullptr;
 

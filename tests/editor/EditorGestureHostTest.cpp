@@ -3,6 +3,8 @@
 
 #include "EditorHostFixture.h"
 
+#include "tools/editor_host/FrameWindow.h"
+
 #include <algorithm>
 #include <functional>
 #include <ostream>
@@ -194,6 +196,44 @@ TEST_F(EditorGesturesInHost, SmallWheelDeltasAddUpToOneNotch)
         session().input().wheelDelta(kHandleX, kHandleY, WHEEL_DELTA / 4);
     EXPECT_NEAR(session().plugin().controller->getParamNormalized(kQ06) - qBefore, kQPerNotch, 1e-4);
     session().setParameter(kQ06, qBefore);
+}
+
+// Once the editor has the focus, the keys it does not use still reach the host's window (the space
+// bar keeps the transport); the arrows move the selected band and stay with the editor. Keys the
+// host passes through IPlugView are answered the same way, and none acts without the focus.
+TEST_F(EditorGesturesInHost, KeysTheEditorDoesNotUseReachTheHost)
+{
+    constexpr int16 kHostSpace = 7;
+    constexpr int16 kHostLeft = 11;
+    constexpr int16 kHostRight = 13;
+    const auto frequency = [this] { return session().plugin().controller->getParamNormalized(kFrequency06); };
+    session().input().leftClick(kHandleX, kHandleY);
+    ASSERT_EQ(GetFocus(), session().editorWindow()) << "a click gives the editor the focus";
+    editorhost::forgetKeysPressedOnFrames();
+    session().input().keyDown(VK_SPACE);
+    session().input().keyUp(VK_SPACE);
+    EXPECT_EQ(editorhost::keysPressedOnFrames(), std::vector<int>{VK_SPACE});
+
+    const ParamValue before = frequency();
+    session().input().keyDown(VK_LEFT);
+    session().input().keyUp(VK_LEFT);
+    EXPECT_EQ(editorhost::keysPressedOnFrames(), std::vector<int>{VK_SPACE}) << "the editor keeps its keys";
+    EXPECT_LT(frequency(), before);
+
+    IPlugView& view = *session().view();
+    EXPECT_EQ(view.onKeyDown(' ', kHostSpace, 0), kResultFalse);
+    EXPECT_EQ(view.onKeyUp(' ', kHostSpace, 0), kResultFalse);
+    EXPECT_EQ(view.onKeyDown(0, kHostRight, 0), kResultTrue);
+    EXPECT_EQ(view.onKeyUp(0, kHostRight, 0), kResultTrue);
+    EXPECT_NEAR(frequency(), before, 1e-4);
+
+    session().input().focusTakenBy(session().frameWindow());
+    EXPECT_EQ(view.onKeyDown(0, kHostLeft, 0), kResultFalse);
+    session().input().keyDown(VK_DELETE);
+    session().input().keyUp(VK_DELETE);
+    EXPECT_NEAR(frequency(), before, 1e-4) << "without the focus the arrows do nothing";
+    EXPECT_EQ(editorhost::keysPressedOnFrames(), (std::vector<int>{VK_SPACE, VK_DELETE}));
+    EXPECT_GT(session().plugin().controller->getParamNormalized(7), 0.0) << "band 6 is still there";
 }
 
 } // namespace

@@ -321,5 +321,69 @@ INSTANTIATE_TEST_SUITE_P(
                       WheelSeries{12, 1.0f / 12.0f, 0.025f, 1.1f}, WheelSeries{1, 0.5f, 0.0125f, 1.05f},
                       WheelSeries{3, -1.0f / 3.0f, -0.025f, 1.0f}, WheelSeries{1, 3.0f, 0.075f, 1.3f}));
 
+enum class KeyState
+{
+    NothingSelected,
+    BandSelected,
+    MenuOpen,
+    Dragging
+};
+
+struct KeyUse
+{
+    KeyState state;
+    int key;
+    bool used;
+};
+
+class KeyUseTest : public EditorGestureTest, public ::testing::WithParamInterface<KeyUse>
+{
+};
+
+// The editor uses the arrows and Delete only on a selected band, and the menu's keys only while a
+// menu is open; every other key, and its release, is left to the host.
+TEST_P(KeyUseTest, UsesOnlyItsOwnKeys)
+{
+    const auto [x, y] = handle(5);
+    switch (GetParam().state)
+    {
+    case KeyState::NothingSelected:
+        break;
+    case KeyState::BandSelected:
+        screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+        screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
+        break;
+    case KeyState::MenuOpen:
+        screen->mouseDown(x, y, MouseButton::Right, kNoModifiers);
+        screen->mouseUp(x, y, MouseButton::Right, kNoModifiers);
+        break;
+    case KeyState::Dragging:
+        screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
+        break;
+    }
+    const size_t calls = context.log.size();
+    EXPECT_EQ(screen->keyDown(GetParam().key, kNoModifiers), GetParam().used);
+    EXPECT_EQ(screen->keyUp(GetParam().key), GetParam().used);
+    if (!GetParam().used)
+    {
+        EXPECT_EQ(context.log.size(), calls) << "a key left to the host changes nothing";
+    }
+}
+
+constexpr int kSpace = 0x20;
+constexpr int kLetterS = 'S';
+
+INSTANTIATE_TEST_SUITE_P(
+    States, KeyUseTest,
+    ::testing::Values(
+        KeyUse{KeyState::NothingSelected, keys::kDelete, false},
+        KeyUse{KeyState::NothingSelected, keys::kLeft, false},
+        KeyUse{KeyState::NothingSelected, kSpace, false}, KeyUse{KeyState::BandSelected, keys::kDelete, true},
+        KeyUse{KeyState::BandSelected, keys::kLeft, true}, KeyUse{KeyState::BandSelected, keys::kUp, true},
+        KeyUse{KeyState::BandSelected, kSpace, false}, KeyUse{KeyState::BandSelected, kLetterS, false},
+        KeyUse{KeyState::BandSelected, keys::kEscape, false}, KeyUse{KeyState::MenuOpen, keys::kDown, true},
+        KeyUse{KeyState::MenuOpen, keys::kEscape, true}, KeyUse{KeyState::MenuOpen, kSpace, false},
+        KeyUse{KeyState::Dragging, keys::kDelete, false}, KeyUse{KeyState::Dragging, kSpace, false}));
+
 } // namespace
 } // namespace velmoran::editor

@@ -49,6 +49,21 @@ void onPaint(int left, int top, int width, int height, int slot, void* user)
          slot, user);
 }
 
+// Takes the left arrow only.
+bool onKey(int key, int down, int slot, void* user)
+{
+    note("key " + std::to_string(key) + " " + std::to_string(down), slot, user);
+    return key == VK_LEFT;
+}
+
+// The host window's procedure while a test listens to what reaches it.
+LRESULT CALLBACK listeningHost(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_KEYDOWN || message == WM_KEYUP || message == WM_SYSKEYDOWN)
+        gEvents.push_back("host " + std::to_string(message) + " " + std::to_string(wParam));
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
 void onPointerLost(int slot, void* user)
 {
     note("lost", slot, user);
@@ -348,6 +363,39 @@ TEST_F(WindowKit, WheelCallbackTakesTheDelta)
     gEvents.clear();
     send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, 0), MAKELPARAM(-3, 41));
     EXPECT_TRUE(gEvents.empty());
+}
+
+// A key handler sees every key; the keys it leaves reach the parent window with their message.
+TEST_F(WindowKit, KeysTheHandlerLeavesGoToTheParent)
+{
+    const int slot = openChild();
+    kit->setKeyHandler(slot, onKey);
+    const LONG_PTR hostProcedure =
+        SetWindowLongPtrA(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(listeningHost));
+    const auto key = [](int virtualKey, int down)
+    { return "key " + std::to_string(virtualKey) + " " + std::to_string(down); };
+    const auto atHost = [](UINT message, int virtualKey)
+    { return "host " + std::to_string(message) + " " + std::to_string(virtualKey); };
+    const struct
+    {
+        UINT message;
+        int virtualKey;
+        Events events;
+    } cases[] = {
+        {WM_KEYDOWN, VK_LEFT, {key(VK_LEFT, 1)}},
+        {WM_KEYUP, VK_LEFT, {key(VK_LEFT, 0)}},
+        {WM_KEYDOWN, VK_SPACE, {key(VK_SPACE, 1), atHost(WM_KEYDOWN, VK_SPACE)}},
+        {WM_KEYUP, VK_SPACE, {key(VK_SPACE, 0), atHost(WM_KEYUP, VK_SPACE)}},
+        {WM_SYSKEYDOWN, 'S', {key('S', 1), atHost(WM_SYSKEYDOWN, 'S')}},
+    };
+    for (const auto& input : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << "message " << input.message << " key " << input.virtualKey);
+        gEvents.clear();
+        send(slot, input.message, static_cast<WPARAM>(input.virtualKey), 1);
+        EXPECT_EQ(gEvents, input.events);
+    }
+    SetWindowLongPtrA(host, GWLP_WNDPROC, hostProcedure);
 }
 
 TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)
