@@ -34,6 +34,8 @@ using velmoran::platform::CGLRenderer;
 using velmoran::platform::CPlatformWindows;
 
 constexpr uint32_t kTimerPeriodMs = 40;
+// Not a renderer's result: the renderer could not even be made, which opens no box.
+constexpr int kRendererNotMade = -1;
 
 int startWithRenderer(CGLRenderer& renderer, HWND window, double logicalWidth, double logicalHeight,
                       double viewportWidth, double viewportHeight)
@@ -161,10 +163,14 @@ void CPlugEditorView::open(HWND parent)
     mWindows->setWindowIcon(mWindowSlot, velmoran::resources::kWindowIcon);
     mWindows->setWindowTitle(mWindowSlot, velmoran::editor::titleLine().c_str());
     mWindows->acceptDroppedFiles(mWindowSlot);
-    if (!startRenderer(mWindows->windowHandle(mWindowSlot)))
+    const int started = startRenderer(mWindows->windowHandle(mWindowSlot));
+    if (started != CGLRenderer::kOk)
     {
         mWindows->destroyWindow(mWindowSlot);
         mWindowSlot = -1;
+        // Last: the box's modal loop keeps the host live, and the host may release the view.
+        if (started != kRendererNotMade)
+            showEditorError("Plug-In Editor Failed to Open", failureText(started));
         return;
     }
     CEditorShared* shared = CEditorShared::instance();
@@ -198,13 +204,13 @@ void CPlugEditorView::open(HWND parent)
         controller->editorOpened(this);
 }
 
-bool CPlugEditorView::startRenderer(HWND window)
+int CPlugEditorView::startRenderer(HWND window)
 {
     if (!mRenderer)
     {
         mRenderer.reset(new (std::nothrow) CGLRenderer());
         if (!mRenderer)
-            return false;
+            return kRendererNotMade;
     }
     const int result =
         gRendererStart(*mRenderer, window, velmoran::editor::kDesignWidth, velmoran::editor::kDesignHeight,
@@ -214,8 +220,7 @@ bool CPlugEditorView::startRenderer(HWND window)
         // The half-started renderer is given up, so that the next attach starts afresh.
         mRenderer->teardown();
         mRenderer.reset();
-        showEditorError("Plug-In Editor Failed to Open", failureText(result));
-        return false;
+        return result;
     }
     mRenderer->setPixelScale(mDisplayScale);
     mRenderer->setClearColour(0, 0, 0);
@@ -228,7 +233,7 @@ bool CPlugEditorView::startRenderer(HWND window)
     const float clientHeight = static_cast<float>(client.bottom - client.top);
     mScaleX = clientWidth > 0.0f ? drawableWidth / clientWidth : 1.0f;
     mScaleY = clientHeight > 0.0f ? drawableHeight / clientHeight : 1.0f;
-    return true;
+    return CGLRenderer::kOk;
 }
 
 void CPlugEditorView::registerCallbacks()
@@ -458,7 +463,11 @@ bool CPlugEditorView::onWindowKey(int key, int down, int, void* user)
 
 void CPlugEditorView::onDestroyed(int, void* user)
 {
-    viewOf(user)->mIsOpen = false;
+    // The host destroyed its window before removed(): the editor closes now, while its window and
+    // so its GL context can still be made current for the textures to go. The kit frees the slot.
+    CPlugEditorView* view = viewOf(user);
+    view->mWindowSlot = -1;
+    view->close();
 }
 
 void CPlugEditorView::onPointerLost(int, void* user)

@@ -95,7 +95,8 @@ public:
 private:
     void open(HWND parent);
     void close();
-    bool startRenderer(HWND window);
+    // The renderer's result code for the window.
+    int startRenderer(HWND window);
     void registerCallbacks();
     void copySpectrumFrame();
     void followSampleRate();

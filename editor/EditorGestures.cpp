@@ -149,16 +149,9 @@ void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*mod
         mPressedWidget = nullptr;
         pressed->setPressed(false);
         mNeedsRedraw = true;
-        if (!pressed->hitTest(x, y))
-            return;
-        for (int index = 0; index < kToggleCount; ++index)
-            if (pressed == mToggles[static_cast<size_t>(index)].get())
-                clickToggle(index);
-        for (int index = 0; index < kImageButtonCount; ++index)
-            if (pressed == mImageButtons[static_cast<size_t>(index)].get())
-                clickImageButton(index);
-        if (pressed == mLockSelector.get())
-            setAutoLock((mGraph.lockMode() + 1) % 4);
+        // The click comes last: it may open a modal box in which the host closes the editor.
+        if (pressed->hitTest(x, y))
+            clickWidget(pressed);
         return;
     }
     finishGesture();
@@ -251,6 +244,28 @@ bool EditorScreen::bandKey(int key, Modifiers modifiers)
     return true;
 }
 
+void EditorScreen::clickWidget(const Widget* pressed)
+{
+    for (int index = 0; index < kToggleCount; ++index)
+    {
+        if (pressed == mToggles[static_cast<size_t>(index)].get())
+        {
+            clickToggle(index);
+            return;
+        }
+    }
+    for (int index = 0; index < kImageButtonCount; ++index)
+    {
+        if (pressed == mImageButtons[static_cast<size_t>(index)].get())
+        {
+            clickImageButton(index);
+            return;
+        }
+    }
+    if (pressed == mLockSelector.get())
+        setAutoLock((mGraph.lockMode() + 1) % 4);
+}
+
 void EditorScreen::clickToggle(int index)
 {
     switch (index)
@@ -305,6 +320,7 @@ void EditorScreen::clickImageButton(int index)
         break;
     case kTitleButtonIndex:
         showTitle();
+        // Last: the box's modal loop keeps the host live, and the host may close the editor.
         mContext.showAbout();
         break;
     case kInfoButton:

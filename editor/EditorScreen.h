@@ -159,6 +159,8 @@ private:
 
     // Gestures (EditorGestures.cpp).
     bool pressWidget(float x, float y);
+    // Runs the click of a pressed widget; nothing of the screen is touched after it.
+    void clickWidget(const Widget* pressed);
     void clickToggle(int index);
     void clickImageButton(int index);
     void startBandDrag(int slot, float x, float y);

@@ -242,6 +242,10 @@ void CPlatformWindows::handleDestroyNotification(int index)
     WindowSlot& slot = mSlots[index];
     if (slot.inUse != 0)
     {
+        // Destroyed by someone else (the host destroying its own window first): while the window
+        // still exists its owner can release what it drew with, GL objects among them.
+        if (slot.destroyNotify != nullptr)
+            slot.destroyNotify(index, slot.user);
         if (slot.timer != nullptr)
             KillTimer(slot.window, kWindowTimerId);
         DeleteDC(slot.memoryDc);

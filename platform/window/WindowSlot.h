@@ -45,7 +45,7 @@ struct WindowSlot
     MouseCallback mouseUp = nullptr;
     MouseCallback mouseMove = nullptr;
     MouseCallback doubleClick = nullptr;
-    NotifyCallback destroyNotify = nullptr; // kept for the caller, never called by the kit
+    NotifyCallback destroyNotify = nullptr; // WM_DESTROY of a window the kit did not destroy itself
     CloseQueryCallback closeQuery = nullptr;
     KeyCallback keyDown = nullptr;
     KeyCallback keyUp = nullptr;

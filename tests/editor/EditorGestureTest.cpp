@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -384,6 +385,38 @@ INSTANTIATE_TEST_SUITE_P(
         KeyUse{KeyState::BandSelected, keys::kEscape, false}, KeyUse{KeyState::MenuOpen, keys::kDown, true},
         KeyUse{KeyState::MenuOpen, keys::kEscape, true}, KeyUse{KeyState::MenuOpen, kSpace, false},
         KeyUse{KeyState::Dragging, keys::kDelete, false}, KeyUse{KeyState::Dragging, kSpace, false}));
+
+// A context whose about box stays up while the host closes the editor.
+class ClosingContext : public FakeEditorContext
+{
+public:
+    void showAbout() override
+    {
+        FakeEditorContext::showAbout();
+        whileTheBoxIsUp();
+    }
+
+    std::function<void()> whileTheBoxIsUp;
+};
+
+// The about box opens from the title's click inside the mouse-up; the host closes the editor while
+// it is up, and nothing of the closed screen is touched when the box returns (AddressSanitizer
+// sees to that in its build).
+TEST(EditorAboutBox, AnEditorClosedWhileTheBoxIsUpIsNotTouchedAfterIt)
+{
+    ClosingContext context;
+    auto screen = std::make_unique<EditorScreen>(context, 48000.0f);
+    screen->synchronise();
+    context.whileTheBoxIsUp = [&screen] { screen.reset(); };
+    const Rect title = screen->titleWidget().bounds();
+    EditorScreen* const shown = screen.get();
+    shown->mouseDown(title.x + title.width / 2.0f, title.y + title.height / 2.0f, MouseButton::Left,
+                     kNoModifiers);
+    shown->mouseUp(title.x + title.width / 2.0f, title.y + title.height / 2.0f, MouseButton::Left,
+                   kNoModifiers);
+    EXPECT_EQ(context.aboutBoxes, 1);
+    EXPECT_EQ(screen, nullptr);
+}
 
 } // namespace
 } // namespace velmoran::editor

@@ -64,6 +64,12 @@ LRESULT CALLBACK listeningHost(HWND window, UINT message, WPARAM wParam, LPARAM 
     return DefWindowProcA(window, message, wParam, lParam);
 }
 
+void onDestroyNotify(int slot, void* user)
+{
+    const bool alive = IsWindow(CPlatformWindows::instance(false)->windowHandle(slot));
+    note(alive ? "destroyed alive" : "destroyed gone", slot, user);
+}
+
 void onPointerLost(int slot, void* user)
 {
     note("lost", slot, user);
@@ -396,6 +402,24 @@ TEST_F(WindowKit, KeysTheHandlerLeavesGoToTheParent)
         EXPECT_EQ(gEvents, input.events);
     }
     SetWindowLongPtrA(host, GWLP_WNDPROC, hostProcedure);
+}
+
+// A window destroyed by someone else (its parent going) tells its owner while it still exists; one
+// the kit destroys itself does not.
+TEST_F(WindowKit, DestroyNotifyOnlyForAWindowDestroyedElsewhere)
+{
+    const int slot = openChild();
+    kit->setDestroyNotifyCallback(slot, onDestroyNotify);
+    gEvents.clear();
+    DestroyWindow(kit->windowHandle(slot));
+    EXPECT_EQ(gEvents, (Events{"destroyed alive"}));
+    EXPECT_EQ(kit->slot(slot).inUse, 0);
+
+    const int second = openChild();
+    kit->setDestroyNotifyCallback(second, onDestroyNotify);
+    gEvents.clear();
+    kit->destroyWindow(second);
+    EXPECT_TRUE(gEvents.empty());
 }
 
 TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)
