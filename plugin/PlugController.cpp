@@ -294,6 +294,8 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         {
             mSampleRate = rate;
         }
+        // A processor activated again, or one that missed the news, hears whether to analyse.
+        setEditorOpen(!mOpenViews.empty());
         return kResultOk;
     }
     // The SDK reads the attributes of a "TextMessage" without asking whether there are any.
@@ -302,6 +304,16 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         return kResultFalse;
     }
     return EditControllerEx1::notify(message);
+}
+
+tresult PLUGIN_API CPlugController::connect(IConnectionPoint* other)
+{
+    const tresult result = EditControllerEx1::connect(other);
+    if (result == kResultOk)
+    {
+        setEditorOpen(!mOpenViews.empty());
+    }
+    return result;
 }
 
 tresult PLUGIN_API CPlugController::getParameterInfo(int32 paramIndex, ParameterInfo& info)
