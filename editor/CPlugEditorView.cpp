@@ -82,8 +82,9 @@ CPlugEditorView::RendererStart CPlugEditorView::setRendererStart(RendererStart s
 CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : EditorView(controller, size)
 {
     mWindows = CPlatformWindows::instance(false);
-    InitializeCriticalSection(&mFrameSection);
+    // The frame first: should it throw, there is no critical section yet to leak.
     mSpectrumFrame = makeSpectrumFrame();
+    InitializeCriticalSection(&mFrameSection);
     mSampleRate = static_cast<float>(controller != nullptr ? controller->sampleRate() : 44100.0);
     mDisplayScale = mWindows != nullptr ? mWindows->displayScale() : 1.0f;
     mScaleX = mScaleY = mDisplayScale;
@@ -119,7 +120,17 @@ tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
         return kResultFalse;
     const tresult result = EditorView::attached(parent, type);
     if (!mIsOpen)
-        open(static_cast<HWND>(parent));
+    {
+        try
+        {
+            open(static_cast<HWND>(parent));
+        }
+        catch (...)
+        {
+            // Out of memory while opening: the view stays closed, ready for a later attach.
+            close();
+        }
+    }
     return result;
 }
 
@@ -128,8 +139,15 @@ tresult PLUGIN_API CPlugEditorView::onKeyDown(char16, int16 keyCode, int16 modif
     const int key = velmoran::editor::editorKeyFromHost(keyCode);
     if (key == 0 || !mScreen || !hasFocus())
         return kResultFalse;
-    return mScreen->keyDown(key, velmoran::editor::editorModifiersFromHost(modifiers)) ? kResultTrue
-                                                                                       : kResultFalse;
+    try
+    {
+        return mScreen->keyDown(key, velmoran::editor::editorModifiersFromHost(modifiers)) ? kResultTrue
+                                                                                           : kResultFalse;
+    }
+    catch (...)
+    {
+        return kResultFalse;
+    }
 }
 
 tresult PLUGIN_API CPlugEditorView::onKeyUp(char16, int16 keyCode, int16)
@@ -183,16 +201,8 @@ void CPlugEditorView::open(HWND parent)
     // the window's own density so it stays sharp.
     const float density = std::min(mEditorWidth / velmoran::editor::kDesignWidth,
                                    mEditorHeight / velmoran::editor::kDesignHeight);
-    try
-    {
-        mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, mSampleRate);
-        mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density);
-    }
-    catch (...)
-    {
-        close();
-        return;
-    }
+    mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, mSampleRate);
+    mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density);
     mScreen->synchronise();
     mWindows->setWindowTimerPeriod(kTimerPeriodMs);
     registerCallbacks();
@@ -288,8 +298,16 @@ CPlugController* CPlugEditorView::plugController() const
 
 void CPlugEditorView::parameterChanged(ParamID tag, ParamValue value)
 {
-    if (mScreen)
+    if (!mScreen)
+        return;
+    try
+    {
         mScreen->parameterChanged(tag, value);
+    }
+    catch (...)
+    {
+        // Out of memory: the controller's setter still succeeds; the widget shows the next change.
+    }
 }
 
 void CPlugEditorView::tick()

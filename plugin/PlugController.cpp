@@ -348,8 +348,17 @@ tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
 void CPlugController::showToEditors(ParamID tag)
 {
 #if defined(_WIN32)
-    // A copy: an editor may close while it follows the change (a message box, for example).
-    const std::vector<CPlugEditorView*> views = mOpenViews;
+    // A copy: an editor may close while it follows the change (a message box, for example). Without
+    // memory for it the editors miss this change; the host's setter still succeeds.
+    std::vector<CPlugEditorView*> views;
+    try
+    {
+        views = mOpenViews;
+    }
+    catch (...)
+    {
+        return;
+    }
     for (CPlugEditorView* view : views)
     {
         view->parameterChanged(tag, getParamNormalized(tag));
@@ -376,7 +385,15 @@ IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
 #if defined(_WIN32)
     if (name && std::strcmp(name, ViewType::kEditor) == 0)
     {
-        return new (std::nothrow) CPlugEditorView(this);
+        // The view's construction allocates beyond the object itself; no exception reaches the host.
+        try
+        {
+            return new CPlugEditorView(this);
+        }
+        catch (...)
+        {
+            return nullptr;
+        }
     }
 #else
     (void)name;

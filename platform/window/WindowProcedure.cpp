@@ -54,7 +54,18 @@ LRESULT CALLBACK CPlatformWindows::windowProcedure(HWND window, UINT message, WP
     if (kit == nullptr || index < 0 || index >= kSlotCount)
         result = DefWindowProcA(window, message, wParam, lParam);
     else
-        result = kit->handleMessage(kit->mSlots[index], index, window, message, wParam, lParam);
+    {
+        // The window procedure is the host's boundary: a callback that runs out of memory loses
+        // its message, never the host's message loop.
+        try
+        {
+            result = kit->handleMessage(kit->mSlots[index], index, window, message, wParam, lParam);
+        }
+        catch (...)
+        {
+            result = 0;
+        }
+    }
     gInsideWindowProcedure = 0;
     return result;
 }
