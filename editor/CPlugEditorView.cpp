@@ -36,6 +36,9 @@ using velmoran::platform::CPlatformWindows;
 constexpr uint32_t kTimerPeriodMs = 40;
 // Not a renderer's result: the renderer could not even be made, which opens no box.
 constexpr int kRendererNotMade = -1;
+// Display scales a host may ask for.
+constexpr float kMinimumScale = 0.5f;
+constexpr float kMaximumScale = 4.0f;
 
 int startWithRenderer(CGLRenderer& renderer, HWND window, double logicalWidth, double logicalHeight,
                       double viewportWidth, double viewportHeight)
@@ -134,6 +137,70 @@ tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
     return result;
 }
 
+tresult PLUGIN_API CPlugEditorView::queryInterface(const TUID iid, void** object)
+{
+    // Compared by value: the SDK copy declares the interface's identifier object without defining it.
+    if (FUnknownPrivate::iidEqual(iid, IPlugViewContentScaleSupport_iid))
+    {
+        addRef();
+        *object = static_cast<IPlugViewContentScaleSupport*>(this);
+        return kResultOk;
+    }
+    return EditorView::queryInterface(iid, object);
+}
+
+tresult PLUGIN_API CPlugEditorView::setContentScaleFactor(ScaleFactor factor)
+{
+    if (!(factor >= kMinimumScale && factor <= kMaximumScale))
+        return kInvalidArgument;
+    try
+    {
+        sizeForScale(factor);
+        ViewRect wanted(rect.left, rect.top, rect.left + mEditorWidthPixels, rect.top + mEditorHeightPixels);
+        // The host answers with onSize; a host without a frame or one that refuses keeps its window
+        // and the editor still draws at the new density.
+        if (plugFrame != nullptr)
+            plugFrame->resizeView(this, &wanted);
+        rect = wanted;
+        if (mIsOpen)
+            followSize();
+        return kResultOk;
+    }
+    catch (...)
+    {
+        return kResultFalse;
+    }
+}
+
+void CPlugEditorView::sizeForScale(float scale)
+{
+    mDisplayScale = scale;
+    CPlugController* controller = plugController();
+    const velmoran::editor::EditorSize size = velmoran::editor::editorSize(
+        controller != nullptr ? controller->editorWidth() : velmoran::editor::kDesignWidth,
+        controller != nullptr ? controller->editorHeight() : velmoran::editor::kDesignHeight, scale, false, 0,
+        0);
+    mEditorWidth = size.width;
+    mEditorHeight = size.height;
+    mEditorWidthPixels = size.widthPixels;
+    mEditorHeightPixels = size.heightPixels;
+}
+
+void CPlugEditorView::followSize()
+{
+    mWindows->resize(mWindowSlot, mEditorWidthPixels, mEditorHeightPixels);
+    mRenderer->makeCurrent();
+    mRenderer->setPixelScale(mDisplayScale);
+    mRenderer->setViewportSize(static_cast<float>(mEditorWidthPixels),
+                               static_cast<float>(mEditorHeightPixels));
+    measureScale(mWindows->windowHandle(mWindowSlot));
+    // Text is drawn at the window's density: the cached texts go and are drawn anew.
+    mPainter->releaseTextures();
+    mPainter =
+        std::make_unique<velmoran::editor::GLPainter>(*mRenderer, CEditorShared::instance(), density());
+    mWindows->invalidate(mWindowSlot, 0, 0, mEditorWidthPixels, mEditorHeightPixels);
+}
+
 tresult PLUGIN_API CPlugEditorView::onKeyDown(char16, int16 keyCode, int16 modifiers)
 {
     const int key = velmoran::editor::editorKeyFromHost(keyCode);
@@ -197,12 +264,8 @@ void CPlugEditorView::open(HWND parent)
         shared->openImages(*mRenderer);
         mImagesOpen = true;
     }
-    // The screen is laid out at its design size and stretched over the window; text is drawn at
-    // the window's own density so it stays sharp.
-    const float density = std::min(mEditorWidth / velmoran::editor::kDesignWidth,
-                                   mEditorHeight / velmoran::editor::kDesignHeight);
     mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, mSampleRate);
-    mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density);
+    mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density());
     mScreen->synchronise();
     mWindows->setWindowTimerPeriod(kTimerPeriodMs);
     registerCallbacks();
@@ -234,6 +297,12 @@ int CPlugEditorView::startRenderer(HWND window)
     }
     mRenderer->setPixelScale(mDisplayScale);
     mRenderer->setClearColour(0, 0, 0);
+    measureScale(window);
+    return CGLRenderer::kOk;
+}
+
+void CPlugEditorView::measureScale(HWND window)
+{
     float drawableWidth = 0.0f;
     float drawableHeight = 0.0f;
     mRenderer->logicalSize(drawableWidth, drawableHeight);
@@ -243,7 +312,14 @@ int CPlugEditorView::startRenderer(HWND window)
     const float clientHeight = static_cast<float>(client.bottom - client.top);
     mScaleX = clientWidth > 0.0f ? drawableWidth / clientWidth : 1.0f;
     mScaleY = clientHeight > 0.0f ? drawableHeight / clientHeight : 1.0f;
-    return CGLRenderer::kOk;
+}
+
+float CPlugEditorView::density() const
+{
+    // The screen is laid out at its design size and stretched over the window; text is drawn at
+    // the window's own density so it stays sharp.
+    return std::min(mEditorWidth / velmoran::editor::kDesignWidth,
+                    mEditorHeight / velmoran::editor::kDesignHeight);
 }
 
 void CPlugEditorView::registerCallbacks()
