@@ -75,7 +75,8 @@ public:
     // State for the tests and the controller.
     bool isOpen() const { return mIsOpen; }
     int windowSlot() const { return mWindowSlot; }
-    float displayScale() const { return mDisplayScale; }
+    // The scale the editor draws at; message boxes follow it.
+    float displayScale() const override { return mDisplayScale; }
     int editorWidth() const { return mEditorWidthPixels; }
     int editorHeight() const { return mEditorHeightPixels; }
     float scaleX() const { return mScaleX; }
