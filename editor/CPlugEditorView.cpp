@@ -10,6 +10,7 @@
 #include "platform/render/CGLRenderer.h"
 #include "platform/window/CPlatformWindows.h"
 #include "plugin/PlugController.h"
+#include "plugin/PlugParameters.h"
 #include "plugin/PlugProgram.h"
 #include "plugin/SpectrumFrame.h"
 #include "resources/ResourceIds.h"
@@ -36,6 +37,8 @@ using velmoran::platform::CPlatformWindows;
 constexpr uint32_t kTimerPeriodMs = 40;
 // Not a renderer's result: the renderer could not even be made, which opens no box.
 constexpr int kRendererNotMade = -1;
+// Paints (40 ms apart) without a spectrum frame before the processor is reminded of the editor.
+constexpr int kPaintsBeforeReminder = 25;
 // Display scales a host may ask for.
 constexpr float kMinimumScale = 0.5f;
 constexpr float kMaximumScale = 4.0f;
@@ -401,10 +404,27 @@ void CPlugEditorView::copySpectrumFrame()
         return;
     EnterCriticalSection(&mFrameSection);
     // Only a frame the view has not seen yet is smoothed and drawn anew.
-    if (controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence))
+    const bool arrived = controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence);
+    if (arrived)
         mScreen->setSpectrum(mSpectrumFrame->magnitudes, kAnalyserMagnitudeCount, mSpectrumFrame->sampleRate,
                              mSpectrumFrame->transformSize);
     LeaveCriticalSection(&mFrameSection);
+    remindProcessor(*controller, arrived);
+}
+
+void CPlugEditorView::remindProcessor(CPlugController& controller, bool frameArrived)
+{
+    // A processor that missed the news of an open editor (a message lost on its way) sends no
+    // frames: while the spectrum is on and none has come for a second, it hears it again.
+    if (frameArrived || !isOn(static_cast<float>(controller.getParamNormalized(kFftTag))))
+    {
+        mPaintsWithoutFrame = 0;
+        return;
+    }
+    if (++mPaintsWithoutFrame < kPaintsBeforeReminder)
+        return;
+    mPaintsWithoutFrame = 0;
+    controller.setEditorOpen(true);
 }
 
 void CPlugEditorView::followSampleRate()

@@ -120,6 +120,7 @@ private:
     int startRenderer(HWND window);
     void registerCallbacks();
     void copySpectrumFrame();
+    void remindProcessor(CPlugController& controller, bool frameArrived);
     void followSampleRate();
     CPlugController* plugController() const;
     bool hasFocus() const;
@@ -153,6 +154,7 @@ private:
     float mSampleRate = 44100.0f;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
     uint64_t mSpectrumSequence = 0;
+    int mPaintsWithoutFrame = 0;
     CRITICAL_SECTION mFrameSection;
     bool mImagesOpen = false;
     // Set while the editor lets go of the mouse itself at a release, which is no loss.
