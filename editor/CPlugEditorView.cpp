@@ -5,10 +5,12 @@
 #include "EditorScreen.h"
 #include "EditorSize.h"
 #include "GLPainter.h"
+#include "HostKeys.h"
 #include "mbx/MBXAboutMessage.h"
 #include "platform/render/CGLRenderer.h"
 #include "platform/window/CPlatformWindows.h"
 #include "plugin/PlugController.h"
+#include "plugin/PlugParameters.h"
 #include "plugin/PlugProgram.h"
 #include "plugin/SpectrumFrame.h"
 #include "resources/ResourceIds.h"
@@ -33,6 +35,13 @@ using velmoran::platform::CGLRenderer;
 using velmoran::platform::CPlatformWindows;
 
 constexpr uint32_t kTimerPeriodMs = 40;
+// Not a renderer's result: the renderer could not even be made, which opens no box.
+constexpr int kRendererNotMade = -1;
+// Paints (40 ms apart) without a spectrum frame before the processor is reminded of the editor.
+constexpr int kPaintsBeforeReminder = 25;
+// Display scales a host may ask for.
+constexpr float kMinimumScale = 0.5f;
+constexpr float kMaximumScale = 4.0f;
 
 int startWithRenderer(CGLRenderer& renderer, HWND window, double logicalWidth, double logicalHeight,
                       double viewportWidth, double viewportHeight)
@@ -79,8 +88,9 @@ CPlugEditorView::RendererStart CPlugEditorView::setRendererStart(RendererStart s
 CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : EditorView(controller, size)
 {
     mWindows = CPlatformWindows::instance(false);
-    InitializeCriticalSection(&mFrameSection);
+    // The frame first: should it throw, there is no critical section yet to leak.
     mSpectrumFrame = makeSpectrumFrame();
+    InitializeCriticalSection(&mFrameSection);
     mSampleRate = static_cast<float>(controller != nullptr ? controller->sampleRate() : 44100.0);
     mDisplayScale = mWindows != nullptr ? mWindows->displayScale() : 1.0f;
     mScaleX = mScaleY = mDisplayScale;
@@ -116,8 +126,111 @@ tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
         return kResultFalse;
     const tresult result = EditorView::attached(parent, type);
     if (!mIsOpen)
-        open(static_cast<HWND>(parent));
+    {
+        try
+        {
+            open(static_cast<HWND>(parent));
+        }
+        catch (...)
+        {
+            // Out of memory while opening: the view stays closed, ready for a later attach.
+            close();
+        }
+    }
     return result;
+}
+
+tresult PLUGIN_API CPlugEditorView::queryInterface(const TUID iid, void** object)
+{
+    // Compared by value: the SDK copy declares the interface's identifier object without defining it.
+    if (FUnknownPrivate::iidEqual(iid, IPlugViewContentScaleSupport_iid))
+    {
+        addRef();
+        *object = static_cast<IPlugViewContentScaleSupport*>(this);
+        return kResultOk;
+    }
+    return EditorView::queryInterface(iid, object);
+}
+
+tresult PLUGIN_API CPlugEditorView::setContentScaleFactor(ScaleFactor factor)
+{
+    if (!(factor >= kMinimumScale && factor <= kMaximumScale))
+        return kInvalidArgument;
+    try
+    {
+        sizeForScale(factor);
+        ViewRect wanted(rect.left, rect.top, rect.left + mEditorWidthPixels, rect.top + mEditorHeightPixels);
+        // The host answers with onSize; a host without a frame or one that refuses keeps its window
+        // and the editor still draws at the new density.
+        if (plugFrame != nullptr)
+            plugFrame->resizeView(this, &wanted);
+        rect = wanted;
+        if (mIsOpen)
+            followSize();
+        return kResultOk;
+    }
+    catch (...)
+    {
+        return kResultFalse;
+    }
+}
+
+void CPlugEditorView::sizeForScale(float scale)
+{
+    mDisplayScale = scale;
+    CPlugController* controller = plugController();
+    const velmoran::editor::EditorSize size = velmoran::editor::editorSize(
+        controller != nullptr ? controller->editorWidth() : velmoran::editor::kDesignWidth,
+        controller != nullptr ? controller->editorHeight() : velmoran::editor::kDesignHeight, scale, false, 0,
+        0);
+    mEditorWidth = size.width;
+    mEditorHeight = size.height;
+    mEditorWidthPixels = size.widthPixels;
+    mEditorHeightPixels = size.heightPixels;
+}
+
+void CPlugEditorView::followSize()
+{
+    mWindows->resize(mWindowSlot, mEditorWidthPixels, mEditorHeightPixels);
+    mRenderer->makeCurrent();
+    mRenderer->setPixelScale(mDisplayScale);
+    mRenderer->setViewportSize(static_cast<float>(mEditorWidthPixels),
+                               static_cast<float>(mEditorHeightPixels));
+    measureScale(mWindows->windowHandle(mWindowSlot));
+    // Text is drawn at the window's density: the cached texts go and are drawn anew.
+    mPainter->releaseTextures();
+    mPainter =
+        std::make_unique<velmoran::editor::GLPainter>(*mRenderer, CEditorShared::instance(), density());
+    mWindows->invalidate(mWindowSlot, 0, 0, mEditorWidthPixels, mEditorHeightPixels);
+}
+
+tresult PLUGIN_API CPlugEditorView::onKeyDown(char16, int16 keyCode, int16 modifiers)
+{
+    const int key = velmoran::editor::editorKeyFromHost(keyCode);
+    if (key == 0 || !mScreen || !hasFocus())
+        return kResultFalse;
+    try
+    {
+        return mScreen->keyDown(key, velmoran::editor::editorModifiersFromHost(modifiers)) ? kResultTrue
+                                                                                           : kResultFalse;
+    }
+    catch (...)
+    {
+        return kResultFalse;
+    }
+}
+
+tresult PLUGIN_API CPlugEditorView::onKeyUp(char16, int16 keyCode, int16)
+{
+    const int key = velmoran::editor::editorKeyFromHost(keyCode);
+    if (key == 0 || !mScreen)
+        return kResultFalse;
+    return mScreen->keyUp(key) ? kResultTrue : kResultFalse;
+}
+
+bool CPlugEditorView::hasFocus() const
+{
+    return mIsOpen && mWindowSlot >= 0 && GetFocus() == mWindows->windowHandle(mWindowSlot);
 }
 
 tresult PLUGIN_API CPlugEditorView::removed()
@@ -138,10 +251,14 @@ void CPlugEditorView::open(HWND parent)
     mWindows->setWindowIcon(mWindowSlot, velmoran::resources::kWindowIcon);
     mWindows->setWindowTitle(mWindowSlot, velmoran::editor::titleLine().c_str());
     mWindows->acceptDroppedFiles(mWindowSlot);
-    if (!startRenderer(mWindows->windowHandle(mWindowSlot)))
+    const int started = startRenderer(mWindows->windowHandle(mWindowSlot));
+    if (started != CGLRenderer::kOk)
     {
         mWindows->destroyWindow(mWindowSlot);
         mWindowSlot = -1;
+        // Last: the box's modal loop keeps the host live, and the host may release the view.
+        if (started != kRendererNotMade)
+            showEditorError("Plug-In Editor Failed to Open", failureText(started));
         return;
     }
     CEditorShared* shared = CEditorShared::instance();
@@ -150,20 +267,8 @@ void CPlugEditorView::open(HWND parent)
         shared->openImages(*mRenderer);
         mImagesOpen = true;
     }
-    // The screen is laid out at its design size and stretched over the window; text is drawn at
-    // the window's own density so it stays sharp.
-    const float density = std::min(mEditorWidth / velmoran::editor::kDesignWidth,
-                                   mEditorHeight / velmoran::editor::kDesignHeight);
-    try
-    {
-        mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, mSampleRate);
-        mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density);
-    }
-    catch (...)
-    {
-        close();
-        return;
-    }
+    mScreen = std::make_unique<velmoran::editor::EditorScreen>(*this, mSampleRate);
+    mPainter = std::make_unique<velmoran::editor::GLPainter>(*mRenderer, shared, density());
     mScreen->synchronise();
     mWindows->setWindowTimerPeriod(kTimerPeriodMs);
     registerCallbacks();
@@ -175,13 +280,13 @@ void CPlugEditorView::open(HWND parent)
         controller->editorOpened(this);
 }
 
-bool CPlugEditorView::startRenderer(HWND window)
+int CPlugEditorView::startRenderer(HWND window)
 {
     if (!mRenderer)
     {
         mRenderer.reset(new (std::nothrow) CGLRenderer());
         if (!mRenderer)
-            return false;
+            return kRendererNotMade;
     }
     const int result =
         gRendererStart(*mRenderer, window, velmoran::editor::kDesignWidth, velmoran::editor::kDesignHeight,
@@ -191,11 +296,16 @@ bool CPlugEditorView::startRenderer(HWND window)
         // The half-started renderer is given up, so that the next attach starts afresh.
         mRenderer->teardown();
         mRenderer.reset();
-        showEditorError("Plug-In Editor Failed to Open", failureText(result));
-        return false;
+        return result;
     }
     mRenderer->setPixelScale(mDisplayScale);
     mRenderer->setClearColour(0, 0, 0);
+    measureScale(window);
+    return CGLRenderer::kOk;
+}
+
+void CPlugEditorView::measureScale(HWND window)
+{
     float drawableWidth = 0.0f;
     float drawableHeight = 0.0f;
     mRenderer->logicalSize(drawableWidth, drawableHeight);
@@ -205,7 +315,14 @@ bool CPlugEditorView::startRenderer(HWND window)
     const float clientHeight = static_cast<float>(client.bottom - client.top);
     mScaleX = clientWidth > 0.0f ? drawableWidth / clientWidth : 1.0f;
     mScaleY = clientHeight > 0.0f ? drawableHeight / clientHeight : 1.0f;
-    return true;
+}
+
+float CPlugEditorView::density() const
+{
+    // The screen is laid out at its design size and stretched over the window; text is drawn at
+    // the window's own density so it stays sharp.
+    return std::min(mEditorWidth / velmoran::editor::kDesignWidth,
+                    mEditorHeight / velmoran::editor::kDesignHeight);
 }
 
 void CPlugEditorView::registerCallbacks()
@@ -215,8 +332,10 @@ void CPlugEditorView::registerCallbacks()
     mWindows->setMouseUpCallback(mWindowSlot, onMouseUp);
     mWindows->setMouseMoveCallback(mWindowSlot, onMouseMove);
     mWindows->setDoubleClickCallback(mWindowSlot, onDoubleClick);
-    mWindows->setKeyDownCallback(mWindowSlot, onKeyDown);
+    mWindows->setMouseWheelCallback(mWindowSlot, onMouseWheel);
+    mWindows->setKeyHandler(mWindowSlot, onWindowKey);
     mWindows->setDestroyNotifyCallback(mWindowSlot, onDestroyed);
+    mWindows->setPointerLostCallback(mWindowSlot, onPointerLost);
     mWindows->setTimerCallback(mWindowSlot, onTimer);
 }
 
@@ -258,8 +377,16 @@ CPlugController* CPlugEditorView::plugController() const
 
 void CPlugEditorView::parameterChanged(ParamID tag, ParamValue value)
 {
-    if (mScreen)
+    if (!mScreen)
+        return;
+    try
+    {
         mScreen->parameterChanged(tag, value);
+    }
+    catch (...)
+    {
+        // Out of memory: the controller's setter still succeeds; the widget shows the next change.
+    }
 }
 
 void CPlugEditorView::tick()
@@ -277,10 +404,27 @@ void CPlugEditorView::copySpectrumFrame()
         return;
     EnterCriticalSection(&mFrameSection);
     // Only a frame the view has not seen yet is smoothed and drawn anew.
-    if (controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence))
+    const bool arrived = controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence);
+    if (arrived)
         mScreen->setSpectrum(mSpectrumFrame->magnitudes, kAnalyserMagnitudeCount, mSpectrumFrame->sampleRate,
                              mSpectrumFrame->transformSize);
     LeaveCriticalSection(&mFrameSection);
+    remindProcessor(*controller, arrived);
+}
+
+void CPlugEditorView::remindProcessor(CPlugController& controller, bool frameArrived)
+{
+    // A processor that missed the news of an open editor (a message lost on its way) sends no
+    // frames: while the spectrum is on and none has come for a second, it hears it again.
+    if (frameArrived || !isOn(static_cast<float>(controller.getParamNormalized(kFftTag))))
+    {
+        mPaintsWithoutFrame = 0;
+        return;
+    }
+    if (++mPaintsWithoutFrame < kPaintsBeforeReminder)
+        return;
+    mPaintsWithoutFrame = 0;
+    controller.setEditorOpen(true);
 }
 
 void CPlugEditorView::followSampleRate()
@@ -387,17 +531,25 @@ void CPlugEditorView::onMouseUp(int x, int y, int button, int, void* user)
     if (view->mScreen)
     {
         if (button == velmoran::platform::kButtonLeft)
+        {
+            view->mReleasingCapture = true;
             view->mWindows->releaseCapture();
+            view->mReleasingCapture = false;
+        }
         view->mScreen->mouseUp(view->designX(x), view->designY(y), static_cast<MouseButton>(button),
                                heldModifiers());
     }
 }
 
-void CPlugEditorView::onMouseMove(int x, int y, int, int, void* user)
+void CPlugEditorView::onMouseMove(int x, int y, int button, int, void* user)
 {
     CPlugEditorView* view = viewOf(user);
-    if (view->mScreen)
-        view->mScreen->mouseMove(view->designX(x), view->designY(y), heldModifiers());
+    if (!view->mScreen)
+        return;
+    Modifiers modifiers = heldModifiers();
+    // Code 1 is the left button alone; with code 0 the left one may still be held with the right.
+    modifiers.leftButtonUp = button != 1 && (GetKeyState(VK_LBUTTON) & 0x8000) == 0;
+    view->mScreen->mouseMove(view->designX(x), view->designY(y), modifiers);
 }
 
 void CPlugEditorView::onDoubleClick(int x, int y, int, int, void* user)
@@ -407,16 +559,36 @@ void CPlugEditorView::onDoubleClick(int x, int y, int, int, void* user)
         view->mScreen->doubleClick(view->designX(x), view->designY(y), heldModifiers());
 }
 
-void CPlugEditorView::onKeyDown(int, int key, int, int, void* user)
+void CPlugEditorView::onMouseWheel(int x, int y, int delta, int, void* user)
 {
     CPlugEditorView* view = viewOf(user);
     if (view->mScreen)
-        view->mScreen->keyDown(key, heldModifiers());
+        view->mScreen->wheel(view->designX(x), view->designY(y),
+                             static_cast<float>(delta) / static_cast<float>(WHEEL_DELTA), heldModifiers());
+}
+
+bool CPlugEditorView::onWindowKey(int key, int down, int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (!view->mScreen || !view->hasFocus())
+        return false;
+    return down != 0 ? view->mScreen->keyDown(key, heldModifiers()) : view->mScreen->keyUp(key);
 }
 
 void CPlugEditorView::onDestroyed(int, void* user)
 {
-    viewOf(user)->mIsOpen = false;
+    // The host destroyed its window before removed(): the editor closes now, while its window and
+    // so its GL context can still be made current for the textures to go. The kit frees the slot.
+    CPlugEditorView* view = viewOf(user);
+    view->mWindowSlot = -1;
+    view->close();
+}
+
+void CPlugEditorView::onPointerLost(int, void* user)
+{
+    CPlugEditorView* view = viewOf(user);
+    if (view->mScreen && !view->mReleasingCapture)
+        view->mScreen->cancelGesture();
 }
 
 bool CPlugEditorView::onTimer(void* user)

@@ -3,6 +3,7 @@
 #include "EditorContext.h"
 #include "mbx/MBXManager.h"
 
+#include "pluginterfaces/gui/iplugviewcontentscalesupport.h"
 #include "public.sdk/source/vst/vsteditcontroller.h"
 
 #include <windows.h>
@@ -36,7 +37,10 @@ struct SpectrumFrame;
 // The plug-in's editor in the host's window: a child window of the window kit with an OpenGL
 // renderer, the equaliser screen, a copy of the latest spectrum frame and a 40 ms repaint timer.
 // The host's UI thread makes every call.
-class CPlugEditorView : public EditorView, public velmoran::editor::EditorContext, public MBXEditorListener
+class CPlugEditorView : public EditorView,
+                        public IPlugViewContentScaleSupport,
+                        public velmoran::editor::EditorContext,
+                        public MBXEditorListener
 {
 public:
     // How the renderer is started on the editor's window: the renderer's own initialise unless
@@ -55,6 +59,15 @@ public:
     tresult PLUGIN_API attached(void* parent, FIDString type) SMTG_OVERRIDE;
     // Closes the editor; the renderer is kept for the next attach.
     tresult PLUGIN_API removed() SMTG_OVERRIDE;
+    // The host's display scale for this view, before or after attached (0.5 to 4): the editor takes
+    // the size of its design times the scale, asks the host's frame for it and draws at that
+    // density.
+    tresult PLUGIN_API setContentScaleFactor(ScaleFactor factor) SMTG_OVERRIDE;
+
+    // Keys that the host passes on (VST 3 key codes): kResultTrue for those the editor used, which
+    // it uses only while its window has the focus; kResultFalse leaves the key to the host.
+    tresult PLUGIN_API onKeyDown(char16 key, int16 keyCode, int16 modifiers) SMTG_OVERRIDE;
+    tresult PLUGIN_API onKeyUp(char16 key, int16 keyCode, int16 modifiers) SMTG_OVERRIDE;
 
     // A parameter changed in the controller: the widgets follow and the status line says so.
     void parameterChanged(ParamID tag, ParamValue value);
@@ -62,7 +75,8 @@ public:
     // State for the tests and the controller.
     bool isOpen() const { return mIsOpen; }
     int windowSlot() const { return mWindowSlot; }
-    float displayScale() const { return mDisplayScale; }
+    // The scale the editor draws at; message boxes follow it.
+    float displayScale() const override { return mDisplayScale; }
     int editorWidth() const { return mEditorWidthPixels; }
     int editorHeight() const { return mEditorHeightPixels; }
     float scaleX() const { return mScaleX; }
@@ -87,15 +101,29 @@ public:
     void messageBoxShown(bool shown) override;
 
     OBJ_METHODS(CPlugEditorView, EditorView)
+    tresult PLUGIN_API queryInterface(const TUID iid, void** object) SMTG_OVERRIDE;
+    uint32 PLUGIN_API addRef() SMTG_OVERRIDE { return EditorView::addRef(); }
+    uint32 PLUGIN_API release() SMTG_OVERRIDE { return EditorView::release(); }
 
 private:
     void open(HWND parent);
+    // Takes the editor's size for the display scale.
+    void sizeForScale(float scale);
+    // The open editor's window, renderer and painter follow the editor's size and scale.
+    void followSize();
+    // scaleX and scaleY from the renderer's drawable size and the window's client size.
+    void measureScale(HWND window);
+    // Device pixels per design pixel.
+    float density() const;
     void close();
-    bool startRenderer(HWND window);
+    // The renderer's result code for the window.
+    int startRenderer(HWND window);
     void registerCallbacks();
     void copySpectrumFrame();
+    void remindProcessor(CPlugController& controller, bool frameArrived);
     void followSampleRate();
     CPlugController* plugController() const;
+    bool hasFocus() const;
     float designX(int x) const { return static_cast<float>(x) * mScaleX; }
     float designY(int y) const { return static_cast<float>(y) * mScaleY; }
 
@@ -104,8 +132,10 @@ private:
     static void onMouseUp(int x, int y, int button, int slot, void* user);
     static void onMouseMove(int x, int y, int button, int slot, void* user);
     static void onDoubleClick(int x, int y, int button, int slot, void* user);
-    static void onKeyDown(int unused, int key, int down, int slot, void* user);
+    static void onMouseWheel(int x, int y, int delta, int slot, void* user);
+    static bool onWindowKey(int key, int down, int slot, void* user);
     static void onDestroyed(int slot, void* user);
+    static void onPointerLost(int slot, void* user);
     static bool onTimer(void* user);
 
     velmoran::platform::CPlatformWindows* mWindows = nullptr;
@@ -124,8 +154,11 @@ private:
     float mSampleRate = 44100.0f;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
     uint64_t mSpectrumSequence = 0;
+    int mPaintsWithoutFrame = 0;
     CRITICAL_SECTION mFrameSection;
     bool mImagesOpen = false;
+    // Set while the editor lets go of the mouse itself at a release, which is no loss.
+    bool mReleasingCapture = false;
 };
 
 } // namespace Velmoran

@@ -22,7 +22,8 @@ public:
     virtual void endEdit(unsigned tag) = 0;
     // The name the editor shows for factory program `index`, empty if there is none.
     virtual std::string programName(int index) const = 0;
-    // Opens the about box.
+    // Opens the about box. Its modal loop keeps the host live, and the host may close the editor
+    // meanwhile, screen included: the screen calls it last and touches nothing after it.
     virtual void showAbout() = 0;
     // Gives the keyboard focus back to the editor's window.
     virtual void focusWindow() = 0;

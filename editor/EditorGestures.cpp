@@ -45,7 +45,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
         return;
     if (button == MouseButton::WheelUp || button == MouseButton::WheelDown)
     {
-        wheel(x, y, button == MouseButton::WheelUp ? 1 : -1, modifiers);
+        wheel(x, y, button == MouseButton::WheelUp ? 1.0f : -1.0f, modifiers);
         return;
     }
     if (mMenuBand >= 0)
@@ -55,7 +55,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
         {
             mBandMenus[static_cast<size_t>(mMenuBand)]->close();
             mMenuBand = -1;
-            mNeedsRedraw = true;
+            letGoOfHandles();
         }
         return;
     }
@@ -67,6 +67,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
         return;
     }
     mLeftHeld = true;
+    mAddedBand = -1;
     if (pressWidget(x, y))
         return;
     const int slot = mGraph.hitTest(x, y);
@@ -101,6 +102,8 @@ void EditorScreen::mouseMove(float x, float y, Modifiers modifiers)
 {
     mMouseX = x;
     mMouseY = y;
+    if (mLeftHeld && modifiers.leftButtonUp)
+        cancelGesture();
     if (mMenuBand >= 0)
     {
         if (mBandMenus[static_cast<size_t>(mMenuBand)]->hover(x, y))
@@ -140,8 +143,11 @@ void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*mod
         return;
     if (mMenuBand >= 0)
     {
+        // A release on an entry chooses it: the left button's click, or the right button let go
+        // after it moved from where its press opened the menu.
         const int entry = mBandMenus[static_cast<size_t>(mMenuBand)]->entryAt(x, y);
-        if (entry >= 0 && button == MouseButton::Left)
+        const bool rightMoved = button == MouseButton::Right && (x != mMenuPressX || y != mMenuPressY);
+        if (entry >= 0 && (button == MouseButton::Left || rightMoved))
             chooseMenuEntry(entry);
         return;
     }
@@ -154,23 +160,41 @@ void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*mod
         mPressedWidget = nullptr;
         pressed->setPressed(false);
         mNeedsRedraw = true;
-        if (!pressed->hitTest(x, y))
-            return;
-        for (int index = 0; index < kToggleCount; ++index)
-            if (pressed == mToggles[static_cast<size_t>(index)].get())
-                clickToggle(index);
-        for (int index = 0; index < kImageButtonCount; ++index)
-            if (pressed == mImageButtons[static_cast<size_t>(index)].get())
-                clickImageButton(index);
-        if (pressed == mLockSelector.get())
-            setAutoLock((mGraph.lockMode() + 1) % 4);
+        // The click comes last: it may open a modal box in which the host closes the editor.
+        if (pressed->hitTest(x, y))
+            clickWidget(pressed);
         return;
     }
     finishGesture();
+    letGoOfHandles();
+}
+
+void EditorScreen::cancelGesture()
+{
+    mLeftHeld = false;
+    if (mPressedWidget != nullptr)
+    {
+        mPressedWidget->setPressed(false);
+        mPressedWidget = nullptr;
+    }
+    finishGesture();
+    letGoOfHandles();
+}
+
+void EditorScreen::letGoOfHandles()
+{
+    // The handle stays lit while it is held; let go, its highlight fades once the status cycle
+    // clears the dragged flags.
+    mGraph.clearSelection();
+    mNeedsRedraw = true;
 }
 
 void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
 {
+    // A pair whose first click added a band adds nothing more: the band stays as that click
+    // placed it, even where the pointer lies beyond the band's range and so off its handle.
+    if (mGreyedOut || mAddedBand >= 0)
+        return;
     const int slot = mGraph.hitTest(x, y);
     if (slot >= 0 && slot < kBandCount)
     {
@@ -181,31 +205,76 @@ void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
     mouseDown(x, y, MouseButton::Left, modifiers);
 }
 
-void EditorScreen::keyDown(int key, Modifiers modifiers)
+bool EditorScreen::keyDown(int key, Modifiers modifiers)
 {
-    if (mGreyedOut)
-        return;
-    if (mMenuBand >= 0)
+    if (mGreyedOut || key <= 0 || key >= static_cast<int>(mKeysTaken.size()))
+        return false;
+    const bool used = mMenuBand >= 0 ? menuKey(key) : bandKey(key, modifiers);
+    if (used)
+        mKeysTaken.set(static_cast<size_t>(key));
+    return used;
+}
+
+bool EditorScreen::keyUp(int key)
+{
+    if (key <= 0 || key >= static_cast<int>(mKeysTaken.size()) || !mKeysTaken.test(static_cast<size_t>(key)))
+        return false;
+    mKeysTaken.reset(static_cast<size_t>(key));
+    return true;
+}
+
+bool EditorScreen::menuKey(int key)
+{
+    PopupMenu& menu = *mBandMenus[static_cast<size_t>(mMenuBand)];
+    if (key == keys::kUp || key == keys::kDown)
+        menu.step(key == keys::kDown ? 1 : -1);
+    else if (key == keys::kReturn && menu.markedEntry() >= 0)
+        chooseMenuEntry(menu.markedEntry());
+    else if (key == keys::kEscape)
     {
-        PopupMenu& menu = *mBandMenus[static_cast<size_t>(mMenuBand)];
-        if (key == keys::kUp || key == keys::kDown)
-            menu.step(key == keys::kDown ? 1 : -1);
-        else if (key == keys::kReturn && menu.markedEntry() >= 0)
-            chooseMenuEntry(menu.markedEntry());
-        else if (key == keys::kEscape)
-        {
-            menu.close();
-            mMenuBand = -1;
-        }
-        mNeedsRedraw = true;
-        return;
+        menu.close();
+        mMenuBand = -1;
+        letGoOfHandles();
     }
+    else
+        return false;
+    mNeedsRedraw = true;
+    return true;
+}
+
+bool EditorScreen::bandKey(int key, Modifiers modifiers)
+{
     if (mSelectedBand < 0 || mDragBand >= 0)
-        return;
+        return false;
     if (key == keys::kDelete || key == keys::kBackspace)
         deleteBand(mSelectedBand);
     else if (key == keys::kLeft || key == keys::kRight || key == keys::kUp || key == keys::kDown)
         nudgeBand(mSelectedBand, key, modifiers);
+    else
+        return false;
+    return true;
+}
+
+void EditorScreen::clickWidget(const Widget* pressed)
+{
+    for (int index = 0; index < kToggleCount; ++index)
+    {
+        if (pressed == mToggles[static_cast<size_t>(index)].get())
+        {
+            clickToggle(index);
+            return;
+        }
+    }
+    for (int index = 0; index < kImageButtonCount; ++index)
+    {
+        if (pressed == mImageButtons[static_cast<size_t>(index)].get())
+        {
+            clickImageButton(index);
+            return;
+        }
+    }
+    if (pressed == mLockSelector.get())
+        setAutoLock((mGraph.lockMode() + 1) % 4);
 }
 
 void EditorScreen::clickToggle(int index)
@@ -260,6 +329,7 @@ void EditorScreen::clickImageButton(int index)
         break;
     case kTitleButtonIndex:
         showTitle();
+        // Last: the box's modal loop keeps the host live, and the host may close the editor.
         mContext.showAbout();
         break;
     case kInfoButton:
@@ -308,6 +378,7 @@ void EditorScreen::addBandAt(float x, float y)
         return;
     }
     const int number = band + 1;
+    mAddedBand = band;
     beginGesture({filterTypeTag(number), enableTag(number), frequencyTag(number), gainTag(number)});
     performGestureEdit(filterTypeTag(number), normalisedTypeCode(kNewBandType));
     performGestureEdit(enableTag(number), 1.0);
@@ -374,8 +445,12 @@ void EditorScreen::finishGesture()
     mNeedsRedraw = true;
 }
 
-void EditorScreen::wheel(float x, float y, int direction, Modifiers modifiers)
+void EditorScreen::wheel(float x, float y, float steps, Modifiers modifiers)
 {
+    mMouseX = x;
+    mMouseY = y;
+    if (mGreyedOut || steps == 0.0f || !std::isfinite(steps))
+        return;
     const int slot = mGraph.hitTest(x, y);
     const int band = slot >= 0 && slot < kBandCount ? slot : mDragBand;
     if (band >= 0)
@@ -383,13 +458,15 @@ void EditorScreen::wheel(float x, float y, int direction, Modifiers modifiers)
         BandSettings& settings = mBands[static_cast<size_t>(band)];
         const float step = kWheelQStep * (modifiers.fine ? kFineFactor : 1.0f);
         selectBand(band);
-        singleEdit(qTag(band + 1), std::clamp(settings.q + step * static_cast<float>(direction), 0.0f, 1.0f));
+        singleEdit(qTag(band + 1), std::clamp(settings.q + step * steps, 0.0f, 1.0f));
         showBandInfo(band, -1);
+        if (mDragBand < 0)
+            letGoOfHandles();
         return;
     }
     if (!mGraph.plotRect().contains(x, y))
         return;
-    mGraph.wheelZoom(static_cast<float>(direction), x, y);
+    mGraph.wheelZoom(steps, x, y);
     setZoomReadout(mGraph.zoom());
     for (auto& box : mInfoBoxes)
         box->setVisible(false);
@@ -403,6 +480,8 @@ void EditorScreen::openBandMenu(int band, float x, float y)
 {
     selectBand(band);
     mMenuBand = band;
+    mMenuPressX = x;
+    mMenuPressY = y;
     PopupMenu& menu = *mBandMenus[static_cast<size_t>(band)];
     menu.setCurrentCode(mBands[static_cast<size_t>(band)].typeCode());
     menu.open(x + 4.0f, y + 4.0f, {0.0f, 0.0f, mWidth, mHeight});
@@ -416,6 +495,7 @@ void EditorScreen::chooseMenuEntry(int entry)
     const int code = menu.entries()[static_cast<size_t>(entry)].code;
     menu.close();
     mMenuBand = -1;
+    letGoOfHandles();
     if (code == 0)
     {
         deleteBand(band);
@@ -506,9 +586,15 @@ void EditorScreen::clearFilters()
 
 void EditorScreen::singleEdit(unsigned tag, double value)
 {
-    beginGesture({tag});
+    // A change of its own: a drag in progress (the wheel turned while the button is held) keeps
+    // its gesture open around it.
+    const bool alreadyOpen = std::find(mOpenEdits.begin(), mOpenEdits.end(), tag) != mOpenEdits.end();
+    if (!alreadyOpen)
+        mContext.beginEdit(tag);
     performGestureEdit(tag, value);
-    finishGesture();
+    if (!alreadyOpen)
+        mContext.endEdit(tag);
+    mNeedsRedraw = true;
 }
 
 void EditorScreen::beginGesture(std::vector<unsigned> tags)

@@ -3,10 +3,12 @@
 namespace velmoran::editor
 {
 
-// Modifier keys held during an input event.
+// Modifier keys held during an input event, and what a move knows of the left button.
 struct Modifiers
 {
     bool fine = false; // shift: smaller steps
+    // The move arrived with the left button up: its release went elsewhere.
+    bool leftButtonUp = false;
 };
 
 // Virtual-key codes the editor reacts to (the window system's numbering).

@@ -98,6 +98,12 @@ EditorScreen::EditorScreen(EditorContext& context, float sampleRate)
     mStatusText = titleLine();
 }
 
+EditorScreen::~EditorScreen()
+{
+    for (unsigned tag : mOpenEdits)
+        mContext.endEdit(tag);
+}
+
 void EditorScreen::createWidgets()
 {
     mTitleBar =

@@ -14,6 +14,7 @@
 #include "widgets/TextBox.h"
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -42,6 +43,10 @@ public:
     // A screen of the design size talking to `context`, its graph drawn for the given sample
     // rate (Hz).
     EditorScreen(EditorContext& context, float sampleRate);
+    // A screen closed mid-gesture still ends the host's edits.
+    ~EditorScreen();
+    EditorScreen(const EditorScreen&) = delete;
+    EditorScreen& operator=(const EditorScreen&) = delete;
 
     // Reads every parameter and sets every widget without posting messages; the status line then
     // shows the title briefly.
@@ -61,7 +66,19 @@ public:
     void mouseMove(float x, float y, Modifiers modifiers);
     void mouseUp(float x, float y, MouseButton button, Modifiers modifiers);
     void doubleClick(float x, float y, Modifiers modifiers);
-    void keyDown(int key, Modifiers modifiers);
+    // The wheel turned by `steps` (positive away from the user; a notch of a stepped wheel is one,
+    // a touchpad or a free-spinning wheel gives fractions): Q over a band, zoom over the plot, in
+    // proportion, so that many small turns add up to one big one.
+    void wheel(float x, float y, float steps, Modifiers modifiers);
+    // A key pressed; true when the editor used it, false when it is for the host (the editor uses
+    // the arrows and Delete on the selected band and the menu's keys while a menu is open).
+    bool keyDown(int key, Modifiers modifiers);
+    // A key let go; true when its press was used, so that the host sees neither half.
+    bool keyUp(int key);
+    // The window lost the mouse or the focus mid-gesture (capture taken, mode cancelled, focus
+    // gone): the held button's release will not come, so the gesture ends here as at a release,
+    // without the click a release on a widget would make.
+    void cancelGesture();
     // A message box opened (true) or closed: the surface is drawn grey meanwhile.
     void setGreyedOut(bool greyed) { mGreyedOut = greyed; }
 
@@ -142,6 +159,8 @@ private:
 
     // Gestures (EditorGestures.cpp).
     bool pressWidget(float x, float y);
+    // Runs the click of a pressed widget; nothing of the screen is touched after it.
+    void clickWidget(const Widget* pressed);
     void clickToggle(int index);
     // What the status line says while the mouse is over a switch or a button: its name and state.
     std::string toggleHoverText(int index) const;
@@ -152,7 +171,9 @@ private:
     void addBandAt(float x, float y);
     void dragBand(float x, float y, Modifiers modifiers);
     void finishGesture();
-    void wheel(float x, float y, int direction, Modifiers modifiers);
+    bool menuKey(int key);
+    bool bandKey(int key, Modifiers modifiers);
+    void letGoOfHandles();
     void openBandMenu(int band, float x, float y);
     void chooseMenuEntry(int entry);
     void resetBand(int band);
@@ -196,10 +217,15 @@ private:
     std::array<float, 5> mSwitches{}; // effect, FFT, source, slope, polarity
     int mSelectedBand = -1;
     int mMenuBand = -1;
+    // Where the right press that opened the menu was.
+    float mMenuPressX = 0.0f;
+    float mMenuPressY = 0.0f;
 
     // The gesture in progress: the band dragged (-1 for none), the tags with an open edit, where
     // the drag started and the values it started from.
     int mDragBand = -1;
+    // The band that the last left press added, -1 when it added none.
+    int mAddedBand = -1;
     std::vector<unsigned> mOpenEdits;
     float mDragStartX = 0.0f;
     float mDragStartY = 0.0f;
@@ -212,6 +238,8 @@ private:
     bool mLockChosen = false;
     bool mLeftHeld = false;
     Widget* mPressedWidget = nullptr;
+    // The keys whose press the editor used, by virtual-key code.
+    std::bitset<256> mKeysTaken;
     float mMouseX = -1.0f;
     float mMouseY = -1.0f;
 };

@@ -167,6 +167,9 @@ void ResponseGraph::setBand(int slot, float freqHz, float gainDb, float q, int t
     band.routing = routing;
     band.active = active;
     band.visible = typeCode != dsp::kTypeNone;
+    // A removed band is held by nothing, so it cannot keep the other highlights from fading.
+    band.selected = band.selected && band.visible;
+    band.dragged = band.dragged && band.visible;
     designBand(slot);
     placeHandle(band);
 }
@@ -448,11 +451,14 @@ bool ResponseGraph::fadeHighlights()
 
 int ResponseGraph::handleAt(float x, float y) const
 {
-    for (int index = 0; index < kSlotCount; ++index)
+    // Only what is drawn can be taken: the bands' handles inside the plot, not the markers' dots
+    // nor a handle that a zoom has moved out of the plot.
+    const Rect plot = plotRect();
+    for (int index = 0; index < kBandCount; ++index)
     {
         const GraphSlot& slot = mSlots[index];
-        if (slot.visible && std::fabs(slot.handleX - x) <= kHitReach &&
-            std::fabs(slot.handleY - y) <= kHitReach)
+        if (slot.visible && plot.contains(slot.handleX, slot.handleY) &&
+            std::fabs(slot.handleX - x) <= kHitReach && std::fabs(slot.handleY - y) <= kHitReach)
         {
             return index;
         }

@@ -76,8 +76,9 @@ public:
     float frequencyForX(float x) const { return mAxes.frequencyForX(x); }
     float gainForY(float y) const { return mAxes.gainForY(y); }
 
-    // The lowest visible slot whose handle is within 8 pixels of (x, y) in both directions; it is
-    // selected, lit to half its alpha and its drag starts at its handle. -1 when none is.
+    // The lowest visible band whose handle lies inside the plot and within 8 pixels of (x, y) in
+    // both directions; it is selected, lit to half its alpha and its drag starts at its handle. -1
+    // when none is: the markers are never taken.
     int hitTest(float x, float y);
     // Records the mouse position, which lights the handle of a switched-off band under it.
     void setMousePosition(float x, float y);

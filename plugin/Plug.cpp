@@ -203,6 +203,8 @@ tresult PLUGIN_API CPlug::initialize(FUnknown* context)
 tresult PLUGIN_API CPlug::terminate()
 {
     std::lock_guard<std::recursive_mutex> guard(mLinkLock);
+    // Whether an editor is open is the controller's to tell again after the next connection.
+    mEditorOpen.store(false, std::memory_order_relaxed);
     return AudioEffect::terminate();
 }
 
@@ -215,6 +217,7 @@ tresult PLUGIN_API CPlug::connect(IConnectionPoint* other)
 tresult PLUGIN_API CPlug::disconnect(IConnectionPoint* other)
 {
     std::lock_guard<std::recursive_mutex> guard(mLinkLock);
+    mEditorOpen.store(false, std::memory_order_relaxed);
     return AudioEffect::disconnect(other);
 }
 

@@ -388,6 +388,8 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         {
             mSampleRate = rate;
         }
+        // A processor activated again, or one that missed the news, hears whether to analyse.
+        setEditorOpen(!mOpenViews.empty());
         return kResultOk;
     }
     // The SDK reads the attributes of a "TextMessage" without asking whether there are any.
@@ -396,6 +398,16 @@ tresult PLUGIN_API CPlugController::notify(IMessage* message)
         return kResultFalse;
     }
     return EditControllerEx1::notify(message);
+}
+
+tresult PLUGIN_API CPlugController::connect(IConnectionPoint* other)
+{
+    const tresult result = EditControllerEx1::connect(other);
+    if (result == kResultOk)
+    {
+        setEditorOpen(!mOpenViews.empty());
+    }
+    return result;
 }
 
 tresult PLUGIN_API CPlugController::getParameterInfo(int32 paramIndex, ParameterInfo& info)
@@ -430,8 +442,17 @@ tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
 void CPlugController::showToEditors(ParamID tag)
 {
 #if defined(_WIN32)
-    // A copy: an editor may close while it follows the change (a message box, for example).
-    const std::vector<CPlugEditorView*> views = mOpenViews;
+    // A copy: an editor may close while it follows the change (a message box, for example). Without
+    // memory for it the editors miss this change; the host's setter still succeeds.
+    std::vector<CPlugEditorView*> views;
+    try
+    {
+        views = mOpenViews;
+    }
+    catch (...)
+    {
+        return;
+    }
     for (CPlugEditorView* view : views)
     {
         view->parameterChanged(tag, getParamNormalized(tag));
@@ -458,7 +479,15 @@ IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
 #if defined(_WIN32)
     if (name && std::strcmp(name, ViewType::kEditor) == 0)
     {
-        return new (std::nothrow) CPlugEditorView(this);
+        // The view's construction allocates beyond the object itself; no exception reaches the host.
+        try
+        {
+            return new CPlugEditorView(this);
+        }
+        catch (...)
+        {
+            return nullptr;
+        }
     }
 #else
     (void)name;

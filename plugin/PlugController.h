@@ -39,6 +39,9 @@ public:
     tresult PLUGIN_API terminate() SMTG_OVERRIDE;
     // Keeps spectrum frames and the sample rate sent by the processor.
     tresult PLUGIN_API notify(IMessage* message) SMTG_OVERRIDE;
+    // Connects as the SDK does, then tells the processor at the other end whether an editor is
+    // open: a processor connected after the first editor opened learns it here.
+    tresult PLUGIN_API connect(IConnectionPoint* other) SMTG_OVERRIDE;
 
     // Reads the processor's state stream into the parameters (UI thread).
     tresult PLUGIN_API setComponentState(IBStream* state) SMTG_OVERRIDE;

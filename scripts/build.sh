@@ -39,7 +39,8 @@ build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.e
 
 # The editor as a user sees it, opened by the editor test host as a DAW opens it, with the demo
 # mix playing: the first look (the default program), a program with the live spectrum, a zoomed
-# and panned graph, a band's menu and a band's info box during a drag. Positions are editor pixels.
+# and panned graph, a band's menu, a band's info box during a drag, and the view at a display scale
+# of 1.5 as a host gives it on a high-density screen. Positions are editor pixels.
 editor_host() {
     build/windows/wine-run.sh build/windows/tools/editor_host/velmoran-editor-host.exe \
         build/windows/plugin/Velmoran.vst3 "$@" >/dev/null
@@ -50,6 +51,7 @@ editor_host dist/editor-zoomed.png --preset 3 --set 14=1 --seconds 2 \
     --gesture wheel:500,380,6 --gesture wheel:300,200,3
 editor_host dist/editor-band-menu.png --preset 1 --seconds 1 --gesture right-click:637,234
 editor_host dist/editor-info-box.png --preset 1 --seconds 1 --gesture drag:637,234,660,215
+editor_host dist/editor-scale-150.png --preset 3 --set 14=1 --seconds 2 --scale 1.5
 build/windows/wine-run.sh --remove-prefix
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort

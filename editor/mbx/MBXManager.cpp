@@ -33,6 +33,14 @@ void MBXManager::editorOpened(MBXEditorListener* editor)
         editor->messageBoxShown(true);
 }
 
+float MBXManager::boxScale() const
+{
+    float scale = 1.0f;
+    for (const MBXEditorListener* editor : mEditors)
+        scale = std::max(scale, editor->displayScale());
+    return scale;
+}
+
 void MBXManager::editorClosed(MBXEditorListener* editor)
 {
     mEditors.erase(std::remove(mEditors.begin(), mEditors.end(), editor), mEditors.end());

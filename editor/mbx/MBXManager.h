@@ -13,6 +13,8 @@ struct MBXEditorListener
     // Called with true when a box is shown (or when the editor opens while one is up) and with
     // false once the last box is gone.
     virtual void messageBoxShown(bool shown) = 0;
+    // The display scale the editor draws at; boxes follow the largest of the open editors'.
+    virtual float displayScale() const { return 1.0f; }
 
 protected:
     ~MBXEditorListener() = default;
@@ -35,6 +37,8 @@ public:
     void editorClosed(MBXEditorListener* editor);
     // The number of registered editors.
     int openEditorCount() const { return static_cast<int>(mEditors.size()); }
+    // The scale boxes are shown at: the largest display scale of the open editors, 1 without any.
+    float boxScale() const;
 
     // Shows a box modally through the current presenter and gives the index of the chosen button.
     // Editors are told that a box is shown before it appears and that none is after the last one

@@ -2,10 +2,12 @@
 
 #include "editor/mbx/MBXComposer.h"
 #include "editor/mbx/MBXLayout.h"
+#include "editor/mbx/MBXManager.h"
 #include "platform/window/CPlatformWindows.h"
 
 #include <shellapi.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -25,7 +27,12 @@ constexpr DWORD kIdleWaitMilliseconds = 50;
 class MBXWindow
 {
 public:
-    MBXWindow(const MBXObject& box, CPlatformWindows& kit) : mBox(box), mKit(kit), mLayout(layoutBox(box)) {}
+    MBXWindow(const MBXObject& box, CPlatformWindows& kit, float scale)
+        : mBox(box), mKit(kit), mLayout(layoutBox(box)), mScale(scale),
+          mWidth(static_cast<int>(static_cast<float>(mLayout.width) * scale + 0.5f)),
+          mHeight(static_cast<int>(static_cast<float>(mLayout.height) * scale + 0.5f))
+    {
+    }
     ~MBXWindow() { close(); }
 
     MBXWindow(const MBXWindow&) = delete;
@@ -52,23 +59,30 @@ private:
     static void onPaint(int left, int top, int width, int height, int slot, void* user)
     {
         MBXWindow& window = of(user);
-        window.mKit.blitBitmap(slot, window.mBitmap, window.mLayout.width, window.mLayout.height, left, top,
-                               width, height, left, top);
+        window.mKit.blitBitmap(slot, window.mBitmap, window.mWidth, window.mHeight, left, top, width, height,
+                               left, top);
     }
 
     static void onMouseDown(int x, int y, int button, int, void* user)
     {
         if (button == velmoran::platform::kButtonLeft)
-            of(user).press(x, y);
+            of(user).press(of(user).boxX(x), of(user).boxY(y));
     }
 
     static void onMouseUp(int x, int y, int button, int, void* user)
     {
         if (button == velmoran::platform::kButtonLeft)
-            of(user).release(x, y);
+            of(user).release(of(user).boxX(x), of(user).boxY(y));
     }
 
-    static void onMouseMove(int x, int y, int, int, void* user) { of(user).hover(x, y); }
+    static void onMouseMove(int x, int y, int, int, void* user)
+    {
+        of(user).hover(of(user).boxX(x), of(user).boxY(y));
+    }
+
+    // Window pixels to the box's own.
+    int boxX(int x) const { return static_cast<int>(static_cast<float>(x) / mScale); }
+    int boxY(int y) const { return static_cast<int>(static_cast<float>(y) / mScale); }
 
     static void onKeyDown(int, int virtualKey, int, int, void* user)
     {
@@ -89,7 +103,7 @@ private:
 
     bool open()
     {
-        mSlot = mKit.createSplashWindow(mLayout.width, mLayout.height, 1.0f, this);
+        mSlot = mKit.createSplashWindow(mLayout.width, mLayout.height, mScale, this);
         if (mSlot < 0)
             return false;
         mWindow = mKit.windowHandle(mSlot);
@@ -133,8 +147,8 @@ private:
     {
         BITMAPINFO info{};
         info.bmiHeader.biSize = sizeof(info.bmiHeader);
-        info.bmiHeader.biWidth = mLayout.width;
-        info.bmiHeader.biHeight = -mLayout.height; // top row first, as the canvas
+        info.bmiHeader.biWidth = mWidth;
+        info.bmiHeader.biHeight = -mHeight; // top row first, as the canvas
         info.bmiHeader.biPlanes = 1;
         info.bmiHeader.biBitCount = 32;
         info.bmiHeader.biCompression = BI_RGB;
@@ -142,22 +156,43 @@ private:
         return mBitmap != nullptr && mBits != nullptr;
     }
 
-    // Composes the box for the pointer's state into the window's bitmap and asks for a repaint.
+    // Composes the box for the pointer's state into the window's bitmap, stretched to the editors'
+    // scale, and asks for a repaint.
     void render()
     {
         const velmoran::platform::CanvasBuffer canvas = composeBox(mBox, mLayout, mPointer);
         auto* bits = static_cast<std::uint8_t*>(mBits);
-        for (int y = 0; y < mLayout.height; ++y)
-            for (int x = 0; x < mLayout.width; ++x)
+        for (int y = 0; y < mHeight; ++y)
+            for (int x = 0; x < mWidth; ++x)
             {
-                const std::uint8_t* rgba = canvas.pixel(x, y);
-                std::uint8_t* bgra = bits + (static_cast<std::size_t>(y) * mLayout.width + x) * 4;
-                bgra[0] = rgba[2];
-                bgra[1] = rgba[1];
-                bgra[2] = rgba[0];
-                bgra[3] = 255;
+                std::uint8_t* bgra = bits + (static_cast<std::size_t>(y) * mWidth + x) * 4;
+                sampleCanvas(canvas, (static_cast<float>(x) + 0.5f) / mScale - 0.5f,
+                             (static_cast<float>(y) + 0.5f) / mScale - 0.5f, bgra);
             }
-        mKit.invalidate(mSlot, 0, 0, mLayout.width, mLayout.height);
+        mKit.invalidate(mSlot, 0, 0, mWidth, mHeight);
+    }
+
+    // The canvas between its pixels (linear in both directions), as a window's BGRA pixel.
+    void sampleCanvas(const velmoran::platform::CanvasBuffer& canvas, float x, float y,
+                      std::uint8_t* bgra) const
+    {
+        const float clampedX = std::clamp(x, 0.0f, static_cast<float>(mLayout.width - 1));
+        const float clampedY = std::clamp(y, 0.0f, static_cast<float>(mLayout.height - 1));
+        const int left = static_cast<int>(clampedX);
+        const int top = static_cast<int>(clampedY);
+        const int right = std::min(left + 1, mLayout.width - 1);
+        const int bottom = std::min(top + 1, mLayout.height - 1);
+        const float fx = clampedX - static_cast<float>(left);
+        const float fy = clampedY - static_cast<float>(top);
+        for (int channel = 0; channel < 3; ++channel)
+        {
+            const float upper =
+                canvas.pixel(left, top)[channel] * (1.0f - fx) + canvas.pixel(right, top)[channel] * fx;
+            const float lower =
+                canvas.pixel(left, bottom)[channel] * (1.0f - fx) + canvas.pixel(right, bottom)[channel] * fx;
+            bgra[2 - channel] = static_cast<std::uint8_t>(upper * (1.0f - fy) + lower * fy + 0.5f);
+        }
+        bgra[3] = 255;
     }
 
     void press(int x, int y)
@@ -248,6 +283,10 @@ private:
     const MBXObject& mBox;
     CPlatformWindows& mKit;
     MBXBoxLayout mLayout;
+    // Window pixels per box pixel, and the window's size in its own pixels.
+    float mScale;
+    int mWidth;
+    int mHeight;
     MBXPointerState mPointer;
     int mHeldButton = -1;
     bool mLinkPressed = false;
@@ -265,7 +304,7 @@ int presentInWindow(const MBXObject& box)
     CPlatformWindows* kit = CPlatformWindows::instance(false);
     if (kit == nullptr)
         return box.defaultButton();
-    MBXWindow window(box, *kit);
+    MBXWindow window(box, *kit, MBXManager::instance().boxScale());
     return window.run();
 }
 

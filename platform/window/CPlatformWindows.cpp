@@ -219,6 +219,24 @@ void CPlatformWindows::setKeyUpCallback(int slot, KeyCallback callback)
         mSlots[slot].keyUp = callback;
 }
 
+void CPlatformWindows::setPointerLostCallback(int slot, NotifyCallback callback)
+{
+    if (validSlot(slot))
+        mSlots[slot].pointerLost = callback;
+}
+
+void CPlatformWindows::setMouseWheelCallback(int slot, MouseCallback callback)
+{
+    if (validSlot(slot))
+        mSlots[slot].mouseWheel = callback;
+}
+
+void CPlatformWindows::setKeyHandler(int slot, KeyHandler handler)
+{
+    if (validSlot(slot))
+        mSlots[slot].keyHandler = handler;
+}
+
 void CPlatformWindows::setFileDropCallback(int slot, FileDropCallback callback)
 {
     if (validSlot(slot))

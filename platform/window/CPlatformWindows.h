@@ -48,6 +48,9 @@ public:
     void setKeyUpCallback(int slot, KeyCallback callback);
     void setFileDropCallback(int slot, FileDropCallback callback);
     void setSpareCallback(int slot, NotifyCallback callback);
+    void setPointerLostCallback(int slot, NotifyCallback callback);
+    void setMouseWheelCallback(int slot, MouseCallback callback);
+    void setKeyHandler(int slot, KeyHandler handler);
     // Stores the timer callback and starts the window's timer at the window-timer period; a free
     // slot is left alone.
     void setTimerCallback(int slot, TimerCallback callback);
@@ -147,8 +150,9 @@ private:
     LRESULT handleMessage(WindowSlot& slot, int index, HWND window, UINT message, WPARAM wParam,
                           LPARAM lParam);
     void handlePaint(WindowSlot& slot, int index, HWND window);
-    void handleMouseMove(WindowSlot& slot, int index, LPARAM lParam);
+    void handleMouseMove(WindowSlot& slot, int index, WPARAM wParam, LPARAM lParam);
     void handleMouseWheel(WindowSlot& slot, int index, HWND window, WPARAM wParam);
+    LRESULT handleKey(WindowSlot& slot, int index, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void handleDroppedFiles(WindowSlot& slot, int index, WPARAM wParam);
     void handleDestroyNotification(int index);
     void releaseSlotWindow(int index);

@@ -31,6 +31,12 @@ int signedHighWord(LPARAM value)
     return static_cast<int16_t>(HIWORD(value));
 }
 
+void reportPointerLost(const WindowSlot& slot, int index)
+{
+    if (slot.pointerLost != nullptr)
+        slot.pointerLost(index, slot.user);
+}
+
 } // namespace
 
 void CPlatformWindows::waitForWindowProcedure()
@@ -48,7 +54,18 @@ LRESULT CALLBACK CPlatformWindows::windowProcedure(HWND window, UINT message, WP
     if (kit == nullptr || index < 0 || index >= kSlotCount)
         result = DefWindowProcA(window, message, wParam, lParam);
     else
-        result = kit->handleMessage(kit->mSlots[index], index, window, message, wParam, lParam);
+    {
+        // The window procedure is the host's boundary: a callback that runs out of memory loses
+        // its message, never the host's message loop.
+        try
+        {
+            result = kit->handleMessage(kit->mSlots[index], index, window, message, wParam, lParam);
+        }
+        catch (...)
+        {
+            result = 0;
+        }
+    }
     gInsideWindowProcedure = 0;
     return result;
 }
@@ -94,20 +111,15 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
     }
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:
-        if (slot.keyDown != nullptr)
-            slot.keyDown(0, static_cast<int>(wParam), 1, index, slot.user);
-        return DefWindowProcA(window, message, wParam, lParam);
     case WM_KEYUP:
     case WM_SYSKEYUP:
-        if (slot.keyUp != nullptr)
-            slot.keyUp(0, static_cast<int>(wParam), 0, index, slot.user);
-        return DefWindowProcA(window, message, wParam, lParam);
+        return handleKey(slot, index, window, message, wParam, lParam);
     case WM_TIMER:
         if (slot.timer != nullptr)
             slot.timer(slot.user);
         return 0;
     case WM_MOUSEMOVE:
-        handleMouseMove(slot, index, lParam);
+        handleMouseMove(slot, index, wParam, lParam);
         return 0;
     case WM_LBUTTONDOWN:
         SetFocus(window);
@@ -135,6 +147,14 @@ LRESULT CPlatformWindows::handleMessage(WindowSlot& slot, int index, HWND window
     case WM_MOUSEWHEEL:
         handleMouseWheel(slot, index, window, wParam);
         return 0;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != window)
+            reportPointerLost(slot, index);
+        return DefWindowProcA(window, message, wParam, lParam);
+    case WM_CANCELMODE:
+    case WM_KILLFOCUS:
+        reportPointerLost(slot, index);
+        return DefWindowProcA(window, message, wParam, lParam);
     case WM_DROPFILES:
         handleDroppedFiles(slot, index, wParam);
         return DefWindowProcA(window, message, wParam, lParam);
@@ -157,10 +177,12 @@ void CPlatformWindows::handlePaint(WindowSlot& slot, int index, HWND window)
     EndPaint(window, &paint);
 }
 
-void CPlatformWindows::handleMouseMove(WindowSlot& slot, int index, LPARAM lParam)
+void CPlatformWindows::handleMouseMove(WindowSlot& slot, int index, WPARAM wParam, LPARAM lParam)
 {
-    const bool left = keyIsDown(VK_LBUTTON);
-    const bool right = keyIsDown(VK_RBUTTON);
+    // A button counts as held when the key state or the message itself says so: a host that sends
+    // moves may not keep the key state in step.
+    const bool left = keyIsDown(VK_LBUTTON) || (wParam & MK_LBUTTON) != 0;
+    const bool right = keyIsDown(VK_RBUTTON) || (wParam & MK_RBUTTON) != 0;
     if (slot.trackMoves == 0 && !left && !right)
         return;
     if (slot.mouseMove == nullptr)
@@ -177,11 +199,37 @@ void CPlatformWindows::handleMouseWheel(WindowSlot& slot, int index, HWND window
     const int delta = static_cast<int16_t>(HIWORD(wParam));
     if (delta == 0)
         return;
+    if (slot.mouseWheel != nullptr)
+    {
+        slot.mouseWheel(cursor.x, cursor.y, delta, index, slot.user);
+        return;
+    }
     if (slot.mouseDown != nullptr)
         slot.mouseDown(cursor.x, cursor.y, delta > 0 ? kButtonWheelUp : kButtonWheelDown, index, slot.user);
     // The release always carries the wheel-up code: only the press tells the direction.
     if (slot.mouseUp != nullptr)
         slot.mouseUp(cursor.x, cursor.y, kButtonWheelUp, index, slot.user);
+}
+
+LRESULT CPlatformWindows::handleKey(WindowSlot& slot, int index, HWND window, UINT message, WPARAM wParam,
+                                    LPARAM lParam)
+{
+    const bool down = message == WM_KEYDOWN || message == WM_SYSKEYDOWN;
+    if (slot.keyHandler != nullptr)
+    {
+        if (slot.keyHandler(static_cast<int>(wParam), down ? 1 : 0, index, slot.user))
+            return 0;
+        // A key the window does not use is the host's: its shortcuts (the space bar's transport)
+        // keep working while the editor has the focus.
+        HWND parent = GetParent(window);
+        if (parent != nullptr)
+            return SendMessageA(parent, message, wParam, lParam);
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    const KeyCallback callback = down ? slot.keyDown : slot.keyUp;
+    if (callback != nullptr)
+        callback(0, static_cast<int>(wParam), down ? 1 : 0, index, slot.user);
+    return DefWindowProcA(window, message, wParam, lParam);
 }
 
 void CPlatformWindows::handleDroppedFiles(WindowSlot& slot, int index, WPARAM wParam)
@@ -205,6 +253,10 @@ void CPlatformWindows::handleDestroyNotification(int index)
     WindowSlot& slot = mSlots[index];
     if (slot.inUse != 0)
     {
+        // Destroyed by someone else (the host destroying its own window first): while the window
+        // still exists its owner can release what it drew with, GL objects among them.
+        if (slot.destroyNotify != nullptr)
+            slot.destroyNotify(index, slot.user);
         if (slot.timer != nullptr)
             KillTimer(slot.window, kWindowTimerId);
         DeleteDC(slot.memoryDc);

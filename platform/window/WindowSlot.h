@@ -13,6 +13,8 @@ namespace velmoran::platform
 using PaintCallback = void (*)(int left, int top, int width, int height, int slot, void* user);
 using MouseCallback = void (*)(int x, int y, int button, int slot, void* user);
 using KeyCallback = void (*)(int unused, int virtualKey, int down, int slot, void* user);
+// Takes a key press (down 1) or release (down 0); false hands the key on to the parent window.
+using KeyHandler = bool (*)(int virtualKey, int down, int slot, void* user);
 using FileDropCallback = void (*)(const char* path, int slot, void* user);
 using CloseQueryCallback = bool (*)(int slot, void* user);
 using TimerCallback = bool (*)(void* user);
@@ -43,12 +45,21 @@ struct WindowSlot
     MouseCallback mouseUp = nullptr;
     MouseCallback mouseMove = nullptr;
     MouseCallback doubleClick = nullptr;
-    NotifyCallback destroyNotify = nullptr; // kept for the caller, never called by the kit
+    NotifyCallback destroyNotify = nullptr; // WM_DESTROY of a window the kit did not destroy itself
     CloseQueryCallback closeQuery = nullptr;
     KeyCallback keyDown = nullptr;
     KeyCallback keyUp = nullptr;
     FileDropCallback fileDrop = nullptr;
     TimerCallback timer = nullptr;
+    // The window lost the mouse or the keyboard to someone else (capture taken, a modal loop or a
+    // dialogue cancelling the mode, focus gone): a held button's release will not arrive here.
+    NotifyCallback pointerLost = nullptr;
+    // The wheel with its delta (120 a notch) in place of the button code; when set, it takes the
+    // wheel instead of the press and release pair.
+    MouseCallback mouseWheel = nullptr;
+    // When set, it takes the keys in place of key-down and key-up, and the keys it leaves go to
+    // the parent window (the host's), as if this window had never had the focus.
+    KeyHandler keyHandler = nullptr;
 
     void* user = nullptr;
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -180,7 +181,22 @@ TEST(HandleHit, ReachesEightPixelsInclusiveAndOnlyVisibleSlots)
     SetBand(graph, 1, {0, 1000.0f, 0.0f, 1.0f});
     EXPECT_EQ(graph.hitTest(x, y), -1);
     graph.setOutputGainMarker(-3.0f, true);
-    EXPECT_EQ(graph.hitTest(graph.slot(10).handleX, graph.yForGain(-3.0f)), 10);
+    EXPECT_EQ(graph.hitTest(graph.slot(10).handleX, graph.yForGain(-3.0f)), -1) << "a marker is no handle";
+}
+
+// Zoomed in, a handle moved out of the plot is not drawn, so it cannot be taken from the margin.
+TEST(HandleHit, NeverTakesAHandleOutsideThePlot)
+{
+    ResponseGraph graph;
+    graph.layout();
+    SetBand(graph, 4, {2, 1000.0f, 0.0f, 1.0f});
+    const Rect plot = graph.plotRect();
+    for (int step = 0; step < 10; ++step)
+        graph.wheelZoom(1.0f, plot.x + 1.0f, plot.y + 1.0f);
+    const GraphSlot& band = graph.slot(4);
+    ASSERT_FALSE(plot.contains(band.handleX, band.handleY));
+    EXPECT_EQ(graph.hitTest(band.handleX, band.handleY), -1);
+    EXPECT_EQ(graph.hitTest(plot.right() + 1.0f, std::clamp(band.handleY, plot.y, plot.bottom())), -1);
 }
 
 TEST(HandleHighlight, FadesByFourAFrameToAnEighthOnceNothingIsHeld)

@@ -122,6 +122,18 @@ bool readGesture(const std::string& value, EditorHostArguments& parsed, std::str
 }
 
 // Reads the option at arguments[index] and its value, moving index past both.
+bool readScale(const std::string& value, EditorHostArguments& parsed, std::string& error)
+{
+    double scale = 0.0;
+    if (!readNumber(value, scale) || scale < 0.5 || scale > 4.0)
+    {
+        error = "--scale takes a display scale from 0.5 to 4, not '" + value + "'";
+        return false;
+    }
+    parsed.scale = static_cast<float>(scale);
+    return true;
+}
+
 bool readOption(const std::vector<std::string>& arguments, std::size_t& index, EditorHostArguments& parsed,
                 std::string& error)
 {
@@ -130,11 +142,8 @@ bool readOption(const std::vector<std::string>& arguments, std::size_t& index, E
     {
         const char* name;
         Reader read;
-    } options[] = {{"--preset", readPreset},
-                   {"--seconds", readSeconds},
-                   {"--signal", readSignal},
-                   {"--set", readSetting},
-                   {"--gesture", readGesture}};
+    } options[] = {{"--preset", readPreset}, {"--seconds", readSeconds}, {"--signal", readSignal},
+                   {"--set", readSetting},   {"--gesture", readGesture}, {"--scale", readScale}};
     const std::string& option = arguments[index];
     for (const auto& known : options)
     {

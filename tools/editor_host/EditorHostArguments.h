@@ -14,13 +14,14 @@ namespace velmoran::editorhost
 
 constexpr const char* kEditorHostUsage =
     "usage: velmoran-editor-host MODULE OUTPUT.png [--preset N] [--seconds S] [--signal demo|sine:HZ|noise]\n"
-    "                            [--set TAG=VALUE ...] [--gesture KIND:X,Y[,...] ...]\n"
+    "                            [--set TAG=VALUE ...] [--gesture KIND:X,Y[,...] ...] [--scale F]\n"
     "  Opens the plug-in's editor as a host does, plays the signal through the processor for S seconds\n"
     "  (default 2), saves what the editor shows as OUTPUT.png, closes and opens the editor again and\n"
     "  shuts down. --preset selects factory program N (0..5); --set sets a parameter by tag to a\n"
     "  normalised value (0..1), after the program. --gesture acts on the editor after the S seconds,\n"
     "  at editor pixels, before the screenshot: move:X,Y  click:X,Y  right-click:X,Y  wheel:X,Y,NOTCHES\n"
-    "  drag:X1,Y1,X2,Y2.";
+    "  drag:X1,Y1,X2,Y2. --scale gives the open view the display scale F (0.5 to 4), as a host does\n"
+    "  when its window moves to a denser screen.";
 
 // One mouse action on the editor: its kind and its numbers (positions in editor pixels, notches).
 struct EditorGesture
@@ -47,6 +48,7 @@ struct EditorHostArguments
     std::optional<InputSignal> signal; // the demo mix when not given
     std::vector<std::pair<Steinberg::Vst::ParamID, Steinberg::Vst::ParamValue>> settings;
     std::vector<EditorGesture> gestures;
+    std::optional<float> scale;
 };
 
 // The arguments after the program's name; nothing, with the reason in error, when they are wrong.

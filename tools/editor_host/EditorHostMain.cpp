@@ -117,6 +117,10 @@ bool showEditor(const EditorHostArguments& arguments, std::string& error)
     {
         return false;
     }
+    if (arguments.scale && !session->setContentScale(*arguments.scale, error))
+    {
+        return false;
+    }
     applySettings(*session, arguments);
     if (!session->run(arguments.seconds, error))
     {

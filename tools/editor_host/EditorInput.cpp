@@ -102,13 +102,38 @@ void EditorInput::drag(int fromX, int fromY, int toX, int toY, int steps)
 
 void EditorInput::wheel(int x, int y, int notches)
 {
-    const POINT screen = placeCursor(x, y);
-    const short delta = notches > 0 ? WHEEL_DELTA : -WHEEL_DELTA;
     for (int notch = 0; notch < std::abs(notches); ++notch)
     {
-        // Unlike the other mouse messages, the wheel's carries screen coordinates.
-        SendMessageA(mWindow, WM_MOUSEWHEEL, MAKEWPARAM(heldFlags(), delta), MAKELPARAM(screen.x, screen.y));
+        wheelDelta(x, y, notches > 0 ? WHEEL_DELTA : -WHEEL_DELTA);
     }
+}
+
+void EditorInput::wheelDelta(int x, int y, int delta)
+{
+    const POINT screen = placeCursor(x, y);
+    // Unlike the other mouse messages, the wheel's carries screen coordinates.
+    SendMessageA(mWindow, WM_MOUSEWHEEL, MAKEWPARAM(heldFlags(), static_cast<short>(delta)),
+                 MAKELPARAM(screen.x, screen.y));
+}
+
+void EditorInput::captureTakenBy(HWND other)
+{
+    SetCapture(other);
+}
+
+void EditorInput::cancelMode()
+{
+    SendMessageA(mWindow, WM_CANCELMODE, 0, 0);
+}
+
+void EditorInput::focusTakenBy(HWND other)
+{
+    SetFocus(other);
+}
+
+void EditorInput::leftReleasedElsewhere()
+{
+    setHeld(VK_LBUTTON, false);
 }
 
 void EditorInput::keyDown(int virtualKey)

@@ -28,6 +28,16 @@ public:
     void drag(int fromX, int fromY, int toX, int toY, int steps);
     // The wheel turned over (x, y) by notches (positive away from the user), one message a notch.
     void wheel(int x, int y, int notches);
+    // One wheel message over (x, y) with this delta (120 a notch; a touchpad sends smaller ones).
+    void wheelDelta(int x, int y, int delta);
+    // Another window of the thread takes the mouse capture, as a host's dialogue does.
+    void captureTakenBy(HWND other);
+    // The window is told to cancel its mode (WM_CANCELMODE), as a modal loop starting does.
+    void cancelMode();
+    // Another window of the thread takes the keyboard focus, as Alt-Tab or a host's window does.
+    void focusTakenBy(HWND other);
+    // The left button let go where the window does not see it: only the key state changes.
+    void leftReleasedElsewhere();
     // A key (virtual-key code) pressed or released.
     void keyDown(int virtualKey);
     void keyUp(int virtualKey);

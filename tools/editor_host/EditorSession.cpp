@@ -5,6 +5,7 @@
 #include "plugin/PlugParameters.h"
 
 #include "pluginterfaces/gui/iplugview.h"
+#include "pluginterfaces/gui/iplugviewcontentscalesupport.h"
 
 #include <algorithm>
 
@@ -85,6 +86,28 @@ bool EditorSession::reopenEditor(std::string& error)
         return false;
     }
     return mFrame->reopen(error);
+}
+
+bool EditorSession::setContentScale(float scale, std::string& error)
+{
+    IPlugView* shown = view();
+    IPlugViewContentScaleSupport* scaling = nullptr;
+    if (shown == nullptr ||
+        shown->queryInterface(IPlugViewContentScaleSupport_iid, reinterpret_cast<void**>(&scaling)) !=
+            kResultOk ||
+        scaling == nullptr)
+    {
+        error = "the editor view offers no IPlugViewContentScaleSupport";
+        return false;
+    }
+    const tresult result = scaling->setContentScaleFactor(scale);
+    scaling->release();
+    if (result != kResultOk)
+    {
+        error = "the editor view refused the display scale";
+        return false;
+    }
+    return true;
 }
 
 bool EditorSession::run(double seconds, std::string& error)

@@ -38,6 +38,9 @@ public:
     bool openEditor(std::string& error);
     // The editor closed and opened again in its frame: removed(), then attached().
     bool reopenEditor(std::string& error);
+    // Gives the open view a display scale through IPlugViewContentScaleSupport; the view asks the
+    // frame for its new size. False, with the reason in error, when the view refuses it.
+    bool setContentScale(float scale, std::string& error);
 
     // Runs the message loop for seconds of real time, processing every audio block that falls due;
     // false, with the reason in error, when the processor fails a block.

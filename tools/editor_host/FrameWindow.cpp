@@ -13,11 +13,26 @@ constexpr const char* kFrameClassName = "VelmoranEditorHostFrame";
 // frame's painting: the plug-in's OpenGL window covers its area.
 constexpr DWORD kFrameStyle = WS_POPUP | WS_CLIPCHILDREN;
 
+std::vector<int>& pressedKeys()
+{
+    static std::vector<int> keys;
+    return keys;
+}
+
+LRESULT CALLBACK frameProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN)
+    {
+        pressedKeys().push_back(static_cast<int>(wParam));
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
 // Registers the frame's class; a second registration fails harmlessly, the class being there.
 void registerFrameClass()
 {
     WNDCLASSA frameClass{};
-    frameClass.lpfnWndProc = DefWindowProcA;
+    frameClass.lpfnWndProc = frameProcedure;
     frameClass.hInstance = GetModuleHandleA(nullptr);
     frameClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
     frameClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(GRAY_BRUSH));
@@ -47,6 +62,16 @@ HWND openFrameWindow(const std::string& title, int width, int height)
         UpdateWindow(window);
     }
     return window;
+}
+
+const std::vector<int>& keysPressedOnFrames()
+{
+    return pressedKeys();
+}
+
+void forgetKeysPressedOnFrames()
+{
+    pressedKeys().clear();
 }
 
 void setClientSize(HWND window, int width, int height)

@@ -108,7 +108,9 @@ int differingPixels(const CanvasBuffer& a, const CanvasBuffer& b, int width, int
 struct ShownEditor : MBXEditorListener
 {
     void messageBoxShown(bool shown) override { greyed = shown; }
+    float displayScale() const override { return scale; }
     bool greyed = false;
+    float scale = 1.0f;
 };
 
 class BoxWindow : public ::testing::Test
@@ -178,6 +180,34 @@ TEST_F(BoxWindow, ClicksKeysAndClosingChooseAButton)
     };
     for (const auto& sample : cases)
         EXPECT_EQ(runWith(*sample.box, sample.steps), sample.chosen) << "case " << &sample - cases;
+}
+
+// With an editor drawn at 1.5 the box grows with it: its window is half as large again, its picture
+// stretched to fill it, and a click lands on the button drawn under it.
+TEST_F(BoxWindow, FollowsTheEditorsScale)
+{
+    editor.scale = 1.5f;
+    MBXDialogue okCancel("Reset?", "Every band goes back to its factory setting.");
+    const MBXBoxLayout layout = layoutBox(okCancel);
+    const MBXRect cancel = layout.buttons[1];
+    const LPARAM onCancel = MAKELPARAM(static_cast<int>((cancel.x + cancel.width / 2) * 1.5f),
+                                       static_cast<int>((cancel.y + cancel.height / 2) * 1.5f));
+    SIZE client{};
+    const int chosen =
+        runWith(okCancel, {[&client](HWND box)
+                           {
+                               RECT area{};
+                               GetClientRect(box, &area);
+                               client = {area.right, area.bottom};
+                               UpdateWindow(box);
+                               EXPECT_TRUE(velmoran::tools::writePng(
+                                   "mbx-dialogue-150.png", capture(box, area.right, area.bottom).image()));
+                           },
+                           click(onCancel, onCancel)});
+    EXPECT_EQ(client.cx, static_cast<LONG>(layout.width * 1.5f + 0.5f));
+    EXPECT_EQ(client.cy, static_cast<LONG>(layout.height * 1.5f + 0.5f));
+    EXPECT_EQ(chosen, 1);
+    editor.scale = 1.0f;
 }
 
 // Several moves over the link, as a real pointer makes, and the arrow still comes back off it,

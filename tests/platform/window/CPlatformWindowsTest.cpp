@@ -41,13 +41,39 @@ template <const char* kind> void record(int a, int b, int c, int slot, void* use
          slot, user);
 }
 constexpr char kDown[] = "down", kUp[] = "up", kMove[] = "move", kDouble[] = "double", kKeyDown[] = "keydown",
-               kKeyUp[] = "keyup";
+               kKeyUp[] = "keyup", kWheel[] = "wheel";
 
 void onPaint(int left, int top, int width, int height, int slot, void* user)
 {
     note("paint " + std::to_string(left) + " " + std::to_string(top) + " " + std::to_string(width) + " " +
              std::to_string(height),
          slot, user);
+}
+
+// Takes the left arrow only.
+bool onKey(int key, int down, int slot, void* user)
+{
+    note("key " + std::to_string(key) + " " + std::to_string(down), slot, user);
+    return key == VK_LEFT;
+}
+
+// The host window's procedure while a test listens to what reaches it.
+LRESULT CALLBACK listeningHost(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_KEYDOWN || message == WM_KEYUP || message == WM_SYSKEYDOWN)
+        gEvents.push_back("host " + std::to_string(message) + " " + std::to_string(wParam));
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+void onDestroyNotify(int slot, void* user)
+{
+    const bool alive = IsWindow(CPlatformWindows::instance(false)->windowHandle(slot));
+    note(alive ? "destroyed alive" : "destroyed gone", slot, user);
+}
+
+void onPointerLost(int slot, void* user)
+{
+    note("lost", slot, user);
 }
 
 bool onCloseQuery(int slot, void* user)
@@ -268,6 +294,7 @@ TEST_F(WindowKit, InputMessagesReachTheirCallbacks)
         {WM_MOUSEMOVE, 0, "right", {"move -3 41 0"}},
         {WM_MOUSEMOVE, 0, "left right", {"move -3 41 0"}},
         {WM_MOUSEMOVE, 0, "tracked left", {"move -3 41 1"}},
+        {WM_MOUSEMOVE, MK_LBUTTON, "", {"move -3 41 1"}},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), "", turn(2)},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), "", turn(3)},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -1), "", turn(3)},
@@ -290,6 +317,106 @@ TEST_F(WindowKit, InputMessagesReachTheirCallbacks)
             EXPECT_EQ(GetFocus(), kit->windowHandle(slot));
         }
     }
+}
+
+// The mouse captured by another window, a cancelled mode and a lost focus each tell the editor that
+// a held button's release will not come; giving up the capture to itself does not.
+TEST_F(WindowKit, LosingTheMouseOrTheFocusIsReported)
+{
+    const int slot = openChild();
+    kit->setPointerLostCallback(slot, onPointerLost);
+    HWND child = kit->windowHandle(slot);
+    const struct
+    {
+        UINT message;
+        LPARAM lParam;
+        Events events;
+    } cases[] = {
+        {WM_CAPTURECHANGED, reinterpret_cast<LPARAM>(host), {"lost"}},
+        {WM_CAPTURECHANGED, 0, {"lost"}},
+        {WM_CAPTURECHANGED, reinterpret_cast<LPARAM>(child), {}},
+        {WM_CANCELMODE, 0, {"lost"}},
+        {WM_KILLFOCUS, 0, {"lost"}},
+    };
+    for (const auto& input : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << "message " << input.message);
+        gEvents.clear();
+        send(slot, input.message, 0, input.lParam);
+        EXPECT_EQ(gEvents, input.events);
+    }
+}
+
+// With a wheel callback the turn arrives once, at the cursor, with its delta: a notch is 120, a
+// touchpad's small steps keep their size.
+TEST_F(WindowKit, WheelCallbackTakesTheDelta)
+{
+    const int slot = openChild();
+    kit->setMouseWheelCallback(slot, record<kWheel>);
+    POINT cursor{};
+    GetCursorPos(&cursor);
+    ScreenToClient(kit->windowHandle(slot), &cursor);
+    const std::string at = std::to_string(cursor.x) + " " + std::to_string(cursor.y);
+    for (const int delta : {WHEEL_DELTA, -WHEEL_DELTA, 15, -7, 360})
+    {
+        gEvents.clear();
+        send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(-3, 41));
+        EXPECT_EQ(gEvents, (Events{"wheel " + at + " " + std::to_string(delta)}));
+    }
+    gEvents.clear();
+    send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, 0), MAKELPARAM(-3, 41));
+    EXPECT_TRUE(gEvents.empty());
+}
+
+// A key handler sees every key; the keys it leaves reach the parent window with their message.
+TEST_F(WindowKit, KeysTheHandlerLeavesGoToTheParent)
+{
+    const int slot = openChild();
+    kit->setKeyHandler(slot, onKey);
+    const LONG_PTR hostProcedure =
+        SetWindowLongPtrA(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(listeningHost));
+    const auto key = [](int virtualKey, int down)
+    { return "key " + std::to_string(virtualKey) + " " + std::to_string(down); };
+    const auto atHost = [](UINT message, int virtualKey)
+    { return "host " + std::to_string(message) + " " + std::to_string(virtualKey); };
+    const struct
+    {
+        UINT message;
+        int virtualKey;
+        Events events;
+    } cases[] = {
+        {WM_KEYDOWN, VK_LEFT, {key(VK_LEFT, 1)}},
+        {WM_KEYUP, VK_LEFT, {key(VK_LEFT, 0)}},
+        {WM_KEYDOWN, VK_SPACE, {key(VK_SPACE, 1), atHost(WM_KEYDOWN, VK_SPACE)}},
+        {WM_KEYUP, VK_SPACE, {key(VK_SPACE, 0), atHost(WM_KEYUP, VK_SPACE)}},
+        {WM_SYSKEYDOWN, 'S', {key('S', 1), atHost(WM_SYSKEYDOWN, 'S')}},
+    };
+    for (const auto& input : cases)
+    {
+        SCOPED_TRACE(::testing::Message() << "message " << input.message << " key " << input.virtualKey);
+        gEvents.clear();
+        send(slot, input.message, static_cast<WPARAM>(input.virtualKey), 1);
+        EXPECT_EQ(gEvents, input.events);
+    }
+    SetWindowLongPtrA(host, GWLP_WNDPROC, hostProcedure);
+}
+
+// A window destroyed by someone else (its parent going) tells its owner while it still exists; one
+// the kit destroys itself does not.
+TEST_F(WindowKit, DestroyNotifyOnlyForAWindowDestroyedElsewhere)
+{
+    const int slot = openChild();
+    kit->setDestroyNotifyCallback(slot, onDestroyNotify);
+    gEvents.clear();
+    DestroyWindow(kit->windowHandle(slot));
+    EXPECT_EQ(gEvents, (Events{"destroyed alive"}));
+    EXPECT_EQ(kit->slot(slot).inUse, 0);
+
+    const int second = openChild();
+    kit->setDestroyNotifyCallback(second, onDestroyNotify);
+    gEvents.clear();
+    kit->destroyWindow(second);
+    EXPECT_TRUE(gEvents.empty());
 }
 
 TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)

@@ -1,0 +1,240 @@
+// The editor's gestures in the editor test host, through the window messages Windows sends when a
+// host, a dialogue or the user takes the mouse away mid-gesture.
+
+#include "EditorHostFixture.h"
+
+#include "tools/editor_host/FrameWindow.h"
+
+#include <algorithm>
+#include <functional>
+#include <ostream>
+#include <string>
+
+namespace velmoran::test
+{
+namespace
+{
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+// Band 6's handle in the default program (1 kHz, 0 dB) at the editor's default size.
+constexpr int kHandleX = 585;
+constexpr int kHandleY = 288;
+constexpr ParamID kFrequency06 = 22;
+constexpr ParamID kGain06 = 32;
+
+int performedSince(const std::vector<EditCall>& log)
+{
+    int count = 0;
+    for (const EditCall& call : log)
+        count += call.kind == EditCall::kPerform ? 1 : 0;
+    return count;
+}
+
+struct Loss
+{
+    const char* name;
+    std::function<void(editorhost::EditorSession&)> happen;
+};
+
+void PrintTo(const Loss& loss, std::ostream* out)
+{
+    *out << loss.name;
+}
+
+// Each case starts with band 6 where the default program has it and puts it back afterwards.
+class Band6InPlace : public OpenEditorFixture
+{
+protected:
+    void SetUp() override
+    {
+        OpenEditorFixture::SetUp();
+        if (IsSkipped() || HasFatalFailure())
+            return;
+        mFrequency = session().plugin().controller->getParamNormalized(kFrequency06);
+        mGain = session().plugin().controller->getParamNormalized(kGain06);
+        session().handler().clearEditLog();
+    }
+    void TearDown() override
+    {
+        if (IsSkipped())
+            return;
+        session().setParameter(kFrequency06, mFrequency);
+        session().setParameter(kGain06, mGain);
+        run(0.1);
+    }
+
+private:
+    ParamValue mFrequency = 0.0;
+    ParamValue mGain = 0.0;
+};
+
+class EditorGestureHost : public Band6InPlace, public ::testing::WithParamInterface<Loss>
+{
+};
+
+// A drag whose release never reaches the editor: the host is told the gesture ended at the loss,
+// and the handle no longer follows the mouse.
+TEST_P(EditorGestureHost, EndsTheDragWhenTheMouseIsTakenAway)
+{
+    session().input().leftDown(kHandleX, kHandleY);
+    session().input().moveTo(kHandleX + 10, kHandleY - 20);
+    ASSERT_GT(performedSince(session().handler().editLog()), 0) << "the drag did not start";
+    ASSERT_NE(session().handler().openEdits(), 0);
+    GetParam().happen(session());
+    EXPECT_EQ(session().handler().openEdits(), 0) << "a beginEdit was left without its endEdit";
+    session().handler().clearEditLog();
+    session().input().moveTo(kHandleX + 40, kHandleY - 60);
+    EXPECT_EQ(performedSince(session().handler().editLog()), 0) << "the handle still follows the mouse";
+    session().input().leftUp(kHandleX + 40, kHandleY - 60);
+    run(0.1);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryWayTheReleaseIsLost, EditorGestureHost,
+                         ::testing::Values(Loss{"CaptureTakenByTheHost",
+                                                [](editorhost::EditorSession& session)
+                                                { session.input().captureTakenBy(session.frameWindow()); }},
+                                           Loss{"ModeCancelled", [](editorhost::EditorSession& session)
+                                                { session.input().cancelMode(); }},
+                                           Loss{"FocusTakenByTheHost", [](editorhost::EditorSession& session)
+                                                { session.input().focusTakenBy(session.frameWindow()); }},
+                                           Loss{"MoveWithoutTheButton",
+                                                [](editorhost::EditorSession& session)
+                                                {
+                                                    session.input().leftReleasedElsewhere();
+                                                    session.input().moveTo(kHandleX + 20, kHandleY - 30);
+                                                }},
+                                           Loss{"EditorClosed",
+                                                [](editorhost::EditorSession& session)
+                                                {
+                                                    std::string error;
+                                                    EXPECT_TRUE(session.reopenEditor(error)) << error;
+                                                }}),
+                         [](const ::testing::TestParamInfo<Loss>& info)
+                         { return std::string(info.param.name); });
+
+// The calls for one tag in their order, repeated performs folded into one: "begin perform end".
+std::string gestureOf(const std::vector<EditCall>& log, ParamID tag)
+{
+    static const char* const kNames[] = {"begin", "perform", "end"};
+    std::string calls;
+    EditCall::Kind last = EditCall::kEnd;
+    for (const EditCall& call : log)
+    {
+        if (call.tag != tag ||
+            (call.kind == EditCall::kPerform && last == EditCall::kPerform && !calls.empty()))
+            continue;
+        calls += (calls.empty() ? "" : " ") + std::string(kNames[call.kind]);
+        last = call.kind;
+    }
+    return calls;
+}
+
+using EditorGesturesInHost = Band6InPlace;
+
+// The wheel turned over the handle while it is dragged: the Q changes as a gesture of its own and
+// the drag goes on to the release.
+TEST_F(EditorGesturesInHost, WheelDuringADragLeavesTheDragGoing)
+{
+    constexpr ParamID kQ06 = 42;
+    session().input().leftDown(kHandleX, kHandleY);
+    session().input().moveTo(kHandleX + 10, kHandleY);
+    session().input().wheel(kHandleX + 10, kHandleY, 1);
+    session().input().moveTo(kHandleX + 40, kHandleY);
+    session().input().leftUp(kHandleX + 40, kHandleY);
+    const std::vector<EditCall> log = session().handler().editLog();
+    EXPECT_EQ(gestureOf(log, kFrequency06), "begin perform end");
+    EXPECT_EQ(gestureOf(log, kQ06), "begin perform end");
+    const auto endOf = [&log](ParamID tag) {
+        return std::find(log.begin(), log.end(), EditCall{EditCall::kEnd, tag, 0.0}) - log.begin();
+    };
+    EXPECT_GT(endOf(kFrequency06), endOf(kQ06)) << "the drag ends at the release, after the wheel's edit";
+}
+
+// A double-click on an empty spot (left of 20 Hz, +12 dB) adds one band where the first click put
+// it; the double-click resets nothing and adds no second band.
+TEST_F(EditorGesturesInHost, DoubleClickOnAnEmptySpotAddsOneBand)
+{
+    constexpr ParamID kFirstTypeTag = 2;
+    constexpr ParamID kFirstGainTag = 27;
+    constexpr int kBands = 10;
+    session().input().doubleClick(110, 181);
+    std::vector<ParamID> addedTypes;
+    for (const EditCall& call : session().handler().editLog())
+        if (call.kind == EditCall::kPerform && call.tag >= kFirstTypeTag &&
+            call.tag < kFirstTypeTag + kBands && call.value > 0.0)
+            addedTypes.push_back(call.tag);
+    ASSERT_EQ(addedTypes.size(), 1u) << "one band added";
+    const ParamID gain = kFirstGainTag + (addedTypes[0] - kFirstTypeTag);
+    EXPECT_NEAR(session().plugin().controller->getParamNormalized(gain), (12.0 + 18.0) / 36.0, 0.03)
+        << "the band keeps the gain where the pointer was";
+    session().setParameter(addedTypes[0], 0.0);
+}
+
+// A right press on band 6's handle opens its menu beside it; moving down to "Low Pass" with the
+// button held and letting go there chooses it, as in the host's own menus.
+TEST_F(EditorGesturesInHost, RightPressMoveReleaseChoosesTheMenuEntry)
+{
+    constexpr ParamID kType06 = 7;
+    constexpr ParamValue kLowPass = 9.0 / 20.0;
+    const ParamValue typeBefore = session().plugin().controller->getParamNormalized(kType06);
+    session().input().rightDown(kHandleX, kHandleY);
+    session().input().moveTo(kHandleX + 75, kHandleY + 203);
+    session().input().rightUp(kHandleX + 75, kHandleY + 203);
+    EXPECT_NEAR(session().plugin().controller->getParamNormalized(kType06), kLowPass, 1e-6);
+    session().setParameter(kType06, typeBefore);
+}
+
+// A touchpad's four small turns of 30 over band 6 move its Q as far as one notch of 120 would.
+TEST_F(EditorGesturesInHost, SmallWheelDeltasAddUpToOneNotch)
+{
+    constexpr ParamID kQ06 = 42;
+    constexpr double kQPerNotch = 0.025;
+    const ParamValue qBefore = session().plugin().controller->getParamNormalized(kQ06);
+    for (int turn = 0; turn < 4; ++turn)
+        session().input().wheelDelta(kHandleX, kHandleY, WHEEL_DELTA / 4);
+    EXPECT_NEAR(session().plugin().controller->getParamNormalized(kQ06) - qBefore, kQPerNotch, 1e-4);
+    session().setParameter(kQ06, qBefore);
+}
+
+// Once the editor has the focus, the keys it does not use still reach the host's window (the space
+// bar keeps the transport); the arrows move the selected band and stay with the editor. Keys the
+// host passes through IPlugView are answered the same way, and none acts without the focus.
+TEST_F(EditorGesturesInHost, KeysTheEditorDoesNotUseReachTheHost)
+{
+    constexpr int16 kHostSpace = 7;
+    constexpr int16 kHostLeft = 11;
+    constexpr int16 kHostRight = 13;
+    const auto frequency = [this] { return session().plugin().controller->getParamNormalized(kFrequency06); };
+    session().input().leftClick(kHandleX, kHandleY);
+    ASSERT_EQ(GetFocus(), session().editorWindow()) << "a click gives the editor the focus";
+    editorhost::forgetKeysPressedOnFrames();
+    session().input().keyDown(VK_SPACE);
+    session().input().keyUp(VK_SPACE);
+    EXPECT_EQ(editorhost::keysPressedOnFrames(), std::vector<int>{VK_SPACE});
+
+    const ParamValue before = frequency();
+    session().input().keyDown(VK_LEFT);
+    session().input().keyUp(VK_LEFT);
+    EXPECT_EQ(editorhost::keysPressedOnFrames(), std::vector<int>{VK_SPACE}) << "the editor keeps its keys";
+    EXPECT_LT(frequency(), before);
+
+    IPlugView& view = *session().view();
+    EXPECT_EQ(view.onKeyDown(' ', kHostSpace, 0), kResultFalse);
+    EXPECT_EQ(view.onKeyUp(' ', kHostSpace, 0), kResultFalse);
+    EXPECT_EQ(view.onKeyDown(0, kHostRight, 0), kResultTrue);
+    EXPECT_EQ(view.onKeyUp(0, kHostRight, 0), kResultTrue);
+    EXPECT_NEAR(frequency(), before, 1e-4);
+
+    session().input().focusTakenBy(session().frameWindow());
+    EXPECT_EQ(view.onKeyDown(0, kHostLeft, 0), kResultFalse);
+    session().input().keyDown(VK_DELETE);
+    session().input().keyUp(VK_DELETE);
+    EXPECT_NEAR(frequency(), before, 1e-4) << "without the focus the arrows do nothing";
+    EXPECT_EQ(editorhost::keysPressedOnFrames(), (std::vector<int>{VK_SPACE, VK_DELETE}));
+    EXPECT_GT(session().plugin().controller->getParamNormalized(7), 0.0) << "band 6 is still there";
+}
+
+} // namespace
+} // namespace velmoran::test

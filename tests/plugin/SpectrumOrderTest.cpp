@@ -1,0 +1,161 @@
+// The spectrum reaches an open editor whatever order a host creates, connects, activates and
+// re-connects processor and controller in: the processor learns that an editor is open from the
+// controller's connection and from each activation, not only from the first editor's opening.
+
+#include "plugin/Plug.h"
+#include "plugin/PlugController.h"
+#include "plugin/PlugParameters.h"
+#include "sdk/hosting/ParameterChanges.h"
+#include "sdk/hosting/ProcessBlock.h"
+
+#include "public.sdk/source/vst/hosting/hostclasses.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+
+enum class Order
+{
+    EditorOpenedBeforeConnecting,
+    NewProcessorAfterTheEditorOpened,
+    ReconnectedAfterTheEditorOpened,
+    ReinitialisedAndReconnected,
+    ProcessorSideReconnectedAndActivated
+};
+
+class SpectrumOrder : public testing::TestWithParam<Order>
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(controller->initialize(&host), kResultOk);
+        ASSERT_EQ(processor->initialize(&host), kResultOk);
+    }
+    void TearDown() override
+    {
+        controller->editorClosed(editor());
+        processor->disconnect(controller);
+        controller->disconnect(processor);
+        controller->terminate();
+        processor->terminate();
+    }
+
+    void connect()
+    {
+        ASSERT_EQ(processor->connect(controller), kResultOk);
+        ASSERT_EQ(controller->connect(processor), kResultOk);
+    }
+    void disconnect()
+    {
+        processor->disconnect(controller);
+        controller->disconnect(processor);
+    }
+    // The controller only keeps the pointers of the editors it is told of; nothing here draws.
+    Velmoran::CPlugEditorView* editor()
+    {
+        return reinterpret_cast<Velmoran::CPlugEditorView*>(&mEditorStandIn);
+    }
+
+    // Plays a 1 kHz sine with "FFT" on until the controller holds an analysed frame; false when
+    // none has come within the given seconds.
+    bool spectrumArrives(int seconds)
+    {
+        std::vector<std::vector<float>> inputs(2, std::vector<float>(480));
+        for (auto& channel : inputs)
+            for (size_t i = 0; i < channel.size(); ++i)
+                channel[i] =
+                    static_cast<float>(0.5 * std::sin(6.283185307179586 * static_cast<double>(i) / 48.0));
+        std::vector<std::vector<float>> outputs = inputs;
+        auto fftOn = owned(new ParameterChanges());
+        int32 index = 0;
+        fftOn->addParameterData(Velmoran::kFftTag, index)->addPoint(0, 1.0, index);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+        auto frame = Velmoran::makeSpectrumFrame();
+        uint64_t seen = ~uint64_t{0};
+        while (std::chrono::steady_clock::now() < deadline)
+        {
+            EXPECT_EQ(processBlock(processor, inputs, outputs, 480, fftOn), kResultOk);
+            if (controller->copySpectrumFrame(*frame, seen) && frame->transformSize > 0)
+                return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+
+    HostApplication host;
+    IPtr<Velmoran::CPlug> processor = owned(new Velmoran::CPlug());
+    IPtr<Velmoran::CPlugController> controller = owned(new Velmoran::CPlugController());
+
+private:
+    int mEditorStandIn = 0;
+};
+
+TEST_P(SpectrumOrder, ShowsWhileAnEditorIsOpen)
+{
+    switch (GetParam())
+    {
+    case Order::EditorOpenedBeforeConnecting:
+        controller->editorOpened(editor());
+        connect();
+        break;
+    case Order::NewProcessorAfterTheEditorOpened:
+        connect();
+        controller->editorOpened(editor());
+        disconnect();
+        processor->terminate();
+        processor = owned(new Velmoran::CPlug());
+        ASSERT_EQ(processor->initialize(&host), kResultOk);
+        connect();
+        break;
+    case Order::ReconnectedAfterTheEditorOpened:
+        connect();
+        controller->editorOpened(editor());
+        disconnect();
+        connect();
+        break;
+    case Order::ReinitialisedAndReconnected:
+        connect();
+        controller->editorOpened(editor());
+        ASSERT_EQ(processor->terminate(), kResultOk);
+        ASSERT_EQ(processor->initialize(&host), kResultOk);
+        connect();
+        break;
+    case Order::ProcessorSideReconnectedAndActivated:
+        connect();
+        controller->editorOpened(editor());
+        ASSERT_EQ(processor->disconnect(controller), kResultOk);
+        ASSERT_EQ(processor->connect(controller), kResultOk);
+        ASSERT_EQ(processor->setActive(true), kResultOk);
+        break;
+    }
+    EXPECT_TRUE(spectrumArrives(5));
+    ASSERT_EQ(processor->setActive(false), kResultOk);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryOrder, SpectrumOrder,
+                         testing::Values(Order::EditorOpenedBeforeConnecting,
+                                         Order::NewProcessorAfterTheEditorOpened,
+                                         Order::ReconnectedAfterTheEditorOpened,
+                                         Order::ReinitialisedAndReconnected,
+                                         Order::ProcessorSideReconnectedAndActivated));
+
+// With no editor open the processor rests, however often it is connected and activated.
+TEST_F(SpectrumOrder, RestsWithoutAnEditor)
+{
+    connect();
+    ASSERT_EQ(processor->setActive(true), kResultOk);
+    disconnect();
+    connect();
+    EXPECT_FALSE(spectrumArrives(1));
+}
+
+} // namespace
