@@ -18,10 +18,11 @@ struct SwitchRamp
 };
 
 // Per-sample coefficient for a glide of about `milliseconds` at `sampleRateHz` (three time
-// constants in that time).
+// constants in that time). At rates so low that the glide would take less than three samples it
+// reaches its target in one step instead of overshooting.
 inline double SwitchRate(double milliseconds, double sampleRateHz) noexcept
 {
-    return 3.0 / (std::max(milliseconds, 0.001) / 1000.0 * sampleRateHz);
+    return std::min(1.0, 3.0 / (std::max(milliseconds, 0.001) / 1000.0 * sampleRateHz));
 }
 
 // Sends the ramp towards 1 (on) or 0 (off) with the given rise and fall times.

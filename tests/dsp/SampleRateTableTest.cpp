@@ -187,4 +187,29 @@ TEST_P(SampleRateTable, OutputStaysFiniteAndBoundedWhileSettingsAndTheRateChange
 
 INSTANTIATE_TEST_SUITE_P(EveryRate, SampleRateTable, testing::ValuesIn(kRates), RateName);
 
+// Rates no host offers still give finite sound: the effect switch, the polarity ramp and the
+// glides all settle where a ramp would be shorter than a sample.
+TEST(ExtremeRates, EffectAndPolaritySwitchingStayFinite)
+{
+    for (const float rate : {1.0f, 50.0f, 1.0e6f})
+    {
+        BandEngine engine;
+        engine.setSampleRate(rate);
+        engine.setBandType(1, kTypeHighShelf);
+        engine.setBandGain(1, 18.0f);
+        const std::vector<float> ones(kChunk, 1.0f);
+        std::vector<float> left(kChunk), right(kChunk);
+        for (int chunk = 0; chunk < 64; ++chunk)
+        {
+            engine.setEffectOn(chunk % 16 < 8);
+            engine.setPolarityInverted(chunk % 4 < 2);
+            engine.updateBlock(kChunk);
+            engine.processChunk(ones.data(), ones.data(), left.data(), right.data(), kChunk);
+            for (int i = 0; i < kChunk; ++i)
+                ASSERT_TRUE(std::isfinite(left[i]) && std::fabs(left[i]) < 100.0f)
+                    << rate << " Hz, chunk " << chunk << ": " << left[i];
+        }
+    }
+}
+
 } // namespace
