@@ -191,7 +191,8 @@ void CPlugController::reportRestoredValues(const StateValues& restored)
     {
         const ParamID tag = tags[static_cast<size_t>(index)];
         const float value = restored.values[static_cast<size_t>(index)];
-        if (value == reported->values[tag])
+        // A program holds no host bypass, so the load reported none and the state's stands.
+        if (tag >= static_cast<ParamID>(kProgramValueCount) || value == reported->values[tag])
         {
             return;
         }
