@@ -62,7 +62,7 @@ protected:
             return;
         session().setParameter(kFrequency06, mFrequency);
         session().setParameter(kGain06, mGain);
-        run(0.1);
+        runBlocks(5);
     }
 
 private:
@@ -88,7 +88,7 @@ TEST_P(EditorGestureHost, EndsTheDragWhenTheMouseIsTakenAway)
     session().input().moveTo(kHandleX + 40, kHandleY - 60);
     EXPECT_EQ(performedSince(session().handler().editLog()), 0) << "the handle still follows the mouse";
     session().input().leftUp(kHandleX + 40, kHandleY - 60);
-    run(0.1);
+    runBlocks(5);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryWayTheReleaseIsLost, EditorGestureHost,
