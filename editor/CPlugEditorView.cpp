@@ -7,7 +7,7 @@
 #include "GLPainter.h"
 #include "mbx/MBXAboutMessage.h"
 #include "platform/render/CGLRenderer.h"
-#include "platform/window/CPlatformWindows.h"
+#include "platform/window/WindowKit.h"
 #include "plugin/PlugController.h"
 #include "plugin/PlugProgram.h"
 #include "plugin/SpectrumFrame.h"
@@ -34,8 +34,8 @@ using velmoran::platform::CPlatformWindows;
 
 constexpr uint32_t kTimerPeriodMs = 40;
 
-int startWithRenderer(CGLRenderer& renderer, HWND window, double logicalWidth, double logicalHeight,
-                      double viewportWidth, double viewportHeight)
+int startWithRenderer(CGLRenderer& renderer, velmoran::platform::NativeWindow window, double logicalWidth,
+                      double logicalHeight, double viewportWidth, double viewportHeight)
 {
     return renderer.initialise(window, logicalWidth, logicalHeight, viewportWidth, viewportHeight);
 }
@@ -59,7 +59,7 @@ const char* failureText(int result)
 
 Modifiers heldModifiers()
 {
-    return {(GetKeyState(VK_SHIFT) & 0x8000) != 0};
+    return {velmoran::platform::shiftKeyHeld()};
 }
 
 CPlugEditorView* viewOf(void* user)
@@ -79,7 +79,6 @@ CPlugEditorView::RendererStart CPlugEditorView::setRendererStart(RendererStart s
 CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : EditorView(controller, size)
 {
     mWindows = CPlatformWindows::instance(false);
-    InitializeCriticalSection(&mFrameSection);
     mSpectrumFrame = makeSpectrumFrame();
     mSampleRate = static_cast<float>(controller != nullptr ? controller->sampleRate() : 44100.0);
     mDisplayScale = mWindows != nullptr ? mWindows->displayScale() : 1.0f;
@@ -102,21 +101,23 @@ CPlugEditorView::~CPlugEditorView()
 {
     close();
     mSpectrumFrame.reset();
-    DeleteCriticalSection(&mFrameSection);
 }
 
 tresult PLUGIN_API CPlugEditorView::isPlatformTypeSupported(FIDString type)
 {
-    return type != nullptr && std::strcmp(type, kPlatformTypeHWND) == 0 ? kResultTrue : kResultFalse;
+    return type != nullptr && std::strcmp(type, velmoran::platform::kNativeWindowType) == 0 ? kResultTrue
+                                                                                            : kResultFalse;
 }
 
 tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
 {
     if (isPlatformTypeSupported(type) != kResultTrue || parent == nullptr)
         return kResultFalse;
+    if (!mRunLoop.find(plugFrame, getController() != nullptr ? getController()->getHostContext() : nullptr))
+        return kResultFalse;
     const tresult result = EditorView::attached(parent, type);
     if (!mIsOpen)
-        open(static_cast<HWND>(parent));
+        open(velmoran::platform::nativeWindowFrom(parent));
     return result;
 }
 
@@ -126,7 +127,14 @@ tresult PLUGIN_API CPlugEditorView::removed()
     return EditorView::removed();
 }
 
-void CPlugEditorView::open(HWND parent)
+tresult PLUGIN_API CPlugEditorView::setFrame(IPlugFrame* frame)
+{
+    if (frame == nullptr)
+        mRunLoop.stop();
+    return EditorView::setFrame(frame);
+}
+
+void CPlugEditorView::open(velmoran::platform::NativeWindow parent)
 {
     mIsOpen = false;
     if (mWindows == nullptr)
@@ -169,13 +177,14 @@ void CPlugEditorView::open(HWND parent)
     registerCallbacks();
     mWindows->setTrackMouseMoves(mWindowSlot, true);
     mWindows->showWindow(mWindowSlot);
+    mRunLoop.start(mWindowSlot, kTimerPeriodMs);
     mIsOpen = true;
     MBXManager::instance().editorOpened(this);
     if (CPlugController* controller = plugController())
         controller->editorOpened(this);
 }
 
-bool CPlugEditorView::startRenderer(HWND window)
+bool CPlugEditorView::startRenderer(velmoran::platform::NativeWindow window)
 {
     if (!mRenderer)
     {
@@ -199,10 +208,11 @@ bool CPlugEditorView::startRenderer(HWND window)
     float drawableWidth = 0.0f;
     float drawableHeight = 0.0f;
     mRenderer->logicalSize(drawableWidth, drawableHeight);
-    RECT client{};
-    GetClientRect(window, &client);
-    const float clientWidth = static_cast<float>(client.right - client.left);
-    const float clientHeight = static_cast<float>(client.bottom - client.top);
+    int clientWidthPixels = 0;
+    int clientHeightPixels = 0;
+    velmoran::platform::clientSize(window, clientWidthPixels, clientHeightPixels);
+    const float clientWidth = static_cast<float>(clientWidthPixels);
+    const float clientHeight = static_cast<float>(clientHeightPixels);
     mScaleX = clientWidth > 0.0f ? drawableWidth / clientWidth : 1.0f;
     mScaleY = clientHeight > 0.0f ? drawableHeight / clientHeight : 1.0f;
     return true;
@@ -222,6 +232,8 @@ void CPlugEditorView::registerCallbacks()
 
 void CPlugEditorView::close()
 {
+    // The host's run loop stops calling into the window before the window goes.
+    mRunLoop.stop();
     const bool wasOpen = mIsOpen;
     mIsOpen = false;
     if (mRenderer)
@@ -275,12 +287,12 @@ void CPlugEditorView::copySpectrumFrame()
     CPlugController* controller = plugController();
     if (controller == nullptr)
         return;
-    EnterCriticalSection(&mFrameSection);
+    mFrameSection.enter();
     // Only a frame the view has not seen yet is smoothed and drawn anew.
     if (controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence))
         mScreen->setSpectrum(mSpectrumFrame->magnitudes, kAnalyserMagnitudeCount, mSpectrumFrame->sampleRate,
                              mSpectrumFrame->transformSize);
-    LeaveCriticalSection(&mFrameSection);
+    mFrameSection.leave();
 }
 
 void CPlugEditorView::followSampleRate()

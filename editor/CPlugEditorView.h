@@ -1,11 +1,12 @@
 #pragma once
 
 #include "EditorContext.h"
+#include "HostRunLoop.h"
 #include "mbx/MBXManager.h"
 
+#include "platform/window/CriticalSection.h"
+#include "platform/window/NativeWindow.h"
 #include "public.sdk/source/vst/vsteditcontroller.h"
-
-#include <windows.h>
 
 #include <array>
 #include <cstdint>
@@ -41,7 +42,8 @@ class CPlugEditorView : public EditorView, public velmoran::editor::EditorContex
 public:
     // How the renderer is started on the editor's window: the renderer's own initialise unless
     // replaced (the tests replace it to see a failing driver). Gives the renderer's result code.
-    using RendererStart = int (*)(velmoran::platform::CGLRenderer& renderer, HWND window, double logicalWidth,
+    using RendererStart = int (*)(velmoran::platform::CGLRenderer& renderer,
+                                  velmoran::platform::NativeWindow window, double logicalWidth,
                                   double logicalHeight, double viewportWidth, double viewportHeight);
     static RendererStart setRendererStart(RendererStart start);
 
@@ -51,10 +53,13 @@ public:
     ~CPlugEditorView() override;
 
     tresult PLUGIN_API isPlatformTypeSupported(FIDString type) SMTG_OVERRIDE;
-    // Opens the editor in the host's window (HWND only).
+    // Opens the editor in the host's window (the platform's own window type only). Where the
+    // platform's windows are driven by the host's run loop, a host without one is refused.
     tresult PLUGIN_API attached(void* parent, FIDString type) SMTG_OVERRIDE;
     // Closes the editor; the renderer is kept for the next attach.
     tresult PLUGIN_API removed() SMTG_OVERRIDE;
+    // Losing the frame also lets go of its run loop.
+    tresult PLUGIN_API setFrame(IPlugFrame* frame) SMTG_OVERRIDE;
 
     // A parameter changed in the controller: the widgets follow and the status line says so.
     void parameterChanged(ParamID tag, ParamValue value);
@@ -89,9 +94,9 @@ public:
     OBJ_METHODS(CPlugEditorView, EditorView)
 
 private:
-    void open(HWND parent);
+    void open(velmoran::platform::NativeWindow parent);
     void close();
-    bool startRenderer(HWND window);
+    bool startRenderer(velmoran::platform::NativeWindow window);
     void registerCallbacks();
     void copySpectrumFrame();
     void followSampleRate();
@@ -124,7 +129,8 @@ private:
     float mSampleRate = 44100.0f;
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
     uint64_t mSpectrumSequence = 0;
-    CRITICAL_SECTION mFrameSection;
+    velmoran::platform::CriticalSection mFrameSection;
+    velmoran::editor::HostRunLoop mRunLoop;
     bool mImagesOpen = false;
 };
 

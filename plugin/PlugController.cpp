@@ -13,11 +13,9 @@
 #include <cstdio>
 #include <cstring>
 
-#if defined(_WIN32)
 #include "editor/CEditorShared.h"
 #include "editor/CPlugEditorView.h"
-#include "platform/window/CPlatformWindows.h"
-#endif
+#include "platform/window/WindowKit.h"
 
 namespace Steinberg
 {
@@ -76,10 +74,8 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
         mEditorWidth = kEditorDesignWidth;
         mEditorHeight = kEditorDesignHeight;
         mDisplayScale = 1.0f;
-#if defined(_WIN32)
         if (auto* windows = velmoran::platform::CPlatformWindows::instance(false))
             mDisplayScale = windows->displayScale();
-#endif
         std::lock_guard<std::mutex> guard(mFrameLock);
         mSpectrumFrame = makeSpectrumFrame();
         mFrameSequence = 0;
@@ -88,22 +84,18 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
     {
         return kOutOfMemory;
     }
-#if defined(_WIN32)
     CEditorShared::acquire();
     mHoldsEditorShared = true;
-#endif
     return kResultOk;
 }
 
 tresult PLUGIN_API CPlugController::terminate()
 {
-#if defined(_WIN32)
     if (mHoldsEditorShared)
     {
         CEditorShared::release();
         mHoldsEditorShared = false;
     }
-#endif
     {
         std::lock_guard<std::mutex> guard(mFrameLock);
         mSpectrumFrame.reset();
@@ -429,16 +421,12 @@ tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
 
 void CPlugController::showToEditors(ParamID tag)
 {
-#if defined(_WIN32)
     // A copy: an editor may close while it follows the change (a message box, for example).
     const std::vector<CPlugEditorView*> views = mOpenViews;
     for (CPlugEditorView* view : views)
     {
         view->parameterChanged(tag, getParamNormalized(tag));
     }
-#else
-    (void)tag;
-#endif
 }
 
 bool CPlugController::copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence)
@@ -455,14 +443,10 @@ bool CPlugController::copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence
 
 IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
 {
-#if defined(_WIN32)
     if (name && std::strcmp(name, ViewType::kEditor) == 0)
     {
         return new (std::nothrow) CPlugEditorView(this);
     }
-#else
-    (void)name;
-#endif
     return nullptr;
 }
 

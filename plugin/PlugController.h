@@ -62,7 +62,7 @@ public:
                                                    CtrlNumber midiControllerNumber,
                                                    ParamID& id) SMTG_OVERRIDE;
 
-    // The editor for "editor" (Windows), null for any other name or where there is no editor.
+    // The editor for "editor", null for any other name or where there is no editor.
     IPlugView* PLUGIN_API createView(FIDString name) SMTG_OVERRIDE;
 
     // Copies the last spectrum frame received into `frame` if it is newer than `sequence`, the
@@ -118,10 +118,8 @@ private:
     // The program a host is expected to replay as "Preset" after restoring this controller's
     // state, -1 if none: that replay must not load it over the restored values.
     int mExpectedPresetReplay = -1;
-#if defined(_WIN32)
     // The reference on the images that all editors of the module share, from initialize to terminate.
     bool mHoldsEditorShared = false;
-#endif
 };
 
 } // namespace Velmoran

@@ -1,0 +1,19 @@
+#include "NativeWindow.h"
+
+namespace velmoran::platform
+{
+
+void clientSize(NativeWindow window, int& width, int& height)
+{
+    RECT client{};
+    GetClientRect(window, &client);
+    width = client.right - client.left;
+    height = client.bottom - client.top;
+}
+
+bool shiftKeyHeld()
+{
+    return (GetKeyState(VK_SHIFT) & 0x8000) != 0;
+}
+
+} // namespace velmoran::platform
