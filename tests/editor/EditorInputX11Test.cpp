@@ -5,7 +5,6 @@
 // GoogleTest comes before the X11 headers, whose macros (None, Bool) would rename its types.
 #include <gtest/gtest.h>
 
-#include "TestRunLoop.h"
 #include "X11TestWindow.h"
 
 #include "editor/CPlugEditorView.h"
@@ -15,6 +14,7 @@
 #include "platform/window/WindowKit.h"
 #include "plugin/PlugController.h"
 #include "plugin/PlugParameters.h"
+#include "tools/editor_host/PollRunLoop.h"
 
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
@@ -27,8 +27,8 @@ using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
 using velmoran::editor::EditorScreen;
+using velmoran::editorhost::PollRunLoop;
 using velmoran::platform::CPlatformWindows;
-using velmoran::test::TestRunLoop;
 using velmoran::test::X11TestWindow;
 
 namespace
@@ -163,7 +163,7 @@ protected:
     }
 
     X11TestWindow host;
-    IPtr<TestRunLoop> runLoop = owned(new TestRunLoop);
+    IPtr<PollRunLoop> runLoop = owned(new PollRunLoop);
     HostApplication hostApplication;
     IPtr<RecordingHandler> handler = owned(new RecordingHandler());
     CPlugController* controller = nullptr;

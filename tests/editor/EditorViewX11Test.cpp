@@ -5,7 +5,6 @@
 // GoogleTest comes before the X11 headers, whose macros (None, Bool) would rename its types.
 #include <gtest/gtest.h>
 
-#include "TestRunLoop.h"
 #include "X11TestWindow.h"
 
 #include "editor/CPlugEditorView.h"
@@ -15,6 +14,7 @@
 #include "platform/window/WindowKit.h"
 #include "platform/window/X11Display.h"
 #include "plugin/PlugController.h"
+#include "tools/editor_host/PollRunLoop.h"
 
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
@@ -25,9 +25,9 @@
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
+using velmoran::editorhost::PollRunLoop;
 using velmoran::platform::CGLRenderer;
 using velmoran::platform::CPlatformWindows;
-using velmoran::test::TestRunLoop;
 using velmoran::test::X11TestWindow;
 
 namespace
@@ -94,7 +94,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(host.valid()) << "no X display";
-        runLoop = owned(new TestRunLoop);
+        runLoop = owned(new PollRunLoop);
     }
 
     tresult open(CPlugEditorView& view) { return openIn(view, host); }
@@ -131,7 +131,7 @@ protected:
     }
 
     X11TestWindow host;
-    IPtr<TestRunLoop> runLoop;
+    IPtr<PollRunLoop> runLoop;
 };
 
 struct PlatformTypeCase

@@ -1,8 +1,8 @@
 #pragma once
 
-// A host's run loop for the Linux editor tests: the descriptors and timers that the editor
-// registers, polled on the test's thread as a host's UI loop would, with counts of what is
-// registered.
+// A Linux host's run loop, as the editor test host and the editor tests offer it to the view: the
+// descriptors and timers that the plug-in registers, polled on the host's UI thread, with counts of
+// what is registered. It is also the view's IPlugFrame, through which the view finds it.
 
 #include "base/source/fobject.h"
 #include "pluginterfaces/gui/iplugview.h"
@@ -14,10 +14,10 @@
 #include <functional>
 #include <vector>
 
-namespace velmoran::test
+namespace velmoran::editorhost
 {
 
-class TestRunLoop : public Steinberg::FObject, public Steinberg::Linux::IRunLoop, public Steinberg::IPlugFrame
+class PollRunLoop : public Steinberg::FObject, public Steinberg::Linux::IRunLoop, public Steinberg::IPlugFrame
 {
 public:
     using Clock = std::chrono::steady_clock;
@@ -73,14 +73,22 @@ public:
         return true;
     }
 
-    // One round: waits for a descriptor until the next timer is due (at most 10 ms), then calls
-    // what is ready.
-    void runOnce()
+    // Runs the loop until the time point.
+    void runUntilTime(Clock::time_point until)
+    {
+        while (Clock::now() < until)
+            runOnce(until);
+    }
+
+    // One round: waits for a descriptor until the next timer is due (at most 10 ms, and not past
+    // `until`), then calls what is ready.
+    void runOnce(Clock::time_point until = Clock::time_point::max())
     {
         std::vector<pollfd> descriptors;
         for (const EventEntry& entry : mEventHandlers)
             descriptors.push_back({entry.fd, POLLIN, 0});
         Clock::time_point next = Clock::now() + std::chrono::milliseconds(10);
+        next = std::min(next, until);
         for (const TimerEntry& timer : mTimers)
             next = std::min(next, timer.due);
         const auto wait = std::chrono::duration_cast<std::chrono::milliseconds>(next - Clock::now()).count();
@@ -108,7 +116,7 @@ public:
     int ticks() const { return mTicks; }
     std::chrono::milliseconds timerPeriod(int index) const { return mTimers[index].period; }
 
-    OBJ_METHODS(TestRunLoop, FObject)
+    OBJ_METHODS(PollRunLoop, FObject)
     DEFINE_INTERFACES
     DEF_INTERFACE(Steinberg::Linux::IRunLoop)
     DEF_INTERFACE(Steinberg::IPlugFrame)
@@ -154,4 +162,4 @@ private:
     int mTicks = 0;
 };
 
-} // namespace velmoran::test
+} // namespace velmoran::editorhost
