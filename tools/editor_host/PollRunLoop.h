@@ -110,6 +110,22 @@ public:
         }
     }
 
+    // Calls every registered timer once, as if all were due now.
+    void fireTimers()
+    {
+        for (const TimerEntry& timer : std::vector<TimerEntry>(mTimers))
+            if (registered(mTimers, timer.handler))
+                timer.handler->onTimer();
+    }
+
+    // Tells every event handler that its descriptor is ready, whether or not it is.
+    void signalDescriptors()
+    {
+        for (const EventEntry& entry : std::vector<EventEntry>(mEventHandlers))
+            if (registered(mEventHandlers, entry.handler))
+                entry.handler->onFDIsSet(entry.fd);
+    }
+
     int eventHandlerCount() const { return static_cast<int>(mEventHandlers.size()); }
     int timerCount() const { return static_cast<int>(mTimers.size()); }
     int timersRegistered() const { return mTimersRegistered; }
