@@ -8,7 +8,6 @@
 #include "mbx/MBXAboutMessage.h"
 #include "platform/render/CGLRenderer.h"
 #include "platform/window/WindowKit.h"
-#include "plugin/PlugController.h"
 #include "plugin/PlugProgram.h"
 #include "plugin/SpectrumFrame.h"
 #include "resources/ResourceIds.h"
@@ -76,7 +75,9 @@ CPlugEditorView::RendererStart CPlugEditorView::setRendererStart(RendererStart s
     return previous;
 }
 
-CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : EditorView(controller, size)
+CPlugEditorView::CPlugEditorView(EditorControllerLink* controller, ViewRect* size)
+    : EditorView(controller != nullptr ? controller->editController() : nullptr, size),
+      mController(controller)
 {
     mWindows = CPlatformWindows::instance(false);
     mSpectrumFrame = makeSpectrumFrame();
@@ -180,7 +181,7 @@ void CPlugEditorView::open(velmoran::platform::NativeWindow parent)
     mRunLoop.start(mWindowSlot, kTimerPeriodMs);
     mIsOpen = true;
     MBXManager::instance().editorOpened(this);
-    if (CPlugController* controller = plugController())
+    if (EditorControllerLink* controller = plugController())
         controller->editorOpened(this);
 }
 
@@ -258,14 +259,9 @@ void CPlugEditorView::close()
     if (wasOpen)
     {
         MBXManager::instance().editorClosed(this);
-        if (CPlugController* controller = plugController())
+        if (EditorControllerLink* controller = plugController())
             controller->editorClosed(this);
     }
-}
-
-CPlugController* CPlugEditorView::plugController() const
-{
-    return static_cast<CPlugController*>(getController());
 }
 
 void CPlugEditorView::parameterChanged(ParamID tag, ParamValue value)
@@ -284,7 +280,7 @@ void CPlugEditorView::tick()
 
 void CPlugEditorView::copySpectrumFrame()
 {
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     if (controller == nullptr)
         return;
     mFrameSection.enter();
@@ -298,7 +294,7 @@ void CPlugEditorView::copySpectrumFrame()
 void CPlugEditorView::followSampleRate()
 {
     // The processor may start, or change its rate, while the editor is open.
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     const float rate = controller != nullptr ? static_cast<float>(controller->sampleRate()) : mSampleRate;
     if (rate != mSampleRate)
     {
@@ -349,7 +345,7 @@ void CPlugEditorView::endEdit(unsigned tag)
 
 std::string CPlugEditorView::programName(int index) const
 {
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     const CPlugProgram* program = controller != nullptr ? controller->program(index) : nullptr;
     return program != nullptr ? std::string(program->name) : std::string();
 }

@@ -6,6 +6,7 @@
 
 #include "platform/window/CriticalSection.h"
 #include "platform/window/NativeWindow.h"
+#include "plugin/EditorLink.h"
 #include "public.sdk/source/vst/vsteditcontroller.h"
 
 #include <array>
@@ -31,13 +32,13 @@ namespace Vst
 namespace Velmoran
 {
 
-class CPlugController;
-struct SpectrumFrame;
-
 // The plug-in's editor in the host's window: a child window of the window kit with an OpenGL
 // renderer, the equaliser screen, a copy of the latest spectrum frame and a 40 ms repaint timer.
 // The host's UI thread makes every call.
-class CPlugEditorView : public EditorView, public velmoran::editor::EditorContext, public MBXEditorListener
+class CPlugEditorView : public EditorView,
+                        public velmoran::editor::EditorContext,
+                        public MBXEditorListener,
+                        public EditorListener
 {
 public:
     // How the renderer is started on the editor's window: the renderer's own initialise unless
@@ -49,7 +50,7 @@ public:
 
     // An editor for `controller`, as large as the host's rectangle or, without one, the design
     // size times the display scale.
-    CPlugEditorView(CPlugController* controller, ViewRect* size = nullptr);
+    CPlugEditorView(EditorControllerLink* controller, ViewRect* size = nullptr);
     ~CPlugEditorView() override;
 
     tresult PLUGIN_API isPlatformTypeSupported(FIDString type) SMTG_OVERRIDE;
@@ -62,7 +63,7 @@ public:
     tresult PLUGIN_API setFrame(IPlugFrame* frame) SMTG_OVERRIDE;
 
     // A parameter changed in the controller: the widgets follow and the status line says so.
-    void parameterChanged(ParamID tag, ParamValue value);
+    void parameterChanged(ParamID tag, ParamValue value) override;
 
     // State for the tests and the controller.
     bool isOpen() const { return mIsOpen; }
@@ -100,7 +101,7 @@ private:
     void registerCallbacks();
     void copySpectrumFrame();
     void followSampleRate();
-    CPlugController* plugController() const;
+    EditorControllerLink* plugController() const { return mController; }
     float designX(int x) const { return static_cast<float>(x) * mScaleX; }
     float designY(int y) const { return static_cast<float>(y) * mScaleY; }
 
@@ -113,6 +114,7 @@ private:
     static void onDestroyed(int slot, void* user);
     static bool onTimer(void* user);
 
+    EditorControllerLink* mController = nullptr;
     velmoran::platform::CPlatformWindows* mWindows = nullptr;
     int mWindowSlot = -1;
     bool mIsOpen = false;

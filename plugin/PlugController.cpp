@@ -13,8 +13,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "editor/CEditorShared.h"
-#include "editor/CPlugEditorView.h"
 #include "platform/window/WindowKit.h"
 
 namespace Steinberg
@@ -84,7 +82,7 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
     {
         return kOutOfMemory;
     }
-    CEditorShared::acquire();
+    acquireEditorImages();
     mHoldsEditorShared = true;
     return kResultOk;
 }
@@ -93,7 +91,7 @@ tresult PLUGIN_API CPlugController::terminate()
 {
     if (mHoldsEditorShared)
     {
-        CEditorShared::release();
+        releaseEditorImages();
         mHoldsEditorShared = false;
     }
     {
@@ -422,8 +420,8 @@ tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
 void CPlugController::showToEditors(ParamID tag)
 {
     // A copy: an editor may close while it follows the change (a message box, for example).
-    const std::vector<CPlugEditorView*> views = mOpenViews;
-    for (CPlugEditorView* view : views)
+    const std::vector<EditorListener*> views = mOpenViews;
+    for (EditorListener* view : views)
     {
         view->parameterChanged(tag, getParamNormalized(tag));
     }
@@ -445,12 +443,12 @@ IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
 {
     if (name && std::strcmp(name, ViewType::kEditor) == 0)
     {
-        return new (std::nothrow) CPlugEditorView(this);
+        return createEditorView(*this);
     }
     return nullptr;
 }
 
-void CPlugController::editorOpened(CPlugEditorView* view)
+void CPlugController::editorOpened(EditorListener* view)
 {
     if (std::find(mOpenViews.begin(), mOpenViews.end(), view) != mOpenViews.end())
     {
@@ -463,7 +461,7 @@ void CPlugController::editorOpened(CPlugEditorView* view)
     }
 }
 
-void CPlugController::editorClosed(CPlugEditorView* view)
+void CPlugController::editorClosed(EditorListener* view)
 {
     const auto found = std::find(mOpenViews.begin(), mOpenViews.end(), view);
     if (found == mOpenViews.end())

@@ -13,13 +13,7 @@
 
 #include <new>
 
-#include "editor/CEditorShared.h"
-#include "editor/mbx/MBXManager.h"
-#include "platform/window/WindowKit.h"
-
-#if defined(_WIN32)
-#include "editor/mbx/MBXWindow.h"
-#endif
+#include "EditorLink.h"
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
@@ -62,19 +56,13 @@ const PClassInfo2& controllerClassInfo()
 // (whose boxes have windows of their own on Windows) and the images all editors share.
 bool InitModule()
 {
-    velmoran::platform::initWindowKit(kProductIdentityToken);
-#if defined(_WIN32)
-    MBXManager::instance().setWindowPresenter(presentInWindow);
-#endif
-    CEditorShared::acquire();
+    startEditorModule(kProductIdentityToken);
     return true;
 }
 
 bool DeinitModule()
 {
-    CEditorShared::release();
-    MBXManager::instance().setWindowPresenter(nullptr);
-    velmoran::platform::exitWindowKit();
+    stopEditorModule();
     return true;
 }
 
