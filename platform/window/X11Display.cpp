@@ -20,13 +20,29 @@ int rememberError(Display*, XErrorEvent*)
     return 0;
 }
 
-GLXFBConfig firstConfig(Display* display, const int* attributes)
+// The first configuration whose visual has the screen's depth, else the first of all: a 32-bit
+// visual would let a compositing desktop blend the host's window through wherever the editor
+// draws with translucency.
+GLXFBConfig chooseConfig(Display* display, const int* attributes)
 {
     int count = 0;
     GLXFBConfig* configs = glXChooseFBConfig(display, DefaultScreen(display), attributes, &count);
     if (configs == nullptr)
         return nullptr;
     GLXFBConfig chosen = count > 0 ? configs[0] : nullptr;
+    for (int index = 0; index < count; ++index)
+    {
+        XVisualInfo* visual = glXGetVisualFromFBConfig(display, configs[index]);
+        const bool screenDepth =
+            visual != nullptr && visual->depth == DefaultDepth(display, DefaultScreen(display));
+        if (visual != nullptr)
+            XFree(visual);
+        if (screenDepth)
+        {
+            chosen = configs[index];
+            break;
+        }
+    }
     XFree(configs);
     return chosen;
 }
@@ -88,10 +104,10 @@ GLXFBConfig editorFrameBufferConfig()
                         GLX_ALPHA_SIZE,
                         8,
                         None};
-    if (GLXFBConfig config = firstConfig(gDisplay, attributes))
+    if (GLXFBConfig config = chooseConfig(gDisplay, attributes))
         return config;
     attributes[16] = None;
-    return firstConfig(gDisplay, attributes);
+    return chooseConfig(gDisplay, attributes);
 }
 
 void windowCreated(Window window)
