@@ -103,6 +103,7 @@ class EditorInputX11 : public ::testing::Test
 protected:
     static void SetUpTestSuite()
     {
+        velmoran::test::keepGlDriverLoaded();
         CPlatformWindows::instance(true);
         MBXManager::instance().setPresenter(acceptBox);
     }

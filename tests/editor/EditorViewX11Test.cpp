@@ -83,6 +83,7 @@ class EditorViewX11 : public ::testing::Test
 protected:
     static void SetUpTestSuite()
     {
+        velmoran::test::keepGlDriverLoaded();
         CPlatformWindows::instance(true);
         MBXManager::instance().setPresenter(recordBox);
     }
