@@ -5,13 +5,10 @@
 #include "CEditorShared.h"
 #include "CPlugEditorView.h"
 #include "mbx/MBXManager.h"
+#include "mbx/MBXWindow.h"
 #include "platform/window/WindowKit.h"
 
 #include <new>
-
-#if defined(_WIN32)
-#include "mbx/MBXWindow.h"
-#endif
 
 namespace Steinberg
 {
@@ -28,9 +25,7 @@ IPlugView* createEditorView(EditorControllerLink& controller)
 void startEditorModule(const char* productToken)
 {
     velmoran::platform::initWindowKit(productToken);
-#if defined(_WIN32)
     MBXManager::instance().setWindowPresenter(presentInWindow);
-#endif
     CEditorShared::acquire();
 }
 

@@ -50,6 +50,9 @@ private:
     int mWindowSlot;
 };
 
+// Editors whose windows the host's run loop drives now.
+int gRunningEditors = 0;
+
 IPtr<IRunLoop> runLoopOf(FUnknown* object)
 {
     return IPtr<IRunLoop>(Steinberg::FUnknownPtr<IRunLoop>(object).getInterface());
@@ -87,6 +90,7 @@ void HostRunLoop::start(int windowSlot, uint32_t periodMs)
     if (!mLink->runLoop || mLink->handlers || windows == nullptr)
         return;
     mLink->handlers = Steinberg::owned(new RunLoopHandlers(windowSlot));
+    ++gRunningEditors;
     mLink->runLoop->registerTimer(mLink->handlers, periodMs);
     mLink->runLoop->registerEventHandler(mLink->handlers, windows->connectionDescriptor());
     // Events that arrived while the window was made are read now: the descriptor is only
@@ -100,6 +104,12 @@ void HostRunLoop::stop()
     {
         mLink->runLoop->unregisterTimer(mLink->handlers);
         mLink->runLoop->unregisterEventHandler(mLink->handlers);
+    }
+    if (mLink->handlers && --gRunningEditors == 0)
+    {
+        // Nothing would deliver an open message box's events any more: it goes with the last editor.
+        if (CPlatformWindows* windows = CPlatformWindows::instance(false))
+            windows->destroyBoxWindows();
     }
     mLink->handlers = nullptr;
     mLink->runLoop = nullptr;

@@ -4,11 +4,14 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xresource.h>
+#include <X11/Xutil.h>
 #include <X11/cursorfont.h>
+#include <X11/keysym.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace velmoran::platform
 {
@@ -21,6 +24,10 @@ CPlatformWindows* gInstance = nullptr;
 // _XEMBED_INFO: protocol version 0, and the flag that asks the embedder to show the window.
 constexpr long kXEmbedVersion = 0;
 constexpr long kXEmbedMapped = 1;
+
+// The Windows virtual-key codes that the box windows' key-down callback gets.
+constexpr int kVirtualKeyReturn = 0x0D;
+constexpr int kVirtualKeyEscape = 0x1B;
 
 constexpr unsigned kLeftHeld = 1;
 constexpr unsigned kRightHeld = 2;
@@ -174,6 +181,132 @@ int CPlatformWindows::createChildWindow(int x, int y, int width, int height, flo
     return free;
 }
 
+unsigned long CPlatformWindows::ownerTopLevel() const
+{
+    Display* display = sharedDisplay();
+    Window window = mLastInputWindow;
+    if (window == 0 || !windowLive(window))
+        for (const WindowSlot& slot : mSlots)
+            if (slot.inUse != 0 && slot.isBox == 0)
+                window = slot.window;
+    // Up the tree to the child of the root: the host's top-level window.
+    while (window != 0)
+    {
+        Window root = 0;
+        Window parent = 0;
+        Window* children = nullptr;
+        unsigned count = 0;
+        if (XQueryTree(display, window, &root, &parent, &children, &count) == 0)
+            return 0;
+        if (children != nullptr)
+            XFree(children);
+        if (parent == root)
+            return window;
+        window = parent;
+    }
+    return 0;
+}
+
+int CPlatformWindows::createBoxWindow(int width, int height, void* user)
+{
+    const auto free =
+        std::find_if(mSlots.begin(), mSlots.end(), [](const WindowSlot& slot) { return slot.inUse == 0; });
+    if (free == mSlots.end())
+        return -1;
+    Display* display = acquireDisplay();
+    if (display == nullptr)
+        return -1;
+    const int screen = DefaultScreen(display);
+    Window owner = 0;
+    int x = (DisplayWidth(display, screen) - width) / 2;
+    int y = (DisplayHeight(display, screen) - height) / 2;
+    {
+        IgnoredXErrors errors(display);
+        owner = ownerTopLevel();
+        XWindowAttributes ownerAttributes{};
+        if (owner != 0 && XGetWindowAttributes(display, owner, &ownerAttributes) != 0)
+        {
+            x = ownerAttributes.x + (ownerAttributes.width - width) / 2;
+            y = ownerAttributes.y + (ownerAttributes.height - height) / 2;
+        }
+    }
+    const Window window = XCreateSimpleWindow(
+        display, RootWindow(display, screen), std::max(0, x), std::max(0, y), static_cast<unsigned>(width),
+        static_cast<unsigned>(height), 0, BlackPixel(display, screen), BlackPixel(display, screen));
+    XSelectInput(display, window,
+                 ExposureMask | ButtonPressMask | ButtonReleaseMask | PointerMotionMask | KeyPressMask |
+                     StructureNotifyMask);
+    if (owner != 0)
+        XSetTransientForHint(display, window, owner);
+    Atom deleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    XSetWMProtocols(display, window, &deleteWindow, 1);
+    const Atom type = XInternAtom(display, "_NET_WM_WINDOW_TYPE", False);
+    const Atom dialog = XInternAtom(display, "_NET_WM_WINDOW_TYPE_DIALOG", False);
+    XChangeProperty(display, window, type, XA_ATOM, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(&dialog), 1);
+    // A fixed size: the desktop offers no resizing.
+    XSizeHints hints{};
+    hints.flags = PMinSize | PMaxSize;
+    hints.min_width = hints.max_width = width;
+    hints.min_height = hints.max_height = height;
+    XSetWMNormalHints(display, window, &hints);
+    windowCreated(window);
+    const int index = static_cast<int>(free - mSlots.begin());
+    resetSlot(index);
+    WindowSlot& slot = mSlots[index];
+    slot.window = window;
+    slot.user = user;
+    slot.inUse = 1;
+    slot.isBox = 1;
+    slot.width = width;
+    slot.height = height;
+    slot.x = x;
+    slot.y = y;
+    applyCursor();
+    return index;
+}
+
+void CPlatformWindows::putPixels(int index, const uint8_t* rgba, int width, int height)
+{
+    if (!validSlot(index) || mSlots[index].inUse == 0 || rgba == nullptr)
+        return;
+    Display* display = sharedDisplay();
+    const int screen = DefaultScreen(display);
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (size_t pixel = 0; pixel < pixels.size(); ++pixel)
+        pixels[pixel] =
+            (uint32_t{rgba[pixel * 4]} << 16) | (uint32_t{rgba[pixel * 4 + 1]} << 8) | rgba[pixel * 4 + 2];
+    XImage* image = XCreateImage(display, DefaultVisual(display, screen),
+                                 static_cast<unsigned>(DefaultDepth(display, screen)), ZPixmap, 0,
+                                 reinterpret_cast<char*>(pixels.data()), static_cast<unsigned>(width),
+                                 static_cast<unsigned>(height), 32, 0);
+    if (image == nullptr)
+        return;
+    GC gc = XCreateGC(display, mSlots[index].window, 0, nullptr);
+    XPutImage(display, mSlots[index].window, gc, image, 0, 0, 0, 0, static_cast<unsigned>(width),
+              static_cast<unsigned>(height));
+    XFreeGC(display, gc);
+    // The pixels belong to the vector, not to the image.
+    image->data = nullptr;
+    XDestroyImage(image);
+    XFlush(display);
+}
+
+void CPlatformWindows::destroyBoxWindows()
+{
+    for (int index = 0; index < kSlotCount; ++index)
+    {
+        WindowSlot& slot = mSlots[index];
+        if (slot.inUse == 0 || slot.isBox == 0)
+            continue;
+        const NotifyCallback notify = slot.destroyNotify;
+        void* user = slot.user;
+        destroyWindow(index);
+        if (notify != nullptr)
+            notify(index, user);
+    }
+}
+
 void CPlatformWindows::destroyWindow(int index)
 {
     if (!validSlot(index) || mSlots[index].inUse == 0)
@@ -183,7 +316,8 @@ void CPlatformWindows::destroyWindow(int index)
         // The host may already have destroyed the parent and with it this window.
         IgnoredXErrors errors(display);
         XDestroyWindow(display, mSlots[index].window);
-        XFreeColormap(display, mSlots[index].colormap);
+        if (mSlots[index].colormap != 0)
+            XFreeColormap(display, mSlots[index].colormap);
     }
     windowGone(mSlots[index].window);
     resetSlot(index);
@@ -195,6 +329,7 @@ void CPlatformWindows::handleDestroyed(int index)
     WindowSlot& slot = mSlots[index];
     if (slot.destroyNotify != nullptr)
         slot.destroyNotify(index, slot.user);
+    if (slot.colormap != 0)
     {
         IgnoredXErrors errors(sharedDisplay());
         XFreeColormap(sharedDisplay(), slot.colormap);
@@ -371,8 +506,16 @@ void CPlatformWindows::handleEvent(const XEvent& event)
     if (index < 0)
         return;
     WindowSlot& slot = mSlots[index];
+    if (slot.isBox == 0 && (event.type == ButtonPress || event.type == MotionNotify))
+        mLastInputWindow = slot.window;
     switch (event.type)
     {
+    case ClientMessage:
+        handleClientMessage(slot, index, event);
+        break;
+    case KeyPress:
+        handleKeyPress(slot, index, const_cast<XEvent&>(event));
+        break;
     case Expose:
         slot.paintPending = 1;
         break;
@@ -407,6 +550,26 @@ void CPlatformWindows::handleEvent(const XEvent& event)
     default:
         break;
     }
+}
+
+void CPlatformWindows::handleClientMessage(WindowSlot& slot, int index, const XEvent& event)
+{
+    const Atom deleteWindow = XInternAtom(sharedDisplay(), "WM_DELETE_WINDOW", True);
+    if (event.xclient.format != 32 || static_cast<Atom>(event.xclient.data.l[0]) != deleteWindow)
+        return;
+    // The close button of a box: it goes when its owner agrees, as on Windows.
+    if (slot.closeQuery != nullptr && slot.closeQuery(index, slot.user))
+        destroyWindow(index);
+}
+
+void CPlatformWindows::handleKeyPress(WindowSlot& slot, int index, XEvent& event)
+{
+    const KeySym key = XLookupKeysym(&event.xkey, 0);
+    const int virtualKey = key == XK_Return || key == XK_KP_Enter ? kVirtualKeyReturn
+                           : key == XK_Escape                     ? kVirtualKeyEscape
+                                                                  : 0;
+    if (virtualKey != 0 && slot.keyDown != nullptr)
+        slot.keyDown(0, virtualKey, 1, index, slot.user);
 }
 
 void CPlatformWindows::handleButtonPress(WindowSlot& slot, int index, int button, int x, int y,

@@ -33,6 +33,15 @@ public:
     // A hidden child window of the host's XEmbed window, size in logical pixels, with the visual
     // of the editor's frame-buffer configuration; its slot or -1.
     int createChildWindow(int x, int y, int width, int height, float scale, NativeWindow parent, void* user);
+    // A top-level window for a message box, transient for the top-level window of the editor that
+    // last had input (so the desktop keeps it above the host), centred over it; its slot or -1.
+    // Its close button asks the close-query callback; Return and Escape reach the key-down
+    // callback as VK_RETURN and VK_ESCAPE.
+    int createBoxWindow(int width, int height, void* user);
+    // Shows width x height RGBA pixels (top row first) in a box window.
+    void putPixels(int slot, const uint8_t* rgba, int width, int height);
+    // Destroys every box window, telling each through its destroy-notify callback.
+    void destroyBoxWindows();
     // Destroys an in-use slot's window and frees the slot.
     void destroyWindow(int slot);
     // Clears a slot to its free state (the window is not destroyed).
@@ -121,6 +130,9 @@ private:
     void handleMotion(WindowSlot& slot, int index, int x, int y);
     void endDrag(WindowSlot& slot, int index, int x, int y);
     void handleDestroyed(int index);
+    void handleClientMessage(WindowSlot& slot, int index, const _XEvent& event);
+    void handleKeyPress(WindowSlot& slot, int index, _XEvent& event);
+    unsigned long ownerTopLevel() const;
     void paintInvalidated();
     void showCursor(unsigned shape, bool show);
     void applyCursor();
@@ -131,6 +143,8 @@ private:
     unsigned mCursorShape = kArrowCursorShape;
     unsigned mSavedCursorShape = 0;
     bool mShiftHeld = false;
+    // The editor window that last had input: boxes belong to its top-level window.
+    unsigned long mLastInputWindow = 0;
 };
 
 // Module load: creates the window kit (the product token names no window class on X11).

@@ -55,6 +55,7 @@ struct WindowSlot
     int32_t y = 0;
 
     uint8_t inUse = 0;
+    uint8_t isBox = 0; // a top-level box window rather than an embedded editor
     uint8_t trackMoves = 0;
     uint8_t paintPending = 0;
 

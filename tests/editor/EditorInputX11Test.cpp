@@ -11,6 +11,7 @@
 #include "editor/EditorScreen.h"
 #include "editor/mbx/MBXManager.h"
 #include "editor/mbx/MBXObject.h"
+#include "editor/mbx/MBXWindow.h"
 #include "platform/window/WindowKit.h"
 #include "plugin/PlugController.h"
 #include "plugin/PlugParameters.h"
@@ -19,6 +20,7 @@
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
 
 #include <string>
 #include <vector>
@@ -252,6 +254,68 @@ TEST_F(EditorInputX11, LostGrabEndsTheDrag)
     button(1, false);
     XMapWindow(host.display(), host.window());
     XSync(host.display(), False);
+}
+
+// The about box from the title button: a top-level window of its own, transient for the
+// host's window, drawn while the editor goes on; the host's loop is never held.
+class EditorInputX11Box : public EditorInputX11
+{
+protected:
+    void SetUp() override
+    {
+        EditorInputX11::SetUp();
+        MBXManager::instance().setPresenter(nullptr);
+        MBXManager::instance().setWindowPresenter(presentInWindow);
+    }
+    void TearDown() override
+    {
+        EditorInputX11::TearDown();
+        MBXManager::instance().setWindowPresenter(nullptr);
+        MBXManager::instance().setPresenter(acceptBox);
+    }
+
+    CPlatformWindows& kit() { return *CPlatformWindows::instance(false); }
+
+    // Clicks the title button and waits for the box's window.
+    Window openAboutBox()
+    {
+        const auto& bounds = screen().imageButton(EditorScreen::kTitleButtonIndex).bounds();
+        click(1, static_cast<int>(bounds.x + bounds.width / 2),
+              static_cast<int>(bounds.y + bounds.height / 2));
+        if (!deliver([this] { return kit().openWindowCount() == 2; }))
+            return 0;
+        for (int slot = 0; slot < CPlatformWindows::kSlotCount; ++slot)
+            if (kit().slot(slot).inUse != 0 && kit().slot(slot).isBox != 0)
+                return kit().windowHandle(slot);
+        return 0;
+    }
+};
+
+TEST_F(EditorInputX11Box, AboutBoxIsATransientWindowThatEscapeCloses)
+{
+    const Window box = openAboutBox();
+    ASSERT_NE(box, 0u);
+    Window owner = 0;
+    EXPECT_NE(XGetTransientForHint(host.display(), box, &owner), 0);
+    EXPECT_EQ(owner, host.window());
+    EXPECT_TRUE(deliver([&] { return host.distinctColours(box) > 4; }));
+    const int ticks = runLoop->ticks();
+    EXPECT_TRUE(deliver([&] { return runLoop->ticks() > ticks + 2; }));
+
+    const XWindowAttributes where = host.attributes(box);
+    moveTo(where.x + where.width / 2, where.y + 4);
+    const KeyCode escape = XKeysymToKeycode(host.display(), XK_Escape);
+    XTestFakeKeyEvent(host.display(), escape, True, 0);
+    XTestFakeKeyEvent(host.display(), escape, False, 0);
+    EXPECT_TRUE(deliver([this] { return kit().openWindowCount() == 1; }));
+}
+
+TEST_F(EditorInputX11Box, BoxGoesWithTheLastEditor)
+{
+    ASSERT_NE(openAboutBox(), 0u);
+    view->removed();
+    EXPECT_EQ(kit().openWindowCount(), 0);
+    ASSERT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultOk);
 }
 
 } // namespace

@@ -45,6 +45,11 @@ int recordBox(const MBXObject& box)
     return 0;
 }
 
+int failWithoutContext(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
+{
+    return CGLRenderer::kNoContext;
+}
+
 // One controller as a host makes it.
 struct Instance
 {
@@ -96,6 +101,7 @@ protected:
     {
         ASSERT_TRUE(host.valid()) << "no X display";
         runLoop = owned(new PollRunLoop);
+        shownBoxes().clear();
     }
 
     tresult open(CPlugEditorView& view) { return openIn(view, host); }
@@ -230,6 +236,28 @@ TEST_F(EditorViewX11, HostWithoutRunLoopIsRefused)
     EXPECT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultFalse);
     EXPECT_FALSE(view->isOpen());
     view->removed();
+    expectNothingLeft();
+}
+
+// A driver without a usable context: the box says so with the Windows texts, the view stays empty
+// and leaves nothing registered, and opens at the next attach.
+TEST_F(EditorViewX11, RendererFailureShowsBoxAndLeavesViewUsable)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(failWithoutContext);
+    open(*view);
+    CPlugEditorView::setRendererStart(previous);
+    EXPECT_FALSE(view->isOpen());
+    EXPECT_EQ(shownBoxes(), std::vector<std::string>{
+                                "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context."});
+    EXPECT_EQ(kit().openWindowCount(), 0);
+    EXPECT_EQ(runLoop->timerCount(), 0);
+    close(*view);
+
+    ASSERT_EQ(open(*view), kResultOk);
+    EXPECT_TRUE(view->isOpen());
+    close(*view);
     expectNothingLeft();
 }
 
