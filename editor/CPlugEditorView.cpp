@@ -8,8 +8,7 @@
 #include "HostKeys.h"
 #include "mbx/MBXAboutMessage.h"
 #include "platform/render/CGLRenderer.h"
-#include "platform/window/CPlatformWindows.h"
-#include "plugin/PlugController.h"
+#include "platform/window/WindowKit.h"
 #include "plugin/PlugParameters.h"
 #include "plugin/PlugProgram.h"
 #include "plugin/SpectrumFrame.h"
@@ -35,6 +34,8 @@ using velmoran::platform::CGLRenderer;
 using velmoran::platform::CPlatformWindows;
 
 constexpr uint32_t kTimerPeriodMs = 40;
+// The wheel delta of one step (a Windows notch; the X11 kit reports its steps the same way).
+constexpr float kWheelNotch = 120.0f;
 // Not a renderer's result: the renderer could not even be made, which opens no box.
 constexpr int kRendererNotMade = -1;
 // Paints (40 ms apart) without a spectrum frame before the processor is reminded of the editor.
@@ -43,8 +44,8 @@ constexpr int kPaintsBeforeReminder = 25;
 constexpr float kMinimumScale = 0.5f;
 constexpr float kMaximumScale = 4.0f;
 
-int startWithRenderer(CGLRenderer& renderer, HWND window, double logicalWidth, double logicalHeight,
-                      double viewportWidth, double viewportHeight)
+int startWithRenderer(CGLRenderer& renderer, velmoran::platform::NativeWindow window, double logicalWidth,
+                      double logicalHeight, double viewportWidth, double viewportHeight)
 {
     return renderer.initialise(window, logicalWidth, logicalHeight, viewportWidth, viewportHeight);
 }
@@ -68,7 +69,7 @@ const char* failureText(int result)
 
 Modifiers heldModifiers()
 {
-    return {(GetKeyState(VK_SHIFT) & 0x8000) != 0};
+    return {velmoran::platform::shiftKeyHeld()};
 }
 
 CPlugEditorView* viewOf(void* user)
@@ -85,12 +86,12 @@ CPlugEditorView::RendererStart CPlugEditorView::setRendererStart(RendererStart s
     return previous;
 }
 
-CPlugEditorView::CPlugEditorView(CPlugController* controller, ViewRect* size) : EditorView(controller, size)
+CPlugEditorView::CPlugEditorView(EditorControllerLink* controller, ViewRect* size)
+    : EditorView(controller != nullptr ? controller->editController() : nullptr, size),
+      mController(controller)
 {
     mWindows = CPlatformWindows::instance(false);
-    // The frame first: should it throw, there is no critical section yet to leak.
     mSpectrumFrame = makeSpectrumFrame();
-    InitializeCriticalSection(&mFrameSection);
     mSampleRate = static_cast<float>(controller != nullptr ? controller->sampleRate() : 44100.0);
     mDisplayScale = mWindows != nullptr ? mWindows->displayScale() : 1.0f;
     mScaleX = mScaleY = mDisplayScale;
@@ -112,24 +113,26 @@ CPlugEditorView::~CPlugEditorView()
 {
     close();
     mSpectrumFrame.reset();
-    DeleteCriticalSection(&mFrameSection);
 }
 
 tresult PLUGIN_API CPlugEditorView::isPlatformTypeSupported(FIDString type)
 {
-    return type != nullptr && std::strcmp(type, kPlatformTypeHWND) == 0 ? kResultTrue : kResultFalse;
+    return type != nullptr && std::strcmp(type, velmoran::platform::kNativeWindowType) == 0 ? kResultTrue
+                                                                                            : kResultFalse;
 }
 
 tresult PLUGIN_API CPlugEditorView::attached(void* parent, FIDString type)
 {
     if (isPlatformTypeSupported(type) != kResultTrue || parent == nullptr)
         return kResultFalse;
+    if (!mRunLoop.find(plugFrame, getController() != nullptr ? getController()->getHostContext() : nullptr))
+        return kResultFalse;
     const tresult result = EditorView::attached(parent, type);
     if (!mIsOpen)
     {
         try
         {
-            open(static_cast<HWND>(parent));
+            open(velmoran::platform::nativeWindowFrom(parent));
         }
         catch (...)
         {
@@ -178,7 +181,7 @@ tresult PLUGIN_API CPlugEditorView::setContentScaleFactor(ScaleFactor factor)
 void CPlugEditorView::sizeForScale(float scale)
 {
     mDisplayScale = scale;
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     const velmoran::editor::EditorSize size = velmoran::editor::editorSize(
         controller != nullptr ? controller->editorWidth() : velmoran::editor::kDesignWidth,
         controller != nullptr ? controller->editorHeight() : velmoran::editor::kDesignHeight, scale, false, 0,
@@ -230,7 +233,8 @@ tresult PLUGIN_API CPlugEditorView::onKeyUp(char16, int16 keyCode, int16)
 
 bool CPlugEditorView::hasFocus() const
 {
-    return mIsOpen && mWindowSlot >= 0 && GetFocus() == mWindows->windowHandle(mWindowSlot);
+    return mIsOpen && mWindowSlot >= 0 &&
+           velmoran::platform::hasKeyboardFocus(mWindows->windowHandle(mWindowSlot));
 }
 
 tresult PLUGIN_API CPlugEditorView::removed()
@@ -239,7 +243,14 @@ tresult PLUGIN_API CPlugEditorView::removed()
     return EditorView::removed();
 }
 
-void CPlugEditorView::open(HWND parent)
+tresult PLUGIN_API CPlugEditorView::setFrame(IPlugFrame* frame)
+{
+    if (frame == nullptr)
+        mRunLoop.stop();
+    return EditorView::setFrame(frame);
+}
+
+void CPlugEditorView::open(velmoran::platform::NativeWindow parent)
 {
     mIsOpen = false;
     if (mWindows == nullptr)
@@ -274,13 +285,14 @@ void CPlugEditorView::open(HWND parent)
     registerCallbacks();
     mWindows->setTrackMouseMoves(mWindowSlot, true);
     mWindows->showWindow(mWindowSlot);
+    mRunLoop.start(mWindowSlot, kTimerPeriodMs);
     mIsOpen = true;
     MBXManager::instance().editorOpened(this);
-    if (CPlugController* controller = plugController())
+    if (EditorControllerLink* controller = plugController())
         controller->editorOpened(this);
 }
 
-int CPlugEditorView::startRenderer(HWND window)
+int CPlugEditorView::startRenderer(velmoran::platform::NativeWindow window)
 {
     if (!mRenderer)
     {
@@ -304,15 +316,16 @@ int CPlugEditorView::startRenderer(HWND window)
     return CGLRenderer::kOk;
 }
 
-void CPlugEditorView::measureScale(HWND window)
+void CPlugEditorView::measureScale(velmoran::platform::NativeWindow window)
 {
     float drawableWidth = 0.0f;
     float drawableHeight = 0.0f;
     mRenderer->logicalSize(drawableWidth, drawableHeight);
-    RECT client{};
-    GetClientRect(window, &client);
-    const float clientWidth = static_cast<float>(client.right - client.left);
-    const float clientHeight = static_cast<float>(client.bottom - client.top);
+    int clientWidthPixels = 0;
+    int clientHeightPixels = 0;
+    velmoran::platform::clientSize(window, clientWidthPixels, clientHeightPixels);
+    const float clientWidth = static_cast<float>(clientWidthPixels);
+    const float clientHeight = static_cast<float>(clientHeightPixels);
     mScaleX = clientWidth > 0.0f ? drawableWidth / clientWidth : 1.0f;
     mScaleY = clientHeight > 0.0f ? drawableHeight / clientHeight : 1.0f;
 }
@@ -341,6 +354,8 @@ void CPlugEditorView::registerCallbacks()
 
 void CPlugEditorView::close()
 {
+    // The host's run loop stops calling into the window before the window goes.
+    mRunLoop.stop();
     const bool wasOpen = mIsOpen;
     mIsOpen = false;
     if (mRenderer)
@@ -365,14 +380,9 @@ void CPlugEditorView::close()
     if (wasOpen)
     {
         MBXManager::instance().editorClosed(this);
-        if (CPlugController* controller = plugController())
+        if (EditorControllerLink* controller = plugController())
             controller->editorClosed(this);
     }
-}
-
-CPlugController* CPlugEditorView::plugController() const
-{
-    return static_cast<CPlugController*>(getController());
 }
 
 void CPlugEditorView::parameterChanged(ParamID tag, ParamValue value)
@@ -399,24 +409,24 @@ void CPlugEditorView::tick()
 
 void CPlugEditorView::copySpectrumFrame()
 {
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     if (controller == nullptr)
         return;
-    EnterCriticalSection(&mFrameSection);
+    mFrameSection.enter();
     // Only a frame the view has not seen yet is smoothed and drawn anew.
     const bool arrived = controller->copySpectrumFrame(*mSpectrumFrame, mSpectrumSequence);
     if (arrived)
         mScreen->setSpectrum(mSpectrumFrame->magnitudes, kAnalyserMagnitudeCount, mSpectrumFrame->sampleRate,
                              mSpectrumFrame->transformSize);
-    LeaveCriticalSection(&mFrameSection);
+    mFrameSection.leave();
     remindProcessor(*controller, arrived);
 }
 
-void CPlugEditorView::remindProcessor(CPlugController& controller, bool frameArrived)
+void CPlugEditorView::remindProcessor(EditorControllerLink& controller, bool frameArrived)
 {
     // A processor that missed the news of an open editor (a message lost on its way) sends no
     // frames: while the spectrum is on and none has come for a second, it hears it again.
-    if (frameArrived || !isOn(static_cast<float>(controller.getParamNormalized(kFftTag))))
+    if (frameArrived || !isOn(static_cast<float>(controller.editController()->getParamNormalized(kFftTag))))
     {
         mPaintsWithoutFrame = 0;
         return;
@@ -430,7 +440,7 @@ void CPlugEditorView::remindProcessor(CPlugController& controller, bool frameArr
 void CPlugEditorView::followSampleRate()
 {
     // The processor may start, or change its rate, while the editor is open.
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     const float rate = controller != nullptr ? static_cast<float>(controller->sampleRate()) : mSampleRate;
     if (rate != mSampleRate)
     {
@@ -481,7 +491,7 @@ void CPlugEditorView::endEdit(unsigned tag)
 
 std::string CPlugEditorView::programName(int index) const
 {
-    CPlugController* controller = plugController();
+    EditorControllerLink* controller = plugController();
     const CPlugProgram* program = controller != nullptr ? controller->program(index) : nullptr;
     return program != nullptr ? std::string(program->name) : std::string();
 }
@@ -548,7 +558,7 @@ void CPlugEditorView::onMouseMove(int x, int y, int button, int, void* user)
         return;
     Modifiers modifiers = heldModifiers();
     // Code 1 is the left button alone; with code 0 the left one may still be held with the right.
-    modifiers.leftButtonUp = button != 1 && (GetKeyState(VK_LBUTTON) & 0x8000) == 0;
+    modifiers.leftButtonUp = button != 1 && !velmoran::platform::leftButtonHeld();
     view->mScreen->mouseMove(view->designX(x), view->designY(y), modifiers);
 }
 
@@ -563,8 +573,8 @@ void CPlugEditorView::onMouseWheel(int x, int y, int delta, int, void* user)
 {
     CPlugEditorView* view = viewOf(user);
     if (view->mScreen)
-        view->mScreen->wheel(view->designX(x), view->designY(y),
-                             static_cast<float>(delta) / static_cast<float>(WHEEL_DELTA), heldModifiers());
+        view->mScreen->wheel(view->designX(x), view->designY(y), static_cast<float>(delta) / kWheelNotch,
+                             heldModifiers());
 }
 
 bool CPlugEditorView::onWindowKey(int key, int down, int, void* user)

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "EditorContext.h"
+#include "HostRunLoop.h"
 #include "mbx/MBXManager.h"
 
+#include "platform/window/CriticalSection.h"
+#include "platform/window/NativeWindow.h"
+#include "plugin/EditorLink.h"
 #include "pluginterfaces/gui/iplugviewcontentscalesupport.h"
 #include "public.sdk/source/vst/vsteditcontroller.h"
-
-#include <windows.h>
 
 #include <array>
 #include <cstdint>
@@ -31,31 +33,31 @@ namespace Vst
 namespace Velmoran
 {
 
-class CPlugController;
-struct SpectrumFrame;
-
 // The plug-in's editor in the host's window: a child window of the window kit with an OpenGL
 // renderer, the equaliser screen, a copy of the latest spectrum frame and a 40 ms repaint timer.
 // The host's UI thread makes every call.
 class CPlugEditorView : public EditorView,
                         public IPlugViewContentScaleSupport,
                         public velmoran::editor::EditorContext,
-                        public MBXEditorListener
+                        public MBXEditorListener,
+                        public EditorListener
 {
 public:
     // How the renderer is started on the editor's window: the renderer's own initialise unless
     // replaced (the tests replace it to see a failing driver). Gives the renderer's result code.
-    using RendererStart = int (*)(velmoran::platform::CGLRenderer& renderer, HWND window, double logicalWidth,
+    using RendererStart = int (*)(velmoran::platform::CGLRenderer& renderer,
+                                  velmoran::platform::NativeWindow window, double logicalWidth,
                                   double logicalHeight, double viewportWidth, double viewportHeight);
     static RendererStart setRendererStart(RendererStart start);
 
     // An editor for `controller`, as large as the host's rectangle or, without one, the design
     // size times the display scale.
-    CPlugEditorView(CPlugController* controller, ViewRect* size = nullptr);
+    CPlugEditorView(EditorControllerLink* controller, ViewRect* size = nullptr);
     ~CPlugEditorView() override;
 
     tresult PLUGIN_API isPlatformTypeSupported(FIDString type) SMTG_OVERRIDE;
-    // Opens the editor in the host's window (HWND only).
+    // Opens the editor in the host's window (the platform's own window type only). Where the
+    // platform's windows are driven by the host's run loop, a host without one is refused.
     tresult PLUGIN_API attached(void* parent, FIDString type) SMTG_OVERRIDE;
     // Closes the editor; the renderer is kept for the next attach.
     tresult PLUGIN_API removed() SMTG_OVERRIDE;
@@ -68,9 +70,11 @@ public:
     // it uses only while its window has the focus; kResultFalse leaves the key to the host.
     tresult PLUGIN_API onKeyDown(char16 key, int16 keyCode, int16 modifiers) SMTG_OVERRIDE;
     tresult PLUGIN_API onKeyUp(char16 key, int16 keyCode, int16 modifiers) SMTG_OVERRIDE;
+    // Losing the frame also lets go of its run loop.
+    tresult PLUGIN_API setFrame(IPlugFrame* frame) SMTG_OVERRIDE;
 
     // A parameter changed in the controller: the widgets follow and the status line says so.
-    void parameterChanged(ParamID tag, ParamValue value);
+    void parameterChanged(ParamID tag, ParamValue value) override;
 
     // State for the tests and the controller.
     bool isOpen() const { return mIsOpen; }
@@ -106,23 +110,23 @@ public:
     uint32 PLUGIN_API release() SMTG_OVERRIDE { return EditorView::release(); }
 
 private:
-    void open(HWND parent);
+    void open(velmoran::platform::NativeWindow parent);
     // Takes the editor's size for the display scale.
     void sizeForScale(float scale);
     // The open editor's window, renderer and painter follow the editor's size and scale.
     void followSize();
     // scaleX and scaleY from the renderer's drawable size and the window's client size.
-    void measureScale(HWND window);
+    void measureScale(velmoran::platform::NativeWindow window);
     // Device pixels per design pixel.
     float density() const;
     void close();
     // The renderer's result code for the window.
-    int startRenderer(HWND window);
+    int startRenderer(velmoran::platform::NativeWindow window);
     void registerCallbacks();
     void copySpectrumFrame();
-    void remindProcessor(CPlugController& controller, bool frameArrived);
+    void remindProcessor(EditorControllerLink& controller, bool frameArrived);
     void followSampleRate();
-    CPlugController* plugController() const;
+    EditorControllerLink* plugController() const { return mController; }
     bool hasFocus() const;
     float designX(int x) const { return static_cast<float>(x) * mScaleX; }
     float designY(int y) const { return static_cast<float>(y) * mScaleY; }
@@ -138,6 +142,7 @@ private:
     static void onPointerLost(int slot, void* user);
     static bool onTimer(void* user);
 
+    EditorControllerLink* mController = nullptr;
     velmoran::platform::CPlatformWindows* mWindows = nullptr;
     int mWindowSlot = -1;
     bool mIsOpen = false;
@@ -155,7 +160,8 @@ private:
     std::unique_ptr<SpectrumFrame> mSpectrumFrame;
     uint64_t mSpectrumSequence = 0;
     int mPaintsWithoutFrame = 0;
-    CRITICAL_SECTION mFrameSection;
+    velmoran::platform::CriticalSection mFrameSection;
+    velmoran::editor::HostRunLoop mRunLoop;
     bool mImagesOpen = false;
     // Set while the editor lets go of the mouse itself at a release, which is no loss.
     bool mReleasingCapture = false;

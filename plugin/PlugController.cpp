@@ -13,11 +13,7 @@
 #include <cstdio>
 #include <cstring>
 
-#if defined(_WIN32)
-#include "editor/CEditorShared.h"
-#include "editor/CPlugEditorView.h"
-#include "platform/window/CPlatformWindows.h"
-#endif
+#include "platform/window/WindowKit.h"
 
 namespace Steinberg
 {
@@ -76,10 +72,8 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
         mEditorWidth = kEditorDesignWidth;
         mEditorHeight = kEditorDesignHeight;
         mDisplayScale = 1.0f;
-#if defined(_WIN32)
         if (auto* windows = velmoran::platform::CPlatformWindows::instance(false))
             mDisplayScale = windows->displayScale();
-#endif
         std::lock_guard<std::mutex> guard(mFrameLock);
         mSpectrumFrame = makeSpectrumFrame();
         mFrameSequence = 0;
@@ -88,22 +82,18 @@ tresult PLUGIN_API CPlugController::initialize(FUnknown* context)
     {
         return kOutOfMemory;
     }
-#if defined(_WIN32)
-    CEditorShared::acquire();
+    acquireEditorImages();
     mHoldsEditorShared = true;
-#endif
     return kResultOk;
 }
 
 tresult PLUGIN_API CPlugController::terminate()
 {
-#if defined(_WIN32)
     if (mHoldsEditorShared)
     {
-        CEditorShared::release();
+        releaseEditorImages();
         mHoldsEditorShared = false;
     }
-#endif
     {
         std::lock_guard<std::mutex> guard(mFrameLock);
         mSpectrumFrame.reset();
@@ -442,10 +432,9 @@ tresult CPlugController::setValueAndShow(ParamID tag, ParamValue value)
 
 void CPlugController::showToEditors(ParamID tag)
 {
-#if defined(_WIN32)
     // A copy: an editor may close while it follows the change (a message box, for example). Without
     // memory for it the editors miss this change; the host's setter still succeeds.
-    std::vector<CPlugEditorView*> views;
+    std::vector<EditorListener*> views;
     try
     {
         views = mOpenViews;
@@ -454,13 +443,10 @@ void CPlugController::showToEditors(ParamID tag)
     {
         return;
     }
-    for (CPlugEditorView* view : views)
+    for (EditorListener* view : views)
     {
         view->parameterChanged(tag, getParamNormalized(tag));
     }
-#else
-    (void)tag;
-#endif
 }
 
 bool CPlugController::copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence)
@@ -477,26 +463,22 @@ bool CPlugController::copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence
 
 IPlugView* PLUGIN_API CPlugController::createView(FIDString name)
 {
-#if defined(_WIN32)
     if (name && std::strcmp(name, ViewType::kEditor) == 0)
     {
         // The view's construction allocates beyond the object itself; no exception reaches the host.
         try
         {
-            return new CPlugEditorView(this);
+            return createEditorView(*this);
         }
         catch (...)
         {
             return nullptr;
         }
     }
-#else
-    (void)name;
-#endif
     return nullptr;
 }
 
-void CPlugController::editorOpened(CPlugEditorView* view)
+void CPlugController::editorOpened(EditorListener* view)
 {
     if (std::find(mOpenViews.begin(), mOpenViews.end(), view) != mOpenViews.end())
     {
@@ -509,7 +491,7 @@ void CPlugController::editorOpened(CPlugEditorView* view)
     }
 }
 
-void CPlugController::editorClosed(CPlugEditorView* view)
+void CPlugController::editorClosed(EditorListener* view)
 {
     const auto found = std::find(mOpenViews.begin(), mOpenViews.end(), view);
     if (found == mOpenViews.end())

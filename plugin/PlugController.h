@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EditorLink.h"
 #include "PlugProgram.h"
 #include "PlugState.h"
 #include "SpectrumFrame.h"
@@ -21,12 +22,10 @@ namespace Vst
 namespace Velmoran
 {
 
-class CPlugEditorView;
-
 // The edit controller: registers the parameters, the unit "Root" with the program list "Factory
 // Presets", turns a "Preset" change into a full program load reported to the host, shows values
 // as text and keeps the last spectrum frame the processor sent.
-class CPlugController : public EditControllerEx1, public IMidiMapping
+class CPlugController : public EditControllerEx1, public IMidiMapping, public EditorControllerLink
 {
 public:
     CPlugController() = default;
@@ -65,28 +64,29 @@ public:
                                                    CtrlNumber midiControllerNumber,
                                                    ParamID& id) SMTG_OVERRIDE;
 
-    // The editor for "editor" (Windows), null for any other name or where there is no editor.
+    // The editor for "editor", null for any other name or where there is no editor.
     IPlugView* PLUGIN_API createView(FIDString name) SMTG_OVERRIDE;
 
     // Copies the last spectrum frame received into `frame` if it is newer than `sequence`, the
     // number of the frame the caller saw last, and updates that number. False when there is
     // nothing new or no frame buffer (UI thread).
-    bool copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence);
+    bool copySpectrumFrame(SpectrumFrame& frame, uint64_t& sequence) override;
     // The processor's sample rate in Hz as last reported, 44100 until then.
-    double sampleRate() const { return mSampleRate; }
+    double sampleRate() const override { return mSampleRate; }
     // The factory program at index (0..5), null outside initialize..destruction.
-    const CPlugProgram* program(int index) const;
+    const CPlugProgram* program(int index) const override;
     // The editor's size at scale 1 in pixels, and the display scale read at initialize.
-    float editorWidth() const { return mEditorWidth; }
-    float editorHeight() const { return mEditorHeight; }
+    float editorWidth() const override { return mEditorWidth; }
+    float editorHeight() const override { return mEditorHeight; }
     float displayScale() const { return mDisplayScale; }
 
     // An editor opened or closed in the host's window: open editors follow every parameter change.
-    void editorOpened(CPlugEditorView* view);
-    void editorClosed(CPlugEditorView* view);
+    void editorOpened(EditorListener* editor) override;
+    void editorClosed(EditorListener* editor) override;
+    EditController* editController() override { return this; }
     // Tells the processor that the first editor opened (true) or the last one closed (false): it
     // analyses the spectrum only while there is an editor to show it (UI thread).
-    void setEditorOpen(bool open);
+    void setEditorOpen(bool open) override;
 
     OBJ_METHODS(CPlugController, EditControllerEx1)
     DEFINE_INTERFACES
@@ -115,16 +115,14 @@ private:
     float mEditorWidth = 998.0f;
     float mEditorHeight = 634.0f;
     float mDisplayScale = 1.0f;
-    std::vector<CPlugEditorView*> mOpenViews;
+    std::vector<EditorListener*> mOpenViews;
     // The program whose values went to the host as edits since the last restored state, -1 if none.
     int mReportedProgram = -1;
     // The program a host is expected to replay as "Preset" after restoring this controller's
     // state, -1 if none: that replay must not load it over the restored values.
     int mExpectedPresetReplay = -1;
-#if defined(_WIN32)
     // The reference on the images that all editors of the module share, from initialize to terminate.
     bool mHoldsEditorShared = false;
-#endif
 };
 
 } // namespace Velmoran

@@ -13,12 +13,7 @@
 
 #include <new>
 
-#if defined(_WIN32)
-#include "editor/CEditorShared.h"
-#include "editor/mbx/MBXManager.h"
-#include "editor/mbx/MBXWindow.h"
-#include "platform/window/CPlatformWindows.h"
-#endif
+#include "EditorLink.h"
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
@@ -57,25 +52,17 @@ const PClassInfo2& controllerClassInfo()
 } // namespace
 
 // Module-wide objects that all instances share are made here, before any factory call, and
-// released in DeinitModule. On Windows these are the window kit that owns the editors' windows,
-// the message-box manager and the images all editors share.
+// released in DeinitModule: the window kit that owns the editors' windows, the message-box manager
+// (whose boxes have windows of their own on Windows) and the images all editors share.
 bool InitModule()
 {
-#if defined(_WIN32)
-    velmoran::platform::initWindowKit(kProductIdentityToken);
-    MBXManager::instance().setWindowPresenter(presentInWindow);
-    CEditorShared::acquire();
-#endif
+    startEditorModule(kProductIdentityToken);
     return true;
 }
 
 bool DeinitModule()
 {
-#if defined(_WIN32)
-    CEditorShared::release();
-    MBXManager::instance().setWindowPresenter(nullptr);
-    velmoran::platform::exitWindowKit();
-#endif
+    stopEditorModule();
     return true;
 }
 

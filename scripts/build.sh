@@ -53,5 +53,14 @@ editor_host dist/editor-band-menu.png --preset 1 --seconds 1 --gesture right-cli
 editor_host dist/editor-info-box.png --preset 1 --seconds 1 --gesture drag:637,234,660,215
 editor_host dist/editor-scale-150.png --preset 3 --set 14=1 --seconds 2 --scale 1.5
 build/windows/wine-run.sh --remove-prefix
+
+# The same editor in a Linux host: the Linux module's editor embedded by XEmbed into the Linux
+# editor test host's window on a virtual display, drawn by Mesa's software rasteriser.
+editor_host_linux() {
+    LIBGL_ALWAYS_SOFTWARE=1 xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" \
+        build/linux/tools/editor_host/velmoran-editor-host build/linux/plugin/Velmoran.so "$@" >/dev/null
+}
+editor_host_linux dist/editor-linux.png --seconds 1
+editor_host_linux dist/editor-linux-nv3-spectrum.png --preset 3 --set 14=1 --seconds 3
 echo "Built into $(pwd)/dist:"
 find dist -maxdepth 4 | sort

@@ -7,6 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config ccache
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools
   wine wine64 xvfb xauth libgl1-mesa-dri mesa-utils
+  libx11-dev libxtst-dev libgl-dev libglx-dev
   googletest libgtest-dev libbenchmark-dev
   juce-modules-source-data
   python3 librsvg2-bin libfreetype-dev

@@ -14,7 +14,7 @@ namespace
 // The one rendering context of the process and the number of renderers drawing through it.
 struct SharedContext
 {
-    HGLRC context = nullptr;
+    NativeContext context = nullptr;
     int32_t users = 1;
 };
 
@@ -49,21 +49,6 @@ CGLRenderer::Matrix orthographic(float left, float right, float bottom, float to
     return m;
 }
 
-void choosePixelFormat(HDC dc)
-{
-    PIXELFORMATDESCRIPTOR descriptor{};
-    descriptor.nSize = 40;
-    descriptor.nVersion = 1;
-    descriptor.dwFlags = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
-    descriptor.iPixelType = PFD_TYPE_RGBA;
-    descriptor.cColorBits = 32;
-    descriptor.cDepthBits = 24;
-    descriptor.cStencilBits = 8;
-    descriptor.iLayerType = PFD_MAIN_PLANE;
-    // A window that already has a format keeps it; drawing works with either.
-    SetPixelFormat(dc, ChoosePixelFormat(dc, &descriptor), &descriptor);
-}
-
 void setFixedState()
 {
     glFrontFace(GL_CW);
@@ -88,7 +73,7 @@ void VertexArray::clear()
     colours.clear();
 }
 
-HGLRC CGLRenderer::sharedContext()
+NativeContext CGLRenderer::sharedContext()
 {
     return gContext != nullptr ? gContext->context : nullptr;
 }
@@ -113,16 +98,15 @@ bool CGLRenderer::contextExists() const
     return sharedContext() != nullptr;
 }
 
-int CGLRenderer::initialise(HWND window, double logicalWidth, double logicalHeight, double viewportWidth,
-                            double viewportHeight)
+int CGLRenderer::initialise(NativeWindow window, double logicalWidth, double logicalHeight,
+                            double viewportWidth, double viewportHeight)
 {
     mWindow = window;
-    mDc = GetDC(window);
+    mDc = openSurface(window);
     mLogicalWidth = logicalWidth;
     mLogicalHeight = logicalHeight;
     mViewportWidth = viewportWidth;
     mViewportHeight = viewportHeight;
-    choosePixelFormat(mDc);
 
     mInitialised = true;
     if (!attachContext())
@@ -153,7 +137,7 @@ bool CGLRenderer::attachContext()
         mHoldsContext = true;
         return true;
     }
-    HGLRC context = wglCreateContext(mDc);
+    NativeContext context = createContext(mDc);
     // No record is kept for a failed creation, so that the next editor to open tries again.
     if (context == nullptr)
         return false;
@@ -200,8 +184,7 @@ void CGLRenderer::releaseContext()
     mHoldsContext = false;
     if (--gContext->users > 0)
         return;
-    wglMakeCurrent(nullptr, nullptr);
-    wglDeleteContext(gContext->context);
+    deleteContext(gContext->context);
     gContext.reset();
 }
 
@@ -220,8 +203,8 @@ void CGLRenderer::teardown()
         mHoldsPrograms = false;
     }
     releaseContext();
-    ReleaseDC(mWindow, mDc);
-    mDc = nullptr;
+    closeSurface(mWindow, mDc);
+    mDc = NativeSurface{};
 }
 
 void CGLRenderer::setPixelScale(float scale)
@@ -284,14 +267,14 @@ void CGLRenderer::present()
     if (!contextExists())
         return;
     glFlush();
-    SwapBuffers(mDc);
+    swapSurface(mDc);
     mViewportSizeChanged = false;
 }
 
 void CGLRenderer::makeCurrent()
 {
     if (contextExists())
-        wglMakeCurrent(mDc, sharedContext());
+        makeContextCurrent(mDc, sharedContext());
 }
 
 void CGLRenderer::stopUsingPrograms()

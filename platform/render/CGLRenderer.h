@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GLEntryPoints.h"
+#include "GLPlatform.h"
 #include "GLTexture.h"
 
 #include <array>
@@ -58,7 +59,7 @@ public:
     CGLRenderer& operator=(const CGLRenderer&) = delete;
 
     // Sets OpenGL up on the window; a Result code.
-    int initialise(HWND window, double logicalWidth, double logicalHeight, double viewportWidth,
+    int initialise(NativeWindow window, double logicalWidth, double logicalHeight, double viewportWidth,
                    double viewportHeight);
     // Releases this renderer's share of the context, programs and textures.
     void teardown();
@@ -159,7 +160,7 @@ public:
     static void powerOfTwoSize(int width, int height, int& textureWidth, int& textureHeight);
 
     // The shared context and the number of renderers using it.
-    static HGLRC sharedContext();
+    static NativeContext sharedContext();
     static int sharedContextUsers();
     // The shared dash texture, 8 x 1 pixels.
     static const GLTexture* dashTexture();
@@ -169,7 +170,7 @@ public:
     // True when the last initialise found a tested entry point missing.
     bool missingEntryPoints() const { return mMissingEntryPoints; }
     // The window's device context.
-    HDC deviceContext() const { return mDc; }
+    NativeSurface deviceContext() const { return mDc; }
 
 private:
     // The dash texture over `positions`, `length` pixels from `phase` into its pattern.
@@ -189,8 +190,8 @@ private:
     void drawTexturedQuad(const GLTexture& texture, const float* positions, const float* texCoords,
                           const Colour& tint, bool withGamma);
 
-    HWND mWindow = nullptr;
-    HDC mDc = nullptr;
+    NativeWindow mWindow{};
+    NativeSurface mDc{};
     double mLogicalWidth = 0.0;
     double mLogicalHeight = 0.0;
     double mViewportWidth = 0.0;

@@ -1,19 +1,12 @@
 #include "ErrorBox.h"
 
-#include <windows.h>
-
 namespace velmoran::platform
 {
 
 namespace
 {
 
-void messageBox(const char* caption, const char* text)
-{
-    MessageBoxA(nullptr, text, caption, MB_ICONEXCLAMATION);
-}
-
-ErrorBoxFunction gErrorBox = messageBox;
+ErrorBoxFunction gErrorBox = showSystemErrorBox;
 
 } // namespace
 
@@ -25,7 +18,7 @@ void showErrorBox(const char* caption, const char* text)
 ErrorBoxFunction setErrorBoxFunction(ErrorBoxFunction function)
 {
     const ErrorBoxFunction previous = gErrorBox;
-    gErrorBox = function != nullptr ? function : messageBox;
+    gErrorBox = function != nullptr ? function : showSystemErrorBox;
     return previous;
 }
 

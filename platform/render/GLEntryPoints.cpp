@@ -1,5 +1,7 @@
 #include "GLEntryPoints.h"
 
+#include "GLPlatform.h"
+
 namespace velmoran::platform
 {
 
@@ -9,7 +11,7 @@ bool loadGLEntryPoints(GLEntryPoints& table)
 {
 #define VELMORAN_GL_LOAD(type, name, tested)                                                                 \
     if (table.name == nullptr)                                                                               \
-        table.name = reinterpret_cast<type>(reinterpret_cast<void*>(wglGetProcAddress(#name)));
+        table.name = reinterpret_cast<type>(glFunction(#name));
     VELMORAN_GL_ENTRY_POINTS(VELMORAN_GL_LOAD)
 #undef VELMORAN_GL_LOAD
     return requiredEntryPointsMissing(table);

@@ -1,6 +1,8 @@
 #pragma once
 
+#if defined(_WIN32)
 #include <windows.h>
+#endif
 
 #include <GL/gl.h>
 #include <GL/glext.h>

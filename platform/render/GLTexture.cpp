@@ -1,11 +1,13 @@
 #include "GLTexture.h"
 
+#include "GLPlatform.h"
+
 namespace velmoran::platform
 {
 
 GLTexture::~GLTexture()
 {
-    if (name != 0 && wglGetCurrentContext() != nullptr)
+    if (name != 0 && contextIsCurrent())
         glDeleteTextures(1, &name);
 }
 

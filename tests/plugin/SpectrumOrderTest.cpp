@@ -59,11 +59,12 @@ protected:
         processor->disconnect(controller);
         controller->disconnect(processor);
     }
-    // The controller only keeps the pointers of the editors it is told of; nothing here draws.
-    Velmoran::CPlugEditorView* editor()
+    // The controller only tells the editors it is told of about parameters; nothing here draws.
+    struct EditorStandIn : Velmoran::EditorListener
     {
-        return reinterpret_cast<Velmoran::CPlugEditorView*>(&mEditorStandIn);
-    }
+        void parameterChanged(ParamID, ParamValue) override {}
+    };
+    Velmoran::EditorListener* editor() { return &mEditorStandIn; }
 
     // Plays a 1 kHz sine with "FFT" on until the controller holds an analysed frame; false when
     // none has come within the given seconds.
@@ -96,7 +97,7 @@ protected:
     IPtr<Velmoran::CPlugController> controller = owned(new Velmoran::CPlugController());
 
 private:
-    int mEditorStandIn = 0;
+    EditorStandIn mEditorStandIn;
 };
 
 TEST_P(SpectrumOrder, ShowsWhileAnEditorIsOpen)

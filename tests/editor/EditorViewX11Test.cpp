@@ -1,0 +1,319 @@
+// The editor view on Linux inside this test program: embedded by XEmbed into a host window on the
+// virtual display, drawn with GLX and driven by a host's run loop. Sizes, what the host sees, the
+// run loop's registrations, teardown and hosts that break the rules.
+
+// GoogleTest comes before the X11 headers, whose macros (None, Bool) would rename its types.
+#include <gtest/gtest.h>
+
+#include "X11TestWindow.h"
+
+#include "editor/CPlugEditorView.h"
+#include "editor/mbx/MBXManager.h"
+#include "editor/mbx/MBXObject.h"
+#include "platform/render/CGLRenderer.h"
+#include "platform/window/WindowKit.h"
+#include "platform/window/X11Display.h"
+#include "plugin/PlugController.h"
+#include "tools/editor_host/PollRunLoop.h"
+
+#include "public.sdk/source/vst/hosting/hostclasses.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace Steinberg;
+using namespace Steinberg::Vst;
+using namespace Steinberg::Vst::Velmoran;
+using velmoran::editorhost::PollRunLoop;
+using velmoran::platform::CGLRenderer;
+using velmoran::platform::CPlatformWindows;
+using velmoran::test::X11TestWindow;
+
+namespace
+{
+
+std::vector<std::string>& shownBoxes()
+{
+    static std::vector<std::string> boxes;
+    return boxes;
+}
+
+int recordBox(const MBXObject& box)
+{
+    shownBoxes().push_back(box.title() + "|" + box.text());
+    return 0;
+}
+
+int failWithoutContext(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
+{
+    return CGLRenderer::kNoContext;
+}
+
+// One controller as a host makes it.
+struct Instance
+{
+    Instance()
+    {
+        controller = static_cast<CPlugController*>(
+            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
+        controller->initialize(&host);
+    }
+    ~Instance()
+    {
+        controller->terminate();
+        controller->release();
+    }
+    IPtr<CPlugEditorView> createView(ViewRect* rect = nullptr)
+    {
+        return owned(new CPlugEditorView(controller, rect));
+    }
+
+    HostApplication host;
+    CPlugController* controller = nullptr;
+};
+
+CPlatformWindows& kit()
+{
+    return *CPlatformWindows::instance(false);
+}
+
+Window editorWindow(const CPlugEditorView& view)
+{
+    return kit().windowHandle(view.windowSlot());
+}
+
+class EditorViewX11 : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        velmoran::test::keepGlDriverLoaded();
+        CPlatformWindows::instance(true);
+        MBXManager::instance().setPresenter(recordBox);
+    }
+    static void TearDownTestSuite()
+    {
+        MBXManager::instance().setPresenter(nullptr);
+        CPlatformWindows::release();
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(host.valid()) << "no X display";
+        runLoop = owned(new PollRunLoop);
+        shownBoxes().clear();
+    }
+
+    tresult open(CPlugEditorView& view) { return openIn(view, host); }
+
+    tresult openIn(CPlugEditorView& view, const X11TestWindow& window)
+    {
+        view.setFrame(runLoop);
+        return view.attached(window.parent(), kPlatformTypeX11EmbedWindowID);
+    }
+
+    void close(CPlugEditorView& view)
+    {
+        view.removed();
+        view.setFrame(nullptr);
+    }
+
+    // Runs the host's loop until the editor's window shows a drawn screen.
+    bool drawn(const CPlugEditorView& view) { return drawnIn(view, host); }
+
+    bool drawnIn(const CPlugEditorView& view, const X11TestWindow& window)
+    {
+        return runLoop->runUntil([&] { return window.distinctColours(editorWindow(view)) > 16; });
+    }
+
+    void expectNothingLeft()
+    {
+        EXPECT_EQ(runLoop->timerCount(), 0);
+        EXPECT_EQ(runLoop->eventHandlerCount(), 0);
+        EXPECT_EQ(kit().openWindowCount(), 0);
+        EXPECT_EQ(CGLRenderer::sharedContextUsers(), 0);
+        EXPECT_EQ(CGLRenderer::sharedContext(), nullptr);
+        EXPECT_EQ(velmoran::platform::displayUsers(), 0);
+        EXPECT_TRUE(host.children().empty());
+    }
+
+    X11TestWindow host;
+    IPtr<PollRunLoop> runLoop;
+};
+
+struct PlatformTypeCase
+{
+    const char* type;
+    tresult expected;
+};
+
+class EditorViewX11PlatformType : public EditorViewX11, public ::testing::WithParamInterface<PlatformTypeCase>
+{
+};
+
+TEST_P(EditorViewX11PlatformType, OnlyX11EmbedWindowIdIsSupported)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    EXPECT_EQ(view->isPlatformTypeSupported(GetParam().type), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, EditorViewX11PlatformType,
+                         ::testing::Values(PlatformTypeCase{kPlatformTypeX11EmbedWindowID, kResultTrue},
+                                           PlatformTypeCase{kPlatformTypeHWND, kResultFalse},
+                                           PlatformTypeCase{kPlatformTypeNSView, kResultFalse},
+                                           PlatformTypeCase{nullptr, kResultFalse}));
+
+struct SizeCase
+{
+    int hostWidth; // 0: no rectangle from the host
+    int hostHeight;
+    int expectedWidth;
+    int expectedHeight;
+};
+
+class EditorViewX11Size : public EditorViewX11, public ::testing::WithParamInterface<SizeCase>
+{
+};
+
+TEST_P(EditorViewX11Size, EmbedsAMappedDrawnChildOfTheViewSize)
+{
+    Instance instance;
+    ViewRect rect(0, 0, GetParam().hostWidth, GetParam().hostHeight);
+    IPtr<CPlugEditorView> view = instance.createView(GetParam().hostWidth > 0 ? &rect : nullptr);
+    ASSERT_EQ(open(*view), kResultOk);
+    ASSERT_TRUE(view->isOpen());
+
+    const std::vector<Window> children = host.children();
+    ASSERT_EQ(children.size(), 1u);
+    EXPECT_EQ(children[0], editorWindow(*view));
+    const XWindowAttributes attributes = host.attributes(children[0]);
+    EXPECT_EQ(attributes.width, GetParam().expectedWidth);
+    EXPECT_EQ(attributes.height, GetParam().expectedHeight);
+    EXPECT_EQ(attributes.map_state, IsViewable);
+    EXPECT_EQ(host.xembedFlags(children[0]), 1); // XEMBED_MAPPED
+    EXPECT_TRUE(drawn(*view));
+    EXPECT_TRUE(shownBoxes().empty());
+
+    close(*view);
+    expectNothingLeft();
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, EditorViewX11Size,
+                         ::testing::Values(SizeCase{0, 0, 998, 634}, SizeCase{1497, 951, 1497, 951},
+                                           SizeCase{1996, 1268, 1996, 1268}));
+
+TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileOpen)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    ASSERT_EQ(open(*view), kResultOk);
+    ASSERT_EQ(runLoop->timerCount(), 1);
+    EXPECT_EQ(runLoop->timerPeriod(0).count(), 40);
+    EXPECT_EQ(runLoop->eventHandlerCount(), 1);
+    EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 3; }));
+
+    close(*view);
+    expectNothingLeft();
+}
+
+TEST_F(EditorViewX11, LosingTheFrameUnregistersBoth)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    ASSERT_EQ(open(*view), kResultOk);
+    view->setFrame(nullptr);
+    EXPECT_EQ(runLoop->timerCount(), 0);
+    EXPECT_EQ(runLoop->eventHandlerCount(), 0);
+    view->removed();
+    expectNothingLeft();
+}
+
+TEST_F(EditorViewX11, HostWithoutRunLoopIsRefused)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    EXPECT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultFalse);
+    EXPECT_FALSE(view->isOpen());
+    view->removed();
+    expectNothingLeft();
+}
+
+// A driver without a usable context: the box says so with the Windows texts, the view stays empty
+// and leaves nothing registered, and opens at the next attach.
+TEST_F(EditorViewX11, RendererFailureShowsBoxAndLeavesViewUsable)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(failWithoutContext);
+    open(*view);
+    CPlugEditorView::setRendererStart(previous);
+    EXPECT_FALSE(view->isOpen());
+    EXPECT_EQ(shownBoxes(), std::vector<std::string>{
+                                "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context."});
+    EXPECT_EQ(kit().openWindowCount(), 0);
+    EXPECT_EQ(runLoop->timerCount(), 0);
+    close(*view);
+
+    ASSERT_EQ(open(*view), kResultOk);
+    EXPECT_TRUE(view->isOpen());
+    close(*view);
+    expectNothingLeft();
+}
+
+TEST_F(EditorViewX11, ParentDestroyedBeforeRemoved)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    ASSERT_EQ(open(*view), kResultOk);
+    ASSERT_TRUE(drawn(*view));
+    host.destroy();
+    EXPECT_TRUE(runLoop->runUntil([&] { return !view->isOpen(); }));
+    close(*view);
+    EXPECT_EQ(runLoop->timerCount(), 0);
+    EXPECT_EQ(runLoop->eventHandlerCount(), 0);
+    EXPECT_EQ(kit().openWindowCount(), 0);
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 0);
+    EXPECT_EQ(velmoran::platform::displayUsers(), 0);
+}
+
+TEST_F(EditorViewX11, TwoInstancesDrawThroughOneContext)
+{
+    Instance first;
+    Instance second;
+    X11TestWindow secondHost(1000, 640, 1100, 800);
+    IPtr<CPlugEditorView> one = first.createView();
+    IPtr<CPlugEditorView> two = second.createView();
+    ASSERT_EQ(open(*one), kResultOk);
+    ASSERT_EQ(openIn(*two, secondHost), kResultOk);
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 2);
+    EXPECT_EQ(runLoop->timerCount(), 2);
+    EXPECT_TRUE(drawn(*one));
+    EXPECT_TRUE(drawnIn(*two, secondHost));
+
+    close(*one);
+    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
+    EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 5; }));
+    EXPECT_TRUE(drawnIn(*two, secondHost));
+    close(*two);
+    expectNothingLeft();
+}
+
+TEST_F(EditorViewX11, HundredOpenCloseCyclesLeaveNothingBehind)
+{
+    Instance instance;
+    IPtr<CPlugEditorView> view = instance.createView();
+    for (int cycle = 0; cycle < 100; ++cycle)
+    {
+        ASSERT_EQ(open(*view), kResultOk) << "cycle " << cycle;
+        ASSERT_TRUE(view->isOpen());
+        runLoop->runOnce();
+        close(*view);
+        ASSERT_EQ(runLoop->timerCount(), 0);
+        ASSERT_EQ(runLoop->eventHandlerCount(), 0);
+    }
+    EXPECT_EQ(runLoop->timersRegistered(), 100);
+    expectNothingLeft();
+}
+
+} // namespace

@@ -1,0 +1,132 @@
+// The Linux window kit on its own, on a virtual display: scales, sizes, windows that cannot be made
+// and the cursors of the editor's windows.
+
+// GoogleTest comes before the X11 headers, whose macros (None, Bool) would rename its types.
+#include <gtest/gtest.h>
+
+#include "editor/X11TestWindow.h"
+
+#include "platform/window/WindowKit.h"
+#include "platform/window/X11Display.h"
+
+#include <X11/cursorfont.h>
+
+using velmoran::platform::CPlatformWindows;
+using velmoran::test::X11TestWindow;
+
+namespace
+{
+
+struct DpiCase
+{
+    int dpi;
+    float scale;
+};
+
+class WindowKitX11Dpi : public ::testing::TestWithParam<DpiCase>
+{
+};
+
+TEST_P(WindowKitX11Dpi, ScaleFollowsTheDesktopDpi)
+{
+    EXPECT_FLOAT_EQ(CPlatformWindows::displayScaleForDpi(GetParam().dpi), GetParam().scale);
+}
+
+INSTANTIATE_TEST_SUITE_P(Dpi, WindowKitX11Dpi,
+                         ::testing::Values(DpiCase{0, 1.0f}, DpiCase{96, 1.0f}, DpiCase{120, 1.25f},
+                                           DpiCase{144, 1.5f}, DpiCase{192, 2.0f}, DpiCase{240, 2.0f}));
+
+struct SizeCase
+{
+    int logical;
+    float scale;
+    int device;
+};
+
+class WindowKitX11Size : public ::testing::TestWithParam<SizeCase>
+{
+};
+
+TEST_P(WindowKitX11Size, DeviceSizeRoundsHalfUp)
+{
+    EXPECT_EQ(CPlatformWindows::deviceSize(GetParam().logical, GetParam().scale), GetParam().device);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, WindowKitX11Size,
+                         ::testing::Values(SizeCase{100, 1.25f, 125}, SizeCase{50, 1.25f, 63},
+                                           SizeCase{998, 1.0f, 998}, SizeCase{634, 2.0f, 1268}));
+
+class WindowKitX11 : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite() { velmoran::test::keepGlDriverLoaded(); }
+    void SetUp() override { ASSERT_TRUE(host.valid()) << "no X display"; }
+    void TearDown() override { CPlatformWindows::release(); }
+
+    CPlatformWindows& kit() { return *CPlatformWindows::instance(true); }
+
+    X11TestWindow host;
+};
+
+struct ParentCase
+{
+    const char* name;
+    unsigned long parent;
+};
+
+class WindowKitX11Parent : public WindowKitX11, public ::testing::WithParamInterface<ParentCase>
+{
+};
+
+// A parent that is no window gives -1 and leaves no window and no connection behind.
+TEST_P(WindowKitX11Parent, NoWindowWithoutAParent)
+{
+    EXPECT_EQ(kit().createChildWindow(0, 0, 100, 50, 1.0f, GetParam().parent, nullptr), -1);
+    EXPECT_EQ(kit().openWindowCount(), 0);
+    EXPECT_EQ(velmoran::platform::displayUsers(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Parents, WindowKitX11Parent,
+                         ::testing::Values(ParentCase{"none", 0}, ParentCase{"unknown", 0x7ffffff0}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(WindowKitX11, ChildHasTheDeviceSizeOfItsScale)
+{
+    const int slot = kit().createChildWindow(0, 0, 100, 50, 1.25f, host.window(), nullptr);
+    ASSERT_GE(slot, 0);
+    const XWindowAttributes attributes = host.attributes(kit().windowHandle(slot));
+    EXPECT_EQ(attributes.width, 125);
+    EXPECT_EQ(attributes.height, 63);
+    kit().destroyWindow(slot);
+    EXPECT_TRUE(host.children().empty());
+    EXPECT_EQ(velmoran::platform::displayUsers(), 0);
+}
+
+struct CursorStep
+{
+    void (CPlatformWindows::*show)(bool);
+    bool on;
+    unsigned expected;
+};
+
+// The cursor switches save the cursor they replace and put it back.
+TEST_F(WindowKitX11, CursorsShowAndRestore)
+{
+    const int slot = kit().createChildWindow(0, 0, 100, 50, 1.0f, host.window(), nullptr);
+    ASSERT_GE(slot, 0);
+    const CursorStep steps[] = {{&CPlatformWindows::showDiagonalResizeCursor, true, XC_bottom_right_corner},
+                                {&CPlatformWindows::showDiagonalResizeCursor, false, XC_left_ptr},
+                                {&CPlatformWindows::showHandCursor, true, XC_hand2},
+                                {&CPlatformWindows::showHandCursor, false, XC_left_ptr},
+                                {&CPlatformWindows::showWaitCursor, true, XC_watch}};
+    for (const CursorStep& step : steps)
+    {
+        (kit().*step.show)(step.on);
+        EXPECT_EQ(kit().cursorShape(), step.expected);
+    }
+    kit().restoreNormalCursor();
+    EXPECT_EQ(kit().cursorShape(), static_cast<unsigned>(XC_left_ptr));
+    kit().destroyWindow(slot);
+}
+
+} // namespace
