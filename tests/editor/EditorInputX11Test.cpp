@@ -9,6 +9,7 @@
 
 #include "editor/CPlugEditorView.h"
 #include "editor/EditorScreen.h"
+#include "editor/HostKeys.h"
 #include "editor/mbx/MBXManager.h"
 #include "editor/mbx/MBXObject.h"
 #include "editor/mbx/MBXWindow.h"
@@ -237,6 +238,22 @@ TEST_F(EditorInputX11, DoubleClickOnHandleResetsTheBand)
     click(1, x, y);
     click(1, x, y);
     EXPECT_TRUE(deliver([this] { return value(*controller, gainTag(6)) == 0.5; }));
+}
+
+// Keys come from the host through the view: with band 6 clicked, Right moves it up a twelfth of an
+// octave as one gesture; a key the editor has no use for (the space bar) goes back to the host.
+TEST_F(EditorInputX11, KeysFromTheHostNudgeTheSelectedBand)
+{
+    int x = 0;
+    int y = 0;
+    handleOf(5, x, y);
+    click(1, x, y);
+    ASSERT_TRUE(deliver([this] { return screen().selectedBand() == 5; }));
+    const double before = value(*controller, frequencyTag(6));
+    EXPECT_EQ(view->onKeyDown(0, velmoran::editor::hostkeys::kRight, 0), kResultTrue);
+    EXPECT_EQ(view->onKeyUp(0, velmoran::editor::hostkeys::kRight, 0), kResultTrue);
+    EXPECT_GT(value(*controller, frequencyTag(6)), before);
+    EXPECT_EQ(view->onKeyDown(u' ', 0, 0), kResultFalse);
 }
 
 // The host hiding its window mid-drag ends the pointer grab: every gesture is closed.
