@@ -163,6 +163,28 @@ INSTANTIATE_TEST_SUITE_P(Peaks, RenderToolPeak,
                                          PeakCase{"Plus3Db96k", "Peak +3dB", 96000}),
                          [](const testing::TestParamInfo<PeakCase>& info) { return info.param.name; });
 
+// At 22.05 kHz the defaults' 16 kHz shelf lies beyond Nyquist: a 16-bit render is still the music,
+// level for level as at 44.1 kHz, not full-scale noise.
+TEST(RenderTool, DefaultsAtHalfTheRateSoundAsAtTheFullRate)
+{
+    ScratchFolder folder;
+    std::vector<double> levelsDb;
+    for (const int rate : {22050, 44100})
+        for (const double hz : {1000.0, 8000.0})
+        {
+            writeSound(folder.file("in.wav"), sine(hz, -20.0, 1.0, rate, 2), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
+                       rate, 2);
+            const ToolRun run = runTool({folder.file("in.wav"), folder.file("out.wav")});
+            ASSERT_EQ(run.exitCode, 0) << run.errors;
+            levelsDb.push_back(rmsDb(readSound(folder.file("out.wav")), 0, static_cast<size_t>(rate) / 2));
+        }
+    for (size_t tone = 0; tone < 2; ++tone)
+    {
+        EXPECT_NEAR(levelsDb[tone], -20.12, 0.05) << "tone " << tone; // less the defaults' 0.12 dB
+        EXPECT_NEAR(levelsDb[tone], levelsDb[tone + 2], 0.05) << "tone " << tone;
+    }
+}
+
 // The state saved with a render gives the same render again, at another block size too.
 TEST(RenderTool, SavedStateRendersIdenticallyAtAnyBlockSize)
 {
