@@ -22,7 +22,6 @@ namespace
 
 constexpr int kFirstCode = 32;
 constexpr int kLastCode = 126;
-constexpr int kGlyphCount = kLastCode - kFirstCode + 1;
 // Outlines are rendered this many times larger than the design size, so the distances are
 // measured to a quarter of a design pixel before they are averaged down.
 constexpr int kOversample = 4;
