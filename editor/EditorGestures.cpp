@@ -68,7 +68,7 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
     }
     mLeftHeld = true;
     mAddedBand = -1;
-    if (pressWidget(x, y))
+    if (pressWidget(x, y) || pressInfoBox(x, y))
         return;
     const int slot = mGraph.hitTest(x, y);
     if (slot >= 0 && slot < kBandCount)
@@ -94,6 +94,21 @@ bool EditorScreen::pressWidget(float x, float y)
             mNeedsRedraw = true;
             return true;
         }
+    }
+    return false;
+}
+
+bool EditorScreen::pressInfoBox(float x, float y)
+{
+    for (int band = 0; band < kBandCount; ++band)
+    {
+        const TextBox& box = *mInfoBoxes[static_cast<size_t>(band)];
+        if (!box.hitTest(x, y))
+            continue;
+        // The box then shows the new state as the host reports the change back.
+        if (box.lineAt(x, y) == BandInfoLines::kStateLine)
+            singleEdit(enableTag(band + 1), mBands[static_cast<size_t>(band)].on() ? 0.0 : 1.0);
+        return true;
     }
     return false;
 }

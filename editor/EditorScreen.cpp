@@ -403,7 +403,8 @@ void EditorScreen::showBandInfo(int band, int highlightCode)
     for (int line = 0; line < BandInfoLines::kLineCount; ++line)
     {
         const auto index = static_cast<size_t>(line);
-        const int icon = line == 4 && lines.texts[4] == "Solo" ? ids::kIconSolo : kIcons[index];
+        const int icon = line == BandInfoLines::kStateLine && lines.texts[index] == "Solo" ? ids::kIconSolo
+                                                                                           : kIcons[index];
         boxLines.push_back({lines.texts[index], kLightGrey, icon, lines.highlighted[index]});
     }
     TextBox& box = *mInfoBoxes[static_cast<size_t>(band)];

@@ -159,6 +159,8 @@ private:
 
     // Gestures (EditorGestures.cpp).
     bool pressWidget(float x, float y);
+    // A press on a shown info box stays with the box; on its state line it switches the band.
+    bool pressInfoBox(float x, float y);
     // Runs the click of a pressed widget; nothing of the screen is touched after it.
     void clickWidget(const Widget* pressed);
     void clickToggle(int index);

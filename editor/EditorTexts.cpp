@@ -157,8 +157,8 @@ BandInfoLines bandInfoLines(const BandDisplay& band)
         hasNoGain(band.typeCode) ? std::string("Gain 0.0 dB") : format("Gain %.1f dB", band.gainDb);
     lines.texts[3] = filterTypeLabel(band.typeCode);
     const bool soloed = band.soloBand == band.bandIndex + 1;
-    lines.texts[4] = soloed ? "Solo" : (band.on ? "On" : "Off");
-    lines.highlighted[4] = soloed;
+    lines.texts[BandInfoLines::kStateLine] = soloed ? "Solo" : (band.on ? "On" : "Off");
+    lines.highlighted[BandInfoLines::kStateLine] = soloed;
     static constexpr std::array<int, 3> kHighlightedLine = {4, 2, 3};
     if (band.highlightCode >= 0 && band.highlightCode < 3)
         lines.highlighted[static_cast<size_t>(kHighlightedLine[static_cast<size_t>(band.highlightCode)])] =

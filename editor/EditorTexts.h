@@ -58,6 +58,8 @@ struct BandDisplay
 struct BandInfoLines
 {
     static constexpr int kLineCount = 5;
+    // The last line: "On", "Off" or "Solo", beside the power icon.
+    static constexpr int kStateLine = 4;
     std::array<std::string, kLineCount> texts;
     std::array<bool, kLineCount> highlighted{};
 };

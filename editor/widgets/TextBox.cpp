@@ -46,6 +46,15 @@ void TextBox::centreOn(float x, float y)
     moveTo(x - bounds().width / 2.0f, y - bounds().height / 2.0f);
 }
 
+int TextBox::lineAt(float x, float y) const
+{
+    if (!hitTest(x, y))
+        return -1;
+    const float top = bounds().y + (mFramed ? kPadding : 0.0f);
+    const int line = static_cast<int>(std::floor((y - top) / rowHeight()));
+    return line >= 0 && line < static_cast<int>(mLines.size()) ? line : -1;
+}
+
 float TextBox::rowHeight() const
 {
     return std::max(lineHeight(mStyle), hasIcons() ? kIconSize + 2.0f : 0.0f);

@@ -31,6 +31,8 @@ public:
     const std::vector<Line>& lines() const { return mLines; }
     // Centres the box on a point.
     void centreOn(float x, float y);
+    // The line under (x, y), -1 outside the lines or while hidden.
+    int lineAt(float x, float y) const;
     const TextStyle& style() const { return mStyle; }
 
 protected:

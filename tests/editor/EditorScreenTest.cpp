@@ -33,6 +33,10 @@ protected:
     {
         const float x = widget.bounds().x + widget.bounds().width / 2.0f;
         const float y = widget.bounds().y + widget.bounds().height / 2.0f;
+        click(x, y);
+    }
+    void click(float x, float y)
+    {
         screen.mouseDown(x, y, MouseButton::Left, kNoModifiers);
         screen.mouseUp(x, y, MouseButton::Left, kNoModifiers);
     }
@@ -150,6 +154,35 @@ TEST_F(EditorScreenTest, HoverNamesSwitchesAndButtons)
     screen.mouseMove(0.0f, 0.0f, kNoModifiers);
     hostSets(kFftTag, 1.0);
     EXPECT_EQ(hover(screen.toggle(EditorScreen::kSpectrumToggle)), "FFT : On ");
+}
+
+// The info box's state line switches its band off and on again; no click on the box reaches the
+// graph beneath it, where it would add a band.
+TEST_F(EditorScreenTest, InfoBoxStateLineSwitchesTheBand)
+{
+    const auto [x, y] = handle(3);
+    screen.mouseDown(x, y, MouseButton::Left, kNoModifiers);
+    screen.mouseUp(x, y, MouseButton::Left, kNoModifiers);
+    const TextBox& box = screen.bandInfoBox(3);
+    ASSERT_TRUE(box.visible());
+    const float lineX = box.bounds().x + box.bounds().width / 2.0f;
+    float stateY = box.bounds().y;
+    while (stateY < box.bounds().bottom() && box.lineAt(lineX, stateY) != BandInfoLines::kStateLine)
+        stateY += 1.0f;
+    ASSERT_EQ(box.lineAt(lineX, stateY + 2.0f), BandInfoLines::kStateLine);
+    context.log.clear();
+    click(lineX, stateY + 2.0f);
+    EXPECT_EQ(context.lastPerformed(enableTag(4)), 0.0);
+    const std::string tag = std::to_string(enableTag(4));
+    EXPECT_EQ(context.log, (std::vector<std::string>{"begin " + tag, "perform " + tag, "end " + tag}));
+    hostSets(enableTag(4), 0.0);
+    EXPECT_EQ(box.lines().at(BandInfoLines::kStateLine).text, "Off");
+    click(lineX, stateY + 2.0f);
+    EXPECT_EQ(context.lastPerformed(enableTag(4)), 1.0);
+
+    context.log.clear();
+    click(lineX, box.bounds().y + 3.0f); // the frequency line: nothing
+    EXPECT_TRUE(context.log.empty());
 }
 
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
