@@ -2,18 +2,14 @@
 // under Wine, with a host's component handler logging every edit in its order. What each input does
 // to the screen is EditorScreenTest's; here the window's messages reach it.
 
+#include "EditorControllerFixture.h"
+
 #include "editor/CPlugEditorView.h"
 #include "editor/EditorScreen.h"
-#include "editor/mbx/MBXManager.h"
-#include "editor/mbx/MBXObject.h"
 #include "platform/window/CPlatformWindows.h"
-#include "platform/window/TestHostWindow.h"
-#include "plugin/PlugController.h"
 #include "plugin/PlugParameters.h"
 #include "sdk/hosting/ComponentHandler.h"
 #include "support/EditGestures.h"
-
-#include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <gtest/gtest.h>
 
@@ -27,30 +23,12 @@ using velmoran::test::gestureOf;
 namespace
 {
 
-int acceptBox(const MBXObject&)
-{
-    return 0;
-}
-
-class EditorInput : public ::testing::Test
+class EditorInput : public velmoran::test::EditorControllerFixture<velmoran::test::acceptBox>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken);
-        MBXManager::instance().setPresenter(acceptBox);
-    }
-    static void TearDownTestSuite()
-    {
-        MBXManager::instance().setPresenter(nullptr);
-        velmoran::test::closeAllWindows();
-    }
-
     void SetUp() override
     {
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&host);
+        EditorControllerFixture::SetUp();
         controller->setComponentHandler(handler);
         view = owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
         ASSERT_EQ(view->attached(velmoran::test::testHostWindow(), kPlatformTypeHWND), kResultOk);
@@ -61,8 +39,7 @@ protected:
     {
         view->removed();
         view = nullptr;
-        controller->terminate();
-        controller->release();
+        EditorControllerFixture::TearDown();
     }
 
     EditorScreen& screen() { return *view->screen(); }
@@ -81,9 +58,7 @@ protected:
                 static_cast<LONG>(screen().graph().slot(band).handleY + 0.5f)};
     }
 
-    HostApplication host;
     IPtr<ComponentHandler> handler = owned(new ComponentHandler());
-    CPlugController* controller = nullptr;
     IPtr<CPlugEditorView> view;
     HWND window = nullptr;
 };

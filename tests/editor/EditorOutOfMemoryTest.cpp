@@ -2,14 +2,11 @@
 // synchronises the widgets), the controller's setters that feed the editor and the window's own
 // messages. Allocations fail after a chosen number have succeeded; no exception may reach the host.
 
-#include "editor/CPlugEditorView.h"
-#include "editor/mbx/MBXManager.h"
-#include "platform/window/CPlatformWindows.h"
-#include "platform/window/TestHostWindow.h"
-#include "plugin/PlugController.h"
-#include "plugin/PlugParameters.h"
+#include "EditorControllerFixture.h"
 
-#include "public.sdk/source/vst/hosting/hostclasses.h"
+#include "editor/CPlugEditorView.h"
+#include "platform/window/CPlatformWindows.h"
+#include "plugin/PlugParameters.h"
 
 #include <gtest/gtest.h>
 
@@ -60,11 +57,6 @@ using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
 using velmoran::platform::CPlatformWindows;
 
-int acceptBox(const MBXObject&)
-{
-    return 0;
-}
-
 // Lets `allowed` allocations succeed while it lives, then fails every further one.
 class AllocationLimit
 {
@@ -75,33 +67,9 @@ public:
     AllocationLimit& operator=(const AllocationLimit&) = delete;
 };
 
-class EditorOutOfMemory : public ::testing::TestWithParam<long>
+class EditorOutOfMemory : public velmoran::test::EditorControllerFixture<velmoran::test::acceptBox,
+                                                                         ::testing::TestWithParam<long>>
 {
-protected:
-    static void SetUpTestSuite()
-    {
-        CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken);
-        MBXManager::instance().setPresenter(acceptBox);
-    }
-    static void TearDownTestSuite()
-    {
-        MBXManager::instance().setPresenter(nullptr);
-        velmoran::test::closeAllWindows();
-    }
-    void SetUp() override
-    {
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&host);
-    }
-    void TearDown() override
-    {
-        controller->terminate();
-        controller->release();
-    }
-
-    HostApplication host;
-    CPlugController* controller = nullptr;
 };
 
 TEST_P(EditorOutOfMemory, CreateViewGivesAViewOrNone)

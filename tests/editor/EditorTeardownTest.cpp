@@ -2,16 +2,13 @@
 // renderer: its window destroyed before removed(), and the view released while a message box it
 // opened is up.
 
+#include "EditorControllerFixture.h"
+
 #include "editor/CEditorShared.h"
 #include "editor/CPlugEditorView.h"
 #include "editor/EditorScreen.h"
-#include "editor/mbx/MBXManager.h"
 #include "platform/render/CGLRenderer.h"
 #include "platform/window/CPlatformWindows.h"
-#include "platform/window/TestHostWindow.h"
-#include "plugin/PlugController.h"
-
-#include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <gtest/gtest.h>
 
@@ -39,40 +36,19 @@ int closeTheEditorMeanwhile(const MBXObject&)
     return 0;
 }
 
-class EditorTeardown : public ::testing::Test
+class EditorTeardown : public velmoran::test::EditorControllerFixture<closeTheEditorMeanwhile>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken);
-        MBXManager::instance().setPresenter(closeTheEditorMeanwhile);
-    }
-    static void TearDownTestSuite()
-    {
-        MBXManager::instance().setPresenter(nullptr);
-        velmoran::test::closeAllWindows();
-    }
-
     void SetUp() override
     {
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&host);
+        EditorControllerFixture::SetUp();
         gBoxesShown = 0;
-    }
-    void TearDown() override
-    {
-        controller->terminate();
-        controller->release();
     }
 
     IPtr<CPlugEditorView> createView()
     {
         return owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
     }
-
-    HostApplication host;
-    CPlugController* controller = nullptr;
 };
 
 // A host that destroys its window before removed(): the editor closes with its window, releasing its
