@@ -30,9 +30,19 @@ float bandHue(int band)
     return hue;
 }
 
+// Output gain lavender, frequency readout amber, input gain a pale green, so the two gain markers
+// are told apart at a glance.
 Rgba markerColour(int slot, int alpha)
 {
-    return slot == 10 ? hsvColour(0.75f, 0.25f, 0.85f, alpha) : hsvColour(0.12f, 1.0f, 0.9f, alpha);
+    switch (slot)
+    {
+    case 10:
+        return hsvColour(0.75f, 0.25f, 0.85f, alpha);
+    case 11:
+        return hsvColour(0.12f, 1.0f, 0.9f, alpha);
+    default:
+        return hsvColour(0.36f, 0.35f, 0.85f, alpha);
+    }
 }
 
 } // namespace

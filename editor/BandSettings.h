@@ -36,6 +36,10 @@ inline float normalisedGain(float db)
 {
     return (db + 18.0f) / 36.0f;
 }
+inline float normalisedIoGain(float db)
+{
+    return (db + 6.0f) / 12.0f;
+}
 inline float normalisedTypeCode(int code)
 {
     return static_cast<float>(code) / 20.0f;

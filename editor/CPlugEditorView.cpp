@@ -69,7 +69,10 @@ const char* failureText(int result)
 
 Modifiers heldModifiers()
 {
-    return {velmoran::platform::shiftKeyHeld()};
+    Modifiers held;
+    held.fine = velmoran::platform::shiftKeyHeld();
+    held.toggle = velmoran::platform::controlKeyHeld();
+    return held;
 }
 
 CPlugEditorView* viewOf(void* user)

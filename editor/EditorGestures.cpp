@@ -25,6 +25,7 @@ constexpr int kNewBandType = 2; // a new band starts as the first peaking flavou
 constexpr float kMinimumHz = 20.0f;
 constexpr float kMaximumHz = 20000.0f;
 constexpr float kGainRangeDb = 18.0f;
+constexpr float kIoGainRangeDb = 6.0f;
 
 enum LockMode : unsigned
 {
@@ -71,9 +72,13 @@ void EditorScreen::mouseDown(float x, float y, MouseButton button, Modifiers mod
     if (pressWidget(x, y) || pressInfoBox(x, y))
         return;
     const int slot = mGraph.hitTest(x, y);
-    if (slot >= 0 && slot < kBandCount)
+    if (slot >= 0 && slot < kBandCount && modifiers.toggle)
+        toggleBand(slot);
+    else if (slot >= 0 && slot < kBandCount)
         startBandDrag(slot, x, y);
-    else if (mGraph.plotRect().contains(x, y))
+    else if (slot == ResponseGraph::kOutputGainMarker || slot == ResponseGraph::kInputGainMarker)
+        startGainDrag(slot, y);
+    else if (slot < 0 && mGraph.plotRect().contains(x, y))
         addBandAt(x, y);
 }
 
@@ -130,8 +135,13 @@ void EditorScreen::mouseMove(float x, float y, Modifiers modifiers)
         dragBand(x, y, modifiers);
         return;
     }
-    postHoverTexts(x, y);
+    if (mGainDrag >= 0 && mLeftHeld)
+    {
+        dragGain(y, modifiers);
+        return;
+    }
     mGraph.setMousePosition(x, y);
+    postHoverTexts(x, y);
     mNeedsRedraw = true;
 }
 
@@ -148,6 +158,18 @@ void EditorScreen::postHoverTexts(float x, float y)
             postStatus(buttonHoverText(index));
     if (mLockSelector->trackHover(x, y) && mLockSelector->hovered())
         postStatus(autoLockText(mGraph.lockMode()));
+    const int slot = mGraph.hoveredSlot();
+    if (slot != mHoveredSlot &&
+        (slot == ResponseGraph::kOutputGainMarker || slot == ResponseGraph::kInputGainMarker))
+        postStatus(markerHoverText(slot));
+    mHoveredSlot = slot;
+}
+
+std::string EditorScreen::markerHoverText(int marker) const
+{
+    const bool output = marker == ResponseGraph::kOutputGainMarker;
+    const float gainDb = ioGainDb(output ? mOutputGain : mInputGain);
+    return (output ? outputGainText(gainDb) : inputGainText(gainDb)) + " : drag up or down";
 }
 
 void EditorScreen::mouseUp(float x, float y, MouseButton button, Modifiers /*modifiers*/)
@@ -211,12 +233,18 @@ void EditorScreen::doubleClick(float x, float y, Modifiers modifiers)
     if (mGreyedOut || mAddedBand >= 0)
         return;
     const int slot = mGraph.hitTest(x, y);
-    if (slot >= 0 && slot < kBandCount)
+    if (slot >= 0 && slot < kBandCount && !modifiers.toggle)
     {
         resetBand(slot);
         return;
     }
-    // A double-click elsewhere is a second press for whatever lies there.
+    if (slot == ResponseGraph::kOutputGainMarker || slot == ResponseGraph::kInputGainMarker)
+    {
+        singleEdit(slot == ResponseGraph::kOutputGainMarker ? kOutputGainTag : kInputGainTag,
+                   normalisedIoGain(0.0f));
+        return;
+    }
+    // A double-click elsewhere, or a second Control-click, is a second press for whatever lies there.
     mouseDown(x, y, MouseButton::Left, modifiers);
 }
 
@@ -259,7 +287,7 @@ bool EditorScreen::menuKey(int key)
 
 bool EditorScreen::bandKey(int key, Modifiers modifiers)
 {
-    if (mSelectedBand < 0 || mDragBand >= 0)
+    if (mSelectedBand < 0 || mDragBand >= 0 || mGainDrag >= 0)
         return false;
     if (key == keys::kDelete || key == keys::kBackspace)
         deleteBand(mSelectedBand);
@@ -350,7 +378,8 @@ void EditorScreen::clickImageButton(int index)
     case kInfoButton:
         mHintBox->setTexts({"Drag a handle: frequency and gain", "Wheel on a band: Q  (Shift: fine)",
                             "Right-click a band: filter function", "Double-click a band: reset",
-                            "Click and drag on the graph: new band"},
+                            "Ctrl-click a band: on / off", "Click and drag on the graph: new band",
+                            "Drag the dot at the left / right: input / output gain"},
                            kLightGrey);
         mHintBox->centreOn(mGraph.plotRect().x + mGraph.plotRect().width / 2.0f,
                            mGraph.plotRect().y + mGraph.plotRect().height / 2.0f);
@@ -382,6 +411,33 @@ void EditorScreen::startBandDrag(int slot, float x, float y)
     mLockChosen = false;
     mGraph.setDragged(slot, true);
     showBandInfo(slot, settings.hasGain() ? 1 : -1);
+}
+
+// A Control-click switches the band on or off where it stands; no drag follows.
+void EditorScreen::toggleBand(int band)
+{
+    selectBand(band);
+    singleEdit(enableTag(band + 1), mBands[static_cast<size_t>(band)].on() ? 0.0 : 1.0);
+    showBandInfo(band, 0);
+}
+
+// The gain markers move up and down only, within the gains' own range of +-6 dB.
+void EditorScreen::startGainDrag(int marker, float y)
+{
+    beginGesture({marker == ResponseGraph::kOutputGainMarker ? kOutputGainTag : kInputGainTag});
+    mGainDrag = marker;
+    mLastY = y;
+    mDragY = mGraph.slot(marker).handleY;
+    mGraph.setDragged(marker, true);
+    postStatus(markerHoverText(marker));
+}
+
+void EditorScreen::dragGain(float y, Modifiers modifiers)
+{
+    mDragY += (y - mLastY) * (modifiers.fine ? kFineFactor : 1.0f);
+    mLastY = y;
+    const float db = std::clamp(mGraph.gainForY(mDragY), -kIoGainRangeDb, kIoGainRangeDb);
+    performGestureEdit(mOpenEdits.front(), normalisedIoGain(db));
 }
 
 void EditorScreen::addBandAt(float x, float y)
@@ -456,6 +512,7 @@ void EditorScreen::finishGesture()
         mLockSelector->setValue(100.0f);
     }
     mDragBand = -1;
+    mGainDrag = -1;
     mLockChosen = false;
     mNeedsRedraw = true;
 }

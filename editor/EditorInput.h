@@ -9,6 +9,7 @@ struct Modifiers
     bool fine = false; // shift: smaller steps
     // The move arrived with the left button up: its release went elsewhere.
     bool leftButtonUp = false;
+    bool toggle = false; // control: a click switches a band on or off instead of dragging it
 };
 
 // Virtual-key codes the editor reacts to (the window system's numbering).

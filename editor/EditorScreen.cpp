@@ -191,6 +191,7 @@ void EditorScreen::synchronise()
         applyBand(band, false, -1);
     }
     applySolo(static_cast<float>(mContext.parameter(kSoloTag)), false);
+    applyInputGain(static_cast<float>(mContext.parameter(kInputGainTag)), false);
     applyOutputGain(static_cast<float>(mContext.parameter(kOutputGainTag)), false);
     setZoomReadout(mGraph.zoom());
     mZoomBox->setVisible(false);
@@ -210,6 +211,8 @@ void EditorScreen::parameterChanged(unsigned tag, double value)
         applySwitch(tag, v, true);
     else if (tag == kOutputGainTag)
         applyOutputGain(v, true);
+    else if (tag == kInputGainTag)
+        applyInputGain(v, true);
     else if (tag == kSoloTag)
         applySolo(v, true);
     else if (tag == kPresetTag)
@@ -347,10 +350,25 @@ void EditorScreen::applyOutputGain(float value, bool post)
 {
     mOutputGain = value;
     const float gainDb = ioGainDb(value);
-    mOutputGainBox->setTexts({outputGainText(gainDb)}, kAmber);
+    mGraph.setGainMarker(ResponseGraph::kOutputGainMarker, gainDb);
+    showGainReadout(outputGainText(gainDb), post);
+}
+
+void EditorScreen::applyInputGain(float value, bool post)
+{
+    mInputGain = value;
+    const float gainDb = ioGainDb(value);
+    mGraph.setGainMarker(ResponseGraph::kInputGainMarker, gainDb);
+    // The output gain's readout stays in the box until the input gain itself changes.
+    if (post)
+        showGainReadout(inputGainText(gainDb), post);
+}
+
+void EditorScreen::showGainReadout(const std::string& text, bool post)
+{
+    mOutputGainBox->setTexts({text}, kAmber);
     const TextStyle& boxStyle = mOutputGainBox->style();
     mOutputGainBox->moveTo(graphPanelRect(mWidth, mHeight).x, mHeight - lineHeight(boxStyle) - 8.0f);
-    mGraph.setOutputGainMarker(gainDb, std::fabs(gainDb) >= 0.1f);
     if (post)
     {
         mOutputGainBox->setVisible(true);
@@ -440,17 +458,15 @@ void EditorScreen::setAutoLock(unsigned mode)
     mLockSelector->setValue(static_cast<float>(mode) * 100.0f);
     if (mode == 0)
     {
-        // Drop the selection and pick again whatever the mouse is over now.
-        for (int slot = 0; slot < ResponseGraph::kSlotCount; ++slot)
+        // Drop the selection and pick again whatever the mouse is over now; the keys then act on
+        // what is shown as selected, if anything.
+        if (mSelectedBand >= 0)
         {
-            if (mGraph.slot(slot).selected)
-            {
-                mGraph.clearSelection();
-                const int hit = mGraph.hitTest(mMouseX, mMouseY);
-                if (hit < 0)
-                    mContext.focusWindow();
-                break;
-            }
+            mGraph.clearSelection();
+            const int hit = mGraph.hitTest(mMouseX, mMouseY);
+            selectBand(hit >= 0 && hit < kBandCount ? hit : -1);
+            if (hit < 0)
+                mContext.focusWindow();
         }
     }
     postStatus(autoLockText(mode));
@@ -472,7 +488,9 @@ void EditorScreen::updateBandButtons()
 void EditorScreen::selectBand(int band)
 {
     mSelectedBand = band;
+    mGraph.setSelectedBand(band);
     updateBandButtons();
+    mNeedsRedraw = true;
 }
 
 void EditorScreen::postStatus(const std::string& text)

@@ -150,6 +150,9 @@ private:
     void applyBand(int band, bool post, int highlightCode);
     void applySolo(float value, bool post);
     void applyOutputGain(float value, bool post);
+    void applyInputGain(float value, bool post);
+    // The readout box at the panel's foot: the output or the input gain, whichever last changed.
+    void showGainReadout(const std::string& text, bool post);
     void applyProgram(float value, bool post);
     void setZoomReadout(float zoom);
     void showBandInfo(int band, int highlightCode);
@@ -170,6 +173,11 @@ private:
     void postHoverTexts(float x, float y);
     void clickImageButton(int index);
     void startBandDrag(int slot, float x, float y);
+    void toggleBand(int band);
+    void startGainDrag(int marker, float y);
+    void dragGain(float y, Modifiers modifiers);
+    // What the status line says while the mouse is over a gain marker.
+    std::string markerHoverText(int marker) const;
     void addBandAt(float x, float y);
     void dragBand(float x, float y, Modifiers modifiers);
     void finishGesture();
@@ -216,6 +224,7 @@ private:
     std::array<BandSettings, Steinberg::Vst::Velmoran::kBandCount> mBands{};
     float mSolo = 0.0f;
     float mOutputGain = 0.5f;
+    float mInputGain = 0.5f;
     std::array<float, 5> mSwitches{}; // effect, FFT, source, slope, polarity
     int mSelectedBand = -1;
     int mMenuBand = -1;
@@ -226,6 +235,10 @@ private:
     // The gesture in progress: the band dragged (-1 for none), the tags with an open edit, where
     // the drag started and the values it started from.
     int mDragBand = -1;
+    // The gain marker dragged (a graph slot), -1 for none.
+    int mGainDrag = -1;
+    // The slot whose handle the mouse was last over, so a marker is named once on entering it.
+    int mHoveredSlot = -1;
     // The band that the last left press added, -1 when it added none.
     int mAddedBand = -1;
     std::vector<unsigned> mOpenEdits;

@@ -125,6 +125,11 @@ std::string outputGainText(float gainDb)
     return format("Output Gain %+.1f dB", gainDb);
 }
 
+std::string inputGainText(float gainDb)
+{
+    return format("Input Gain %+.1f dB", gainDb);
+}
+
 std::array<std::string, 2> zoomTexts(float zoom)
 {
     return {" Zoom ", format(" X %.1f ", zoom)};

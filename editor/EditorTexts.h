@@ -36,6 +36,8 @@ const char* autoLockText(unsigned mode);
 const char* channelModeText(int mode);
 // The output gain readout, "Output Gain %+.1f dB".
 std::string outputGainText(float gainDb);
+// The input gain readout, "Input Gain %+.1f dB".
+std::string inputGainText(float gainDb);
 // The two lines of the zoom readout.
 std::array<std::string, 2> zoomTexts(float zoom);
 // The five lines of the hint shown after every filter was cleared.

@@ -25,9 +25,11 @@ constexpr float kLowestFullMinHz = 0.1f;
 constexpr unsigned kHighlightFadeStep = 4;
 constexpr unsigned kLockModeCount = 4;
 constexpr unsigned kFirstHoldingLockMode = 2;
-// The output gain marker's handle sits at the low end of the audio band and the frequency
-// readout's near the top of the gain range, clear of the bands' handles on the 0 dB line.
-constexpr float kOutputGainMarkerHz = 20.0f;
+// The signal runs from left to right across the graph: the input gain's handle sits at the low end
+// of the audio band, the output gain's at the top end, the frequency readout's near the top of the
+// gain range, all clear of the bands' default handles.
+constexpr float kInputGainMarkerHz = 20.0f;
+constexpr float kOutputGainMarkerHz = 20000.0f;
 constexpr float kFrequencyMarkerDb = 21.0f;
 
 Rect plotInside(const Rect& panel)
@@ -76,6 +78,7 @@ ResponseGraph::ResponseGraph()
     mSums.emplace_back(kPointCount);
     mSums.emplace_back(kPointCount);
     mSlots[kOutputGainMarker].freqHz = kOutputGainMarkerHz;
+    mSlots[kInputGainMarker].freqHz = kInputGainMarkerHz;
     mSlots[kFrequencyMarker].gainDb = kFrequencyMarkerDb;
     for (int index = 0; index < kSlotCount; ++index)
     {
@@ -174,16 +177,19 @@ void ResponseGraph::setBand(int slot, float freqHz, float gainDb, float q, int t
     placeHandle(band);
 }
 
-void ResponseGraph::setOutputGainMarker(float gainDb, bool shown)
+void ResponseGraph::setGainMarker(int marker, float gainDb)
 {
-    if (!std::isfinite(gainDb))
+    if ((marker != kOutputGainMarker && marker != kInputGainMarker) || !std::isfinite(gainDb))
     {
         return;
     }
-    GraphSlot& marker = mSlots[kOutputGainMarker];
-    marker.gainDb = gainDb;
-    marker.visible = shown;
-    placeHandle(marker);
+    GraphSlot& slot = mSlots[marker];
+    slot.gainDb = gainDb;
+    slot.visible = true;
+    placeHandle(slot);
+    // A marker being dragged is drawn where the gain now is, also when the view moves.
+    slot.dragX = slot.handleX;
+    slot.dragY = slot.handleY;
 }
 
 void ResponseGraph::setFrequencyMarker(float hz, bool shown)
@@ -451,10 +457,9 @@ bool ResponseGraph::fadeHighlights()
 
 int ResponseGraph::handleAt(float x, float y) const
 {
-    // Only what is drawn can be taken: the bands' handles inside the plot, not the markers' dots
-    // nor a handle that a zoom has moved out of the plot.
+    // Only what is drawn can be taken: not a handle that a zoom has moved out of the plot.
     const Rect plot = plotRect();
-    for (int index = 0; index < kBandCount; ++index)
+    for (int index = 0; index < kSlotCount; ++index)
     {
         const GraphSlot& slot = mSlots[index];
         if (slot.visible && plot.contains(slot.handleX, slot.handleY) &&

@@ -21,18 +21,19 @@ struct LockAnchor
     float gainDb = 0.0f;
 };
 
-// The response graph: the panel on which the user sees and shapes the equaliser. It keeps twelve
-// slots (ten bands and two markers), evaluates each band's response and the summed response over
-// the visible frequency range, hit-tests and highlights handles, zooms about the mouse and shows
-// the live spectrum behind the curves. Positions are drawing pixels of the 998 x 634 design.
-// UI thread only; only construction and the first layout allocate, never a frame.
+// The response graph: the panel on which the user sees and shapes the equaliser. It keeps thirteen
+// slots (ten bands and three markers: output gain, frequency readout, input gain), evaluates each band's
+// response and the summed response over the visible frequency range, hit-tests and highlights handles, zooms
+// about the mouse and shows the live spectrum behind the curves. Positions are drawing pixels of the 998 x
+// 634 design. UI thread only; only construction and the first layout allocate, never a frame.
 class ResponseGraph
 {
 public:
     static constexpr int kBandCount = 10;
-    static constexpr int kSlotCount = 12;
+    static constexpr int kSlotCount = 13;
     static constexpr int kOutputGainMarker = 10;
     static constexpr int kFrequencyMarker = 11;
+    static constexpr int kInputGainMarker = 12;
     static constexpr int kPointCount = 600;
     static constexpr float kHitReach = 8.0f;
     static constexpr float kMinSampleRate = 44100.0f;
@@ -57,8 +58,9 @@ public:
     // Band `slot` (0..9): designs it at the graph's rate and marks its curve for evaluation. A type
     // code of 0 hides the band; pass filters (9..11) keep their handle on 0 dB, having no gain.
     void setBand(int slot, float freqHz, float gainDb, float q, int typeCode, unsigned routing, bool active);
-    // The output gain line (slot 10), in dB.
-    void setOutputGainMarker(float gainDb, bool shown);
+    // The output (slot 10) or input (slot 12) gain in dB: a dot at the right or left end of the
+    // audio band that the user drags up and down, and a line across the plot while the gain is not 0.
+    void setGainMarker(int marker, float gainDb);
     // The frequency readout line (slot 11), in Hz.
     void setFrequencyMarker(float hz, bool shown);
     const GraphSlot& slot(int index) const { return mSlots[index]; }
@@ -76,12 +78,17 @@ public:
     float frequencyForX(float x) const { return mAxes.frequencyForX(x); }
     float gainForY(float y) const { return mAxes.gainForY(y); }
 
-    // The lowest visible band whose handle lies inside the plot and within 8 pixels of (x, y) in
-    // both directions; it is selected, lit to half its alpha and its drag starts at its handle. -1
-    // when none is: the markers are never taken.
+    // The lowest visible slot whose handle lies inside the plot and within 8 pixels of (x, y) in
+    // both directions, so a band before a gain marker; it is selected, lit to half its alpha and its
+    // drag starts at its handle. -1 when none is.
     int hitTest(float x, float y);
     // Records the mouse position, which lights the handle of a switched-off band under it.
     void setMousePosition(float x, float y);
+    // The slot whose handle the mouse is over, -1 for none.
+    int hoveredSlot() const { return mHoveredSlot; }
+    // The band the editor's keys act on, drawn with a lit handle; -1 for none.
+    void setSelectedBand(int band) { mSelectedBand = band; }
+    int selectedBand() const { return mSelectedBand; }
     void clearSelection();
     void setDragged(int slot, bool dragged);
     // Mouse position of a drag in drawing pixels.
@@ -148,6 +155,7 @@ private:
     std::vector<GainGridLine> mGainGrid;
     SpectrumCurve mSpectrum;
     int mHoveredSlot = -1;
+    int mSelectedBand = -1;
     unsigned mLockMode = 0;
     LockAnchor mLockAnchor;
 };

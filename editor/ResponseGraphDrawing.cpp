@@ -6,6 +6,7 @@
 #include "resources/ResourceIds.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace velmoran::editor
 {
@@ -39,6 +40,8 @@ constexpr float kHandleHalfSize = 16.0f;
 constexpr float kRingOuterRadius = 11.5f;
 constexpr float kRingInnerRadius = 9.5f;
 constexpr float kMarkerDotRadius = 4.0f;
+// A gain marker's line would only hide the 0 dB grid line below a tenth of a decibel.
+constexpr float kMarkerLineMinDb = 0.1f;
 
 Rgba scaledAlpha(Rgba colour, float share)
 {
@@ -216,11 +219,13 @@ void ResponseGraph::drawCurves(Painter& painter) const
 void ResponseGraph::drawMarkers(Painter& painter) const
 {
     const Rect plot = plotRect();
-    const GraphSlot& outputGain = mSlots[kOutputGainMarker];
-    if (outputGain.visible)
+    for (int index : {kInputGainMarker, kOutputGainMarker})
     {
-        horizontalLine(painter, plot, outputGain.handleY,
-                       withAlpha(outputGain.curveColour, kMarkerLineAlpha));
+        const GraphSlot& gain = mSlots[index];
+        if (gain.visible && std::fabs(gain.gainDb) >= kMarkerLineMinDb)
+        {
+            horizontalLine(painter, plot, gain.handleY, withAlpha(gain.curveColour, kMarkerLineAlpha));
+        }
     }
     const GraphSlot& readout = mSlots[kFrequencyMarker];
     if (readout.visible)
@@ -264,7 +269,7 @@ void ResponseGraph::drawHandles(Painter& painter) const
         {
             const bool active = slot.active;
             const int image = active ? resources::kBandHandle : resources::kIdleHandle;
-            const bool lit = active ? slot.selected : index == mHoveredSlot;
+            const bool lit = index == mSelectedBand || (!active && index == mHoveredSlot);
             painter.drawImage(image, 2, lit ? 1 : 0, static_cast<float>(slot.handleXPixel) - kHandleHalfSize,
                               static_cast<float>(slot.handleYPixel) - kHandleHalfSize);
         }

@@ -558,17 +558,17 @@ void CPlatformWindows::handleEvent(const XEvent& event)
         slot.paintPending = 1;
         break;
     case ButtonPress:
-        mShiftHeld = (event.xbutton.state & ShiftMask) != 0;
+        noteModifiers(event.xbutton.state);
         handleButtonPress(slot, index, static_cast<int>(event.xbutton.button), event.xbutton.x,
                           event.xbutton.y, event.xbutton.time);
         break;
     case ButtonRelease:
-        mShiftHeld = (event.xbutton.state & ShiftMask) != 0;
+        noteModifiers(event.xbutton.state);
         handleButtonRelease(slot, index, static_cast<int>(event.xbutton.button), event.xbutton.x,
                             event.xbutton.y);
         break;
     case MotionNotify:
-        mShiftHeld = (event.xmotion.state & ShiftMask) != 0;
+        noteModifiers(event.xmotion.state);
         handleMotion(slot, index, event.xmotion.x, event.xmotion.y);
         break;
     case EnterNotify:
@@ -660,6 +660,12 @@ void CPlatformWindows::handleButtonRelease(WindowSlot& slot, int index, int butt
     slot.buttonsHeld &= ~bit;
     if (slot.mouseUp != nullptr)
         slot.mouseUp(x, y, button == Button1 ? kButtonLeft : kButtonRight, index, slot.user);
+}
+
+void CPlatformWindows::noteModifiers(unsigned state)
+{
+    mShiftHeld = (state & ShiftMask) != 0;
+    mControlHeld = (state & ControlMask) != 0;
 }
 
 void CPlatformWindows::handleMotion(WindowSlot& slot, int index, int x, int y)
@@ -774,6 +780,12 @@ bool shiftKeyHeld()
 {
     const CPlatformWindows* windows = CPlatformWindows::instance(false);
     return windows != nullptr && windows->shiftHeld();
+}
+
+bool controlKeyHeld()
+{
+    const CPlatformWindows* windows = CPlatformWindows::instance(false);
+    return windows != nullptr && windows->controlHeld();
 }
 
 bool leftButtonHeld()

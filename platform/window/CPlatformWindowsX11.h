@@ -115,6 +115,7 @@ public:
     int openWindowCount() const;
     // The state of Shift in the last input event.
     bool shiftHeld() const { return mShiftHeld; }
+    bool controlHeld() const { return mControlHeld; }
     // True while the left button is held over one of the kit's windows.
     bool leftHeld() const;
     // Gives the window a new size in device pixels.
@@ -135,6 +136,8 @@ private:
     void handleButtonPress(WindowSlot& slot, int index, int button, int x, int y, unsigned long time);
     void handleButtonRelease(WindowSlot& slot, int index, int button, int x, int y);
     void handleMotion(WindowSlot& slot, int index, int x, int y);
+    // Keeps the modifier keys an input event reports, for the editor's queries.
+    void noteModifiers(unsigned state);
     void endDrag(WindowSlot& slot, int index, int x, int y);
     void handleDestroyed(int index);
     void handleClientMessage(WindowSlot& slot, int index, const _XEvent& event);
@@ -150,6 +153,7 @@ private:
     unsigned mCursorShape = kArrowCursorShape;
     unsigned mSavedCursorShape = 0;
     bool mShiftHeld = false;
+    bool mControlHeld = false;
     // The editor window that last had input: boxes belong to its top-level window.
     unsigned long mLastInputWindow = 0;
 };

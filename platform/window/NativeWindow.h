@@ -33,6 +33,8 @@ inline NativeWindow nativeWindowFrom(void* parent)
 void clientSize(NativeWindow window, int& width, int& height);
 // True while a Shift key is held, as far as the window system last told the editor.
 bool shiftKeyHeld();
+// True while a Control key is held, as far as the window system last told the editor.
+bool controlKeyHeld();
 // True while the left mouse button is held, as far as the window system last told the editor.
 bool leftButtonHeld();
 // True while the window has the keyboard focus. On X11 the host decides where keys go and passes

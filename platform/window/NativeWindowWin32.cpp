@@ -16,6 +16,11 @@ bool shiftKeyHeld()
     return (GetKeyState(VK_SHIFT) & 0x8000) != 0;
 }
 
+bool controlKeyHeld()
+{
+    return (GetKeyState(VK_CONTROL) & 0x8000) != 0;
+}
+
 bool leftButtonHeld()
 {
     return (GetKeyState(VK_LBUTTON) & 0x8000) != 0;

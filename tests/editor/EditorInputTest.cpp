@@ -17,6 +17,7 @@ using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
 using velmoran::editor::EditorScreen;
+using velmoran::editor::ResponseGraph;
 using velmoran::platform::CPlatformWindows;
 using velmoran::test::gestureOf;
 
@@ -52,11 +53,49 @@ protected:
         send(WM_LBUTTONDOWN, MK_LBUTTON, x, y);
         send(WM_LBUTTONUP, 0, x, y);
     }
-    POINT handleOf(int band)
+    void drag(POINT from, int dx, int dy)
     {
-        return {static_cast<LONG>(screen().graph().slot(band).handleX + 0.5f),
-                static_cast<LONG>(screen().graph().slot(band).handleY + 0.5f)};
+        send(WM_LBUTTONDOWN, MK_LBUTTON, from.x, from.y);
+        for (int step = 1; step <= 4; ++step)
+            send(WM_MOUSEMOVE, MK_LBUTTON, from.x + dx * step / 4, from.y + dy * step / 4);
+        send(WM_LBUTTONUP, 0, from.x + dx, from.y + dy);
     }
+    void key(int virtualKey)
+    {
+        SendMessageA(window, WM_KEYDOWN, static_cast<WPARAM>(virtualKey), 1);
+        SendMessageA(window, WM_KEYUP, static_cast<WPARAM>(virtualKey), 1 | (LPARAM(3) << 30));
+    }
+    // The editor reads the modifier keys from the thread's key state, as a user's key press sets it.
+    static void holdControl(bool held)
+    {
+        BYTE keys[256];
+        GetKeyboardState(keys);
+        keys[VK_CONTROL] = held ? 0x80 : 0;
+        SetKeyboardState(keys);
+    }
+    POINT handleOf(int slot)
+    {
+        return {static_cast<LONG>(screen().graph().slot(slot).handleX + 0.5f),
+                static_cast<LONG>(screen().graph().slot(slot).handleY + 0.5f)};
+    }
+    // A point inside line `line` of band's info box.
+    POINT infoLine(int band, int line)
+    {
+        const auto& box = screen().bandInfoBox(band);
+        const float x = box.bounds().x + box.bounds().width / 2.0f;
+        for (float y = box.bounds().y; y < box.bounds().bottom(); y += 1.0f)
+            if (box.lineAt(x, y) == line && box.lineAt(x, y + 4.0f) == line)
+                return {static_cast<LONG>(x), static_cast<LONG>(y + 2.0f)};
+        return {-1, -1};
+    }
+    int bandsInUse()
+    {
+        int count = 0;
+        for (int band = 0; band < kBandCount; ++band)
+            count += screen().band(band).inUse() ? 1 : 0;
+        return count;
+    }
+    double value(ParamID tag) { return controller->getParamNormalized(tag); }
 
     IPtr<ComponentHandler> handler = owned(new ComponentHandler());
     IPtr<CPlugEditorView> view;
@@ -130,6 +169,113 @@ TEST_F(EditorInput, HostAutomationMovesHandleAndInfoBox)
     EXPECT_NEAR(screen().graph().slot(5).handleX, screen().graph().xForFrequency(250.0f), 0.5f);
     EXPECT_TRUE(screen().bandInfoBox(5).visible());
     EXPECT_EQ(screen().bandInfoBox(5).lines()[0].text, "Freq 250.0 Hz");
+}
+
+// A band is switched on and off by a Control-click on its handle and by its info box's state line,
+// each one edit of "Enable"; no click there adds a band or moves this one.
+TEST_F(EditorInput, ControlClickAndTheInfoBoxSwitchABandOnAndOff)
+{
+    controller->setParamNormalized(enableTag(4), 0.0);
+    const int inUse = bandsInUse();
+    const POINT handle = handleOf(3);
+    holdControl(true);
+    click(handle.x, handle.y);
+    holdControl(false);
+    EXPECT_EQ(value(enableTag(4)), 1.0);
+    EXPECT_EQ(gestureOf(handler->editLog(), enableTag(4)), "begin perform... end");
+    EXPECT_EQ(gestureOf(handler->editLog(), frequencyTag(4)), "") << "a Control-click drags nothing";
+
+    const POINT stateLine = infoLine(3, velmoran::editor::BandInfoLines::kStateLine);
+    ASSERT_TRUE(screen().bandInfoBox(3).visible());
+    click(stateLine.x, stateLine.y);
+    EXPECT_EQ(value(enableTag(4)), 0.0);
+    EXPECT_EQ(screen().bandInfoBox(3).lines()[velmoran::editor::BandInfoLines::kStateLine].text, "Off");
+    const POINT frequencyLine = infoLine(3, 0);
+    click(frequencyLine.x, frequencyLine.y);
+    EXPECT_EQ(value(enableTag(4)), 0.0);
+    EXPECT_EQ(bandsInUse(), inUse) << "a click on the info box never reaches the graph";
+}
+
+struct GainMarker
+{
+    int slot;
+    ParamID tag;
+    const char* readout;
+};
+
+class GainMarkerDrag : public EditorInput, public ::testing::WithParamInterface<GainMarker>
+{
+};
+
+// A gain marker dragged up raises its gain as one gesture and shows it; a double-click sets 0 dB.
+TEST_P(GainMarkerDrag, SetsItsGainAndNothingElse)
+{
+    const int inUse = bandsInUse();
+    drag(handleOf(GetParam().slot), 0, -40);
+    const float db = ioGainDb(static_cast<float>(value(GetParam().tag)));
+    EXPECT_GT(db, 3.0f);
+    EXPECT_LE(db, 6.0f);
+    EXPECT_EQ(gestureOf(handler->editLog(), GetParam().tag), "begin perform... end");
+    EXPECT_EQ(bandsInUse(), inUse) << "dragging a marker adds no band";
+    EXPECT_EQ(screen().outputGainBox().lines().at(0).text.rfind(GetParam().readout, 0), 0u);
+    EXPECT_NEAR(screen().graph().slot(GetParam().slot).handleY, screen().graph().yForGain(db), 0.01f);
+
+    const POINT marker = handleOf(GetParam().slot);
+    click(marker.x, marker.y);
+    send(WM_LBUTTONDBLCLK, MK_LBUTTON, marker.x, marker.y);
+    send(WM_LBUTTONUP, 0, marker.x, marker.y);
+    EXPECT_DOUBLE_EQ(value(GetParam().tag), 0.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    BothGains, GainMarkerDrag,
+    ::testing::Values(GainMarker{ResponseGraph::kOutputGainMarker, kOutputGainTag, "Output Gain +"},
+                      GainMarker{ResponseGraph::kInputGainMarker, kInputGainTag, "Input Gain +"}));
+
+// The band drawn as selected is the one the keys act on: a new band takes the selection, Delete
+// removes only it and leaves nothing selected, and the lock set to Off drops the selection it shows.
+// Its menu marks the type it has.
+TEST_F(EditorInput, KeysActOnTheBandShownSelected)
+{
+    const POINT band4 = handleOf(3);
+    click(band4.x, band4.y);
+    EXPECT_EQ(screen().graph().selectedBand(), 3);
+    const int added = screen().graph().firstFreeBand();
+    const auto plot = screen().graph().plotRect();
+    drag({static_cast<LONG>(plot.x + plot.width * 0.8f), static_cast<LONG>(plot.y + 40.0f)}, 5, 5);
+    EXPECT_EQ(screen().graph().selectedBand(), added);
+    key(VK_DELETE);
+    EXPECT_FALSE(screen().band(added).inUse());
+    EXPECT_EQ(screen().graph().selectedBand(), -1);
+    key(VK_DELETE);
+    EXPECT_TRUE(screen().band(3).inUse()) << "Delete acts on no band that is not shown selected";
+
+    click(band4.x, band4.y);
+    const auto& lock = screen().lockSelector().bounds();
+    for (int clicks = 0; clicks < 4 && screen().graph().lockMode() != 0; ++clicks)
+        click(static_cast<int>(lock.x + lock.width / 2.0f), static_cast<int>(lock.y + lock.height / 2.0f));
+    EXPECT_EQ(screen().graph().selectedBand(), screen().selectedBand());
+
+    send(WM_RBUTTONDOWN, MK_RBUTTON, band4.x, band4.y);
+    send(WM_RBUTTONUP, 0, band4.x, band4.y);
+    const auto& menu = screen().bandMenu(3);
+    ASSERT_GE(menu.currentEntry(), 0);
+    EXPECT_EQ(menu.entries()[static_cast<size_t>(menu.currentEntry())].code, 2);
+}
+
+// The solo button shows "Solo" in the band's info box and, switched off, the band's state again.
+TEST_F(EditorInput, InfoBoxFollowsTheSoloButton)
+{
+    const POINT band4 = handleOf(3);
+    click(band4.x, band4.y);
+    const auto& solo = screen().imageButton(EditorScreen::kSoloButton).bounds();
+    const auto stateLine = [this]
+    { return screen().bandInfoBox(3).lines().at(velmoran::editor::BandInfoLines::kStateLine).text; };
+    click(static_cast<int>(solo.x + solo.width / 2.0f), static_cast<int>(solo.y + solo.height / 2.0f));
+    EXPECT_EQ(stateLine(), "Solo");
+    click(static_cast<int>(solo.x + solo.width / 2.0f), static_cast<int>(solo.y + solo.height / 2.0f));
+    EXPECT_TRUE(screen().bandInfoBox(3).visible());
+    EXPECT_EQ(stateLine(), "On");
 }
 
 } // namespace

@@ -80,18 +80,6 @@ TEST_F(EditorScreenTest, StatusCycleReturnsToTitleThenClears)
     EXPECT_EQ(screen.statusText(), "FFT : Off");
 }
 
-// The info box follows solo on and off: "Solo" while the band is soloed, its switch state after.
-TEST_F(EditorScreenTest, InfoBoxFollowsSoloOnAndOff)
-{
-    const auto stateLine = [this] { return screen.bandInfoBox(3).lines().at(4).text; };
-    hostSets(kSoloTag, 4.0 / 12.0); // band 4, a peak in the defaults
-    ASSERT_TRUE(screen.bandInfoBox(3).visible());
-    EXPECT_EQ(stateLine(), "Solo");
-    hostSets(kSoloTag, 0.0);
-    EXPECT_TRUE(screen.bandInfoBox(3).visible());
-    EXPECT_EQ(stateLine(), "On");
-}
-
 // The band menu shows which type the band has: a dot on that entry, and on the new one once changed.
 TEST_F(EditorScreenTest, BandMenuMarksTheCurrentType)
 {
@@ -154,35 +142,6 @@ TEST_F(EditorScreenTest, HoverNamesSwitchesAndButtons)
     screen.mouseMove(0.0f, 0.0f, kNoModifiers);
     hostSets(kFftTag, 1.0);
     EXPECT_EQ(hover(screen.toggle(EditorScreen::kSpectrumToggle)), "FFT : On ");
-}
-
-// The info box's state line switches its band off and on again; no click on the box reaches the
-// graph beneath it, where it would add a band.
-TEST_F(EditorScreenTest, InfoBoxStateLineSwitchesTheBand)
-{
-    const auto [x, y] = handle(3);
-    screen.mouseDown(x, y, MouseButton::Left, kNoModifiers);
-    screen.mouseUp(x, y, MouseButton::Left, kNoModifiers);
-    const TextBox& box = screen.bandInfoBox(3);
-    ASSERT_TRUE(box.visible());
-    const float lineX = box.bounds().x + box.bounds().width / 2.0f;
-    float stateY = box.bounds().y;
-    while (stateY < box.bounds().bottom() && box.lineAt(lineX, stateY) != BandInfoLines::kStateLine)
-        stateY += 1.0f;
-    ASSERT_EQ(box.lineAt(lineX, stateY + 2.0f), BandInfoLines::kStateLine);
-    context.log.clear();
-    click(lineX, stateY + 2.0f);
-    EXPECT_EQ(context.lastPerformed(enableTag(4)), 0.0);
-    const std::string tag = std::to_string(enableTag(4));
-    EXPECT_EQ(context.log, (std::vector<std::string>{"begin " + tag, "perform " + tag, "end " + tag}));
-    hostSets(enableTag(4), 0.0);
-    EXPECT_EQ(box.lines().at(BandInfoLines::kStateLine).text, "Off");
-    click(lineX, stateY + 2.0f);
-    EXPECT_EQ(context.lastPerformed(enableTag(4)), 1.0);
-
-    context.log.clear();
-    click(lineX, box.bounds().y + 3.0f); // the frequency line: nothing
-    EXPECT_TRUE(context.log.empty());
 }
 
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)

@@ -180,8 +180,10 @@ TEST(HandleHit, ReachesEightPixelsInclusiveAndOnlyVisibleSlots)
         EXPECT_EQ(graph.hitTest(x + dx, y + dy), slot) << dx << " " << dy;
     SetBand(graph, 1, {0, 1000.0f, 0.0f, 1.0f});
     EXPECT_EQ(graph.hitTest(x, y), -1);
-    graph.setOutputGainMarker(-3.0f, true);
-    EXPECT_EQ(graph.hitTest(graph.slot(10).handleX, graph.yForGain(-3.0f)), -1) << "a marker is no handle";
+    graph.setGainMarker(ResponseGraph::kOutputGainMarker, -3.0f);
+    EXPECT_EQ(graph.hitTest(graph.slot(10).handleX, graph.yForGain(-3.0f)), 10) << "a gain marker is dragged";
+    SetBand(graph, 1, {2, graph.slot(10).freqHz, -3.0f, 1.0f});
+    EXPECT_EQ(graph.hitTest(graph.slot(10).handleX, graph.yForGain(-3.0f)), 1) << "a band lies over a marker";
 }
 
 // Zoomed in, a handle moved out of the plot is not drawn, so it cannot be taken from the margin.
@@ -242,7 +244,7 @@ TEST(HandleImages, ShowWhetherABandIsOnSelectedOrUnderTheMouse)
     RecordingPainter painter;
     graph.draw(painter);
     EXPECT_TRUE(painter.drewImage(ids::kBandHandle, 0) && painter.drewImage(ids::kIdleHandle, 0));
-    graph.hitTest(graph.slot(0).handleX, graph.slot(0).handleY);
+    graph.setSelectedBand(0);
     graph.setMousePosition(graph.slot(1).handleX, graph.slot(1).handleY);
     painter.clear();
     graph.draw(painter);
