@@ -438,6 +438,7 @@ void EditorScreen::dragGain(float y, Modifiers modifiers)
     mLastY = y;
     const float db = std::clamp(mGraph.gainForY(mDragY), -kIoGainRangeDb, kIoGainRangeDb);
     performGestureEdit(mOpenEdits.front(), normalisedIoGain(db));
+    postStatus(markerHoverText(mGainDrag));
 }
 
 void EditorScreen::addBandAt(float x, float y)

@@ -40,7 +40,8 @@ build/windows/wine-run.sh build/windows/tools/gl_snapshot/velmoran-gl-snapshot.e
 # The editor as a user sees it, opened by the editor test host as a DAW opens it, with the demo
 # mix playing: the first look (the default program), a program with the live spectrum, a zoomed
 # and panned graph, a band's menu, a band's info box during a drag, and the view at a display scale
-# of 1.5 as a host gives it on a high-density screen. Positions are editor pixels.
+# of 1.5 as a host gives it on a high-density screen; a program with bands off and one switched back
+# on by a Control-click; the output gain raised by its marker. Positions are editor pixels.
 editor_host() {
     build/windows/wine-run.sh build/windows/tools/editor_host/velmoran-editor-host.exe \
         build/windows/plugin/Velmoran.vst3 "$@" >/dev/null
@@ -52,6 +53,8 @@ editor_host dist/editor-zoomed.png --preset 3 --set 14=1 --seconds 2 \
 editor_host dist/editor-band-menu.png --preset 1 --seconds 1 --gesture right-click:637,234
 editor_host dist/editor-info-box.png --preset 1 --seconds 1 --gesture drag:637,234,660,215
 editor_host dist/editor-scale-150.png --preset 3 --set 14=1 --seconds 2 --scale 1.5
+editor_host dist/editor-band-off.png --preset 3 --seconds 1 --gesture ctrl-click:396,235
+editor_host dist/editor-output-gain.png --preset 1 --seconds 1 --gesture drag:927,288,927,250
 build/windows/wine-run.sh --remove-prefix
 
 # The same editor in a Linux host: the Linux module's editor embedded by XEmbed into the Linux

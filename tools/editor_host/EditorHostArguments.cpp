@@ -85,6 +85,7 @@ bool readGesture(const std::string& value, EditorHostArguments& parsed, std::str
         std::size_t numberCount;
     } kinds[] = {{"move", EditorGesture::kMove, 2},
                  {"click", EditorGesture::kClick, 2},
+                 {"ctrl-click", EditorGesture::kControlClick, 2},
                  {"right-click", EditorGesture::kRightClick, 2},
                  {"wheel", EditorGesture::kWheel, 3},
                  {"drag", EditorGesture::kDrag, 4}};
@@ -115,9 +116,9 @@ bool readGesture(const std::string& value, EditorHostArguments& parsed, std::str
             return true;
         }
     }
-    error =
-        "--gesture takes move:X,Y, click:X,Y, right-click:X,Y, wheel:X,Y,NOTCHES or drag:X1,Y1,X2,Y2, not '" +
-        value + "'";
+    error = "--gesture takes move:X,Y, click:X,Y, ctrl-click:X,Y, right-click:X,Y, wheel:X,Y,NOTCHES or "
+            "drag:X1,Y1,X2,Y2, not '" +
+            value + "'";
     return false;
 }
 

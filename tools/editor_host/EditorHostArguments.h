@@ -30,6 +30,7 @@ struct EditorGesture
     {
         kMove,
         kClick,
+        kControlClick,
         kRightClick,
         kWheel,
         kDrag

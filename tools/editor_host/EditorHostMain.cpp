@@ -82,6 +82,11 @@ void performGestures(EditorSession& session, const EditorHostArguments& argument
         case EditorGesture::kClick:
             session.input().leftClick(n[0], n[1]);
             break;
+        case EditorGesture::kControlClick:
+            session.input().keyDown(VK_CONTROL);
+            session.input().leftClick(n[0], n[1]);
+            session.input().keyUp(VK_CONTROL);
+            break;
         case EditorGesture::kRightClick:
             session.input().rightDown(n[0], n[1]);
             session.input().rightUp(n[0], n[1]);

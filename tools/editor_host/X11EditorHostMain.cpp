@@ -17,6 +17,7 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
 
 #include <algorithm>
 #include <cmath>
@@ -176,6 +177,12 @@ public:
                 moveTo(n[0], n[1]);
                 pressButton(1);
                 break;
+            case EditorGesture::kControlClick:
+                moveTo(n[0], n[1]);
+                holdControl(true);
+                pressButton(1);
+                holdControl(false);
+                break;
             case EditorGesture::kRightClick:
                 moveTo(n[0], n[1]);
                 pressButton(3);
@@ -265,6 +272,11 @@ private:
     {
         XTestFakeButtonEvent(mDisplay, button, True, 0);
         XTestFakeButtonEvent(mDisplay, button, False, 0);
+    }
+
+    void holdControl(bool held)
+    {
+        XTestFakeKeyEvent(mDisplay, XKeysymToKeycode(mDisplay, XK_Control_L), held ? True : False, 0);
     }
 
     void drag(int fromX, int fromY, int toX, int toY, int steps)
