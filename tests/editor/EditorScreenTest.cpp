@@ -142,6 +142,13 @@ TEST_F(EditorScreenTest, HoverNamesSwitchesAndButtons)
     screen.mouseMove(0.0f, 0.0f, kNoModifiers);
     hostSets(kFftTag, 1.0);
     EXPECT_EQ(hover(screen.toggle(EditorScreen::kSpectrumToggle)), "FFT : On ");
+
+    const GraphSlot& output = screen.graph().slot(ResponseGraph::kOutputGainMarker);
+    screen.mouseMove(output.handleX, output.handleY, kNoModifiers);
+    EXPECT_EQ(screen.statusText(), "Output Gain -0.1 dB : drag up or down");
+    const GraphSlot& input = screen.graph().slot(ResponseGraph::kInputGainMarker);
+    screen.mouseMove(input.handleX, input.handleY, kNoModifiers);
+    EXPECT_EQ(screen.statusText(), "Input Gain -0.1 dB : drag up or down");
 }
 
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
