@@ -134,57 +134,6 @@ INSTANTIATE_TEST_SUITE_P(AllPressesAndLosses, LostGestureTest,
                                            LostGesture{Press::Switch, Loss::PointerLost},
                                            LostGesture{Press::Switch, Loss::MoveWithoutButton}));
 
-// The positions in the log of the calls for one tag, e.g. "begin", "perform", "end".
-std::vector<std::string> callsFor(const FakeEditorContext& context, unsigned tag)
-{
-    std::vector<std::string> calls;
-    const std::string suffix = " " + std::to_string(tag);
-    for (const std::string& call : context.log)
-        if (call.size() > suffix.size() &&
-            call.compare(call.size() - suffix.size(), suffix.size(), suffix) == 0)
-            calls.push_back(call.substr(0, call.size() - suffix.size()));
-    return calls;
-}
-
-// The wheel turned over the band being dragged changes its Q as a gesture of its own; the drag
-// goes on and ends at the release.
-TEST_F(EditorGestureTest, WheelDuringADragLeavesTheDragGoing)
-{
-    const auto [x, y] = handle(5);
-    const double qBefore = context.parameter(qTag(6));
-    screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
-    screen->mouseMove(x + 10.0f, y, kNoModifiers);
-    screen->mouseDown(x + 10.0f, y, MouseButton::WheelUp, kNoModifiers);
-    screen->mouseUp(x + 10.0f, y, MouseButton::WheelUp, kNoModifiers);
-    screen->mouseMove(x + 30.0f, y, kNoModifiers);
-    screen->mouseUp(x + 30.0f, y, MouseButton::Left, kNoModifiers);
-    EXPECT_EQ(callsFor(context, frequencyTag(6)),
-              (std::vector<std::string>{"begin", "perform", "perform", "end"}));
-    EXPECT_EQ(callsFor(context, qTag(6)), (std::vector<std::string>{"begin", "perform", "end"}));
-    EXPECT_GT(context.parameter(qTag(6)), qBefore);
-    EXPECT_NEAR(screen->graph().xForFrequency(
-                    bandFrequencyHz(static_cast<float>(context.lastPerformed(frequencyTag(6))))),
-                x + 30.0f, 0.5f);
-}
-
-// Windows reports a double-click as press, release, double-click, release. On an empty spot the
-// first press adds a band at the pointer; the double-click neither resets it nor adds another.
-TEST_F(EditorGestureTest, DoubleClickOnAnEmptySpotAddsOneBandWhereThePointerIs)
-{
-    const auto [x, y] = emptySpot();
-    const int band = screen->graph().firstFreeBand();
-    ASSERT_GE(band, 0);
-    const int bandsBefore = bandsInUse();
-    screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
-    screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
-    screen->doubleClick(x, y, kNoModifiers);
-    screen->mouseUp(x, y, MouseButton::Left, kNoModifiers);
-    EXPECT_EQ(bandsInUse(), bandsBefore + 1) << "one band added";
-    EXPECT_NEAR(screen->band(band).gainDb(), screen->graph().gainForY(y), 0.1f);
-    EXPECT_EQ(context.count("begin " + std::to_string(gainTag(band + 1))), 1) << "one undo step";
-    EXPECT_EQ(context.count("begin " + std::to_string(qTag(band + 1))), 0);
-}
-
 // A double-click on a band that was there before resets it to 0 dB and Q 1.
 TEST_F(EditorGestureTest, DoubleClickOnAnExistingBandResetsIt)
 {
@@ -262,31 +211,6 @@ INSTANTIATE_TEST_SUITE_P(EveryWay, LetGoTest,
                          ::testing::Values(LetGo::DragReleased, LetGo::ClickReleased,
                                            LetGo::DeletedWithTheKey, LetGo::WheelTurned,
                                            LetGo::MenuDismissed));
-
-// The usual right-press, move, right-release on a band's menu chooses the entry released on; a
-// right click without a move leaves the menu open for a left click.
-TEST_F(EditorGestureTest, RightPressMoveReleaseChoosesTheMenuEntry)
-{
-    constexpr int kLowPass = 9;
-    const auto [x, y] = handle(5);
-    screen->mouseDown(x, y, MouseButton::Right, kNoModifiers);
-    screen->mouseUp(x, y, MouseButton::Right, kNoModifiers);
-    ASSERT_EQ(screen->openMenuBand(), 5) << "a right click opens the menu and leaves it open";
-    screen->keyDown(keys::kEscape, kNoModifiers);
-
-    screen->mouseDown(x, y, MouseButton::Right, kNoModifiers);
-    const PopupMenu& menu = screen->bandMenu(5);
-    const float entryX = menu.bounds().x + menu.bounds().width / 2.0f;
-    float entryY = menu.bounds().y;
-    while (entryY < menu.bounds().bottom() && (menu.entryAt(entryX, entryY) < 0 ||
-                                               menu.entries()[menu.entryAt(entryX, entryY)].code != kLowPass))
-        entryY += 1.0f;
-    ASSERT_LT(entryY, menu.bounds().bottom()) << "the menu has a \"Low Pass\" entry";
-    screen->mouseMove(entryX, entryY, kNoModifiers);
-    screen->mouseUp(entryX, entryY, MouseButton::Right, kNoModifiers);
-    EXPECT_EQ(screen->openMenuBand(), -1);
-    EXPECT_EQ(screen->band(5).typeCode(), kLowPass);
-}
 
 struct WheelSeries
 {
