@@ -10,7 +10,9 @@
 #include "editor/CPlugEditorView.h"
 #include "editor/mbx/MBXManager.h"
 #include "editor/mbx/MBXObject.h"
+#include "editor/mbx/MBXWindow.h"
 #include "platform/render/CGLRenderer.h"
+#include "platform/render/ErrorBox.h"
 #include "platform/window/WindowKit.h"
 #include "platform/window/X11Display.h"
 #include "plugin/PlugController.h"
@@ -39,15 +41,25 @@ std::vector<std::string>& shownBoxes()
     return boxes;
 }
 
+// Notes every box and shows it as the module shows it.
 int recordBox(const MBXObject& box)
 {
     shownBoxes().push_back(box.title() + "|" + box.text());
-    return 0;
+    return presentInWindow(box);
 }
 
-int failWithoutContext(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
+template <int kResult>
+int failWith(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
 {
-    return CGLRenderer::kNoContext;
+    return kResult;
+}
+
+// A driver that refuses a program: the renderer's own box with the driver's log comes first.
+int refuseShaders(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
+{
+    velmoran::platform::showErrorBox("Velmoran: OpenGL Error",
+                                     "Velmoran:Error: GFX-VXSHDR-03 failed to compile");
+    return CGLRenderer::kShaderFailure;
 }
 
 // One controller as a host makes it.
@@ -90,11 +102,13 @@ protected:
     {
         velmoran::test::keepGlDriverLoaded();
         CPlatformWindows::instance(true);
+        useBoxWindows(true);
         MBXManager::instance().setPresenter(recordBox);
     }
     static void TearDownTestSuite()
     {
         MBXManager::instance().setPresenter(nullptr);
+        useBoxWindows(false);
         CPlatformWindows::release();
     }
     void SetUp() override
@@ -239,27 +253,62 @@ TEST_F(EditorViewX11, HostWithoutRunLoopIsRefused)
     expectNothingLeft();
 }
 
-// A driver without a usable context: the box says so with the Windows texts, the view stays empty
-// and leaves nothing registered, and opens at the next attach.
-TEST_F(EditorViewX11, RendererFailureShowsBoxAndLeavesViewUsable)
+struct FailureCase
+{
+    const char* name;
+    CPlugEditorView::RendererStart start;
+    std::vector<std::string> boxes;
+};
+
+class EditorViewX11Failure : public EditorViewX11, public ::testing::WithParamInterface<FailureCase>
+{
+};
+
+// A driver the editor cannot draw with: the Windows texts in boxes of their own, transient for the
+// host's window and drawn while its loop runs on; they close at the desktop's close button, the
+// view stays empty until removed() and opens at the next attach.
+TEST_P(EditorViewX11Failure, BoxesSayWhyWhileTheHostRunsOn)
 {
     Instance instance;
     IPtr<CPlugEditorView> view = instance.createView();
-    const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(failWithoutContext);
+    const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(GetParam().start);
     open(*view);
     CPlugEditorView::setRendererStart(previous);
     EXPECT_FALSE(view->isOpen());
-    EXPECT_EQ(shownBoxes(), std::vector<std::string>{
-                                "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context."});
-    EXPECT_EQ(kit().openWindowCount(), 0);
-    EXPECT_EQ(runLoop->timerCount(), 0);
+    EXPECT_EQ(shownBoxes(), GetParam().boxes);
+    const std::vector<Window> boxes = host.transients();
+    ASSERT_EQ(boxes.size(), GetParam().boxes.size());
+    const int ticks = runLoop->ticks();
+    for (const Window box : boxes)
+        EXPECT_TRUE(
+            runLoop->runUntil([&] { return host.distinctColours(box) > 4 && runLoop->ticks() > ticks; }));
+    for (const Window box : boxes)
+        host.askToClose(box);
+    EXPECT_TRUE(runLoop->runUntil([&] { return host.transients().empty(); }));
     close(*view);
+    expectNothingLeft();
 
     ASSERT_EQ(open(*view), kResultOk);
     EXPECT_TRUE(view->isOpen());
     close(*view);
-    expectNothingLeft();
 }
+
+const char* const kCaption = "Plug-In Editor Failed to Open|";
+INSTANTIATE_TEST_SUITE_P(
+    Results, EditorViewX11Failure,
+    ::testing::Values(
+        FailureCase{"MissingEntryPoints",
+                    failWith<1>,
+                    {kCaption + std::string("Missing required OpenGL extensions.")}},
+        FailureCase{"Shaders",
+                    refuseShaders,
+                    {"Velmoran: OpenGL Error|Velmoran:Error: GFX-VXSHDR-03 failed to compile",
+                     kCaption + std::string("Failed to compile OpenGL shaders.")}},
+        FailureCase{"NoContext",
+                    failWith<3>,
+                    {kCaption + std::string("Failed to create compatible OpenGL context.")}},
+        FailureCase{"Other", failWith<7>, {kCaption + std::string("Failed to initialise OpenGL renderer.")}}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(EditorViewX11, ParentDestroyedBeforeRemoved)
 {
