@@ -30,6 +30,7 @@
 #include <X11/keysym.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace Steinberg;
@@ -137,11 +138,7 @@ protected:
 
     EditorScreen& screen() { return *view->screen(); }
     std::string gestureOf(ParamID tag) const { return velmoran::test::gestureOf(handler->editLog(), tag); }
-    bool ended(ParamID tag) const
-    {
-        const std::string gesture = gestureOf(tag);
-        return gesture.size() >= 3 && gesture.compare(gesture.size() - 3, 3, "end") == 0;
-    }
+    bool oneGesture(ParamID tag) const { return gestureOf(tag) == "begin perform... end"; }
 
     // The host window lies at the root's origin, so window pixels are screen pixels.
     void moveTo(int x, int y) { XTestFakeMotionEvent(host.display(), -1, x, y, 0); }
@@ -158,10 +155,10 @@ protected:
         XSync(host.display(), False);
         return runLoop->runUntil(done);
     }
-    void handleOf(int band, int& x, int& y)
+    std::pair<int, int> handleOf(int band)
     {
-        x = static_cast<int>(screen().graph().slot(band).handleX + 0.5f);
-        y = static_cast<int>(screen().graph().slot(band).handleY + 0.5f);
+        return {static_cast<int>(screen().graph().slot(band).handleX + 0.5f),
+                static_cast<int>(screen().graph().slot(band).handleY + 0.5f)};
     }
 
     X11TestWindow host;
@@ -177,17 +174,13 @@ protected:
 TEST_F(EditorInputX11, DragOfHandleIsOneGesturePerParameterAndChangesTheSound)
 {
     PlayingProcessor processor;
-    int x = 0;
-    int y = 0;
-    handleOf(5, x, y);
+    const auto [x, y] = handleOf(5);
     moveTo(x, y);
     button(1, true);
     for (int step = 1; step <= 6; ++step)
         moveTo(x + 12 * step, y - 9 * step);
     button(1, false);
-    ASSERT_TRUE(deliver([this] { return ended(gainTag(6)) && ended(frequencyTag(6)); }));
-    EXPECT_EQ(gestureOf(frequencyTag(6)), "begin perform... end");
-    EXPECT_EQ(gestureOf(gainTag(6)), "begin perform... end");
+    ASSERT_TRUE(deliver([this] { return oneGesture(gainTag(6)) && oneGesture(frequencyTag(6)); }));
     const float hz = bandFrequencyHz(static_cast<float>(value(*controller, frequencyTag(6))));
     const float db = bandGainDb(static_cast<float>(value(*controller, gainTag(6))));
     EXPECT_GT(hz, 1200.0f);
@@ -214,13 +207,10 @@ class EditorInputX11Wheel : public EditorInputX11, public ::testing::WithParamIn
 TEST_P(EditorInputX11Wheel, StepOnBandChangesQ)
 {
     const double before = value(*controller, qTag(6));
-    int x = 0;
-    int y = 0;
-    handleOf(5, x, y);
+    const auto [x, y] = handleOf(5);
     click(GetParam().button, x, y);
-    ASSERT_TRUE(deliver([this] { return ended(qTag(6)); }));
+    ASSERT_TRUE(deliver([this] { return oneGesture(qTag(6)); }));
     EXPECT_EQ(value(*controller, qTag(6)) > before, GetParam().raisesQ);
-    EXPECT_EQ(gestureOf(qTag(6)), "begin perform... end");
 }
 
 INSTANTIATE_TEST_SUITE_P(Buttons, EditorInputX11Wheel,
@@ -228,9 +218,7 @@ INSTANTIATE_TEST_SUITE_P(Buttons, EditorInputX11Wheel,
 
 TEST_F(EditorInputX11, RightClickOpensTheBandMenu)
 {
-    int x = 0;
-    int y = 0;
-    handleOf(5, x, y);
+    const auto [x, y] = handleOf(5);
     click(3, x, y);
     EXPECT_TRUE(deliver([this] { return screen().openMenuBand() == 5; }));
 }
@@ -240,9 +228,7 @@ TEST_F(EditorInputX11, DoubleClickOnHandleResetsTheBand)
 {
     controller->setParamNormalized(gainTag(6), 0.75);
     ASSERT_TRUE(deliver([] { return true; }));
-    int x = 0;
-    int y = 0;
-    handleOf(5, x, y);
+    const auto [x, y] = handleOf(5);
     click(1, x, y);
     click(1, x, y);
     EXPECT_TRUE(deliver([this] { return value(*controller, gainTag(6)) == 0.5; }));
@@ -252,9 +238,7 @@ TEST_F(EditorInputX11, DoubleClickOnHandleResetsTheBand)
 // octave as one gesture; a key the editor has no use for (the space bar) goes back to the host.
 TEST_F(EditorInputX11, KeysFromTheHostNudgeTheSelectedBand)
 {
-    int x = 0;
-    int y = 0;
-    handleOf(5, x, y);
+    const auto [x, y] = handleOf(5);
     click(1, x, y);
     ASSERT_TRUE(deliver([this] { return screen().selectedBand() == 5; }));
     const double before = value(*controller, frequencyTag(6));
@@ -267,15 +251,13 @@ TEST_F(EditorInputX11, KeysFromTheHostNudgeTheSelectedBand)
 // The host hiding its window mid-drag ends the pointer grab: every gesture is closed.
 TEST_F(EditorInputX11, LostGrabEndsTheDrag)
 {
-    int x = 0;
-    int y = 0;
-    handleOf(5, x, y);
+    const auto [x, y] = handleOf(5);
     moveTo(x, y);
     button(1, true);
     moveTo(x + 20, y - 10);
     ASSERT_TRUE(deliver([this] { return gestureOf(gainTag(6)) == "begin perform..."; }));
     XUnmapWindow(host.display(), host.window());
-    EXPECT_TRUE(deliver([this] { return ended(gainTag(6)) && ended(frequencyTag(6)); }));
+    EXPECT_TRUE(deliver([this] { return oneGesture(gainTag(6)) && oneGesture(frequencyTag(6)); }));
     button(1, false);
     XMapWindow(host.display(), host.window());
     XSync(host.display(), False);
@@ -301,18 +283,13 @@ protected:
 
     CPlatformWindows& kit() { return *CPlatformWindows::instance(false); }
 
-    // Clicks the title button and waits for the box's window.
+    // Clicks the title button and waits for the box's window, transient for the host's.
     Window openAboutBox()
     {
         const auto& bounds = screen().imageButton(EditorScreen::kTitleButtonIndex).bounds();
         click(1, static_cast<int>(bounds.x + bounds.width / 2),
               static_cast<int>(bounds.y + bounds.height / 2));
-        if (!deliver([this] { return kit().openWindowCount() == 2; }))
-            return 0;
-        for (int slot = 0; slot < CPlatformWindows::kSlotCount; ++slot)
-            if (kit().slot(slot).inUse != 0 && kit().slot(slot).isBox != 0)
-                return kit().windowHandle(slot);
-        return 0;
+        return deliver([this] { return host.transients().size() == 1; }) ? host.transients()[0] : 0;
     }
 };
 
@@ -320,9 +297,6 @@ TEST_F(EditorInputX11Box, AboutBoxIsATransientWindowThatEscapeCloses)
 {
     const Window box = openAboutBox();
     ASSERT_NE(box, 0u);
-    Window owner = 0;
-    EXPECT_NE(XGetTransientForHint(host.display(), box, &owner), 0);
-    EXPECT_EQ(owner, host.window());
     EXPECT_TRUE(deliver([&] { return host.distinctColours(box) > 4; }));
     const int ticks = runLoop->ticks();
     EXPECT_TRUE(deliver([&] { return runLoop->ticks() > ticks + 2; }));

@@ -22,6 +22,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace Steinberg;
@@ -114,16 +115,14 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(host.valid()) << "no X display";
-        runLoop = owned(new PollRunLoop);
         shownBoxes().clear();
     }
 
-    tresult open(CPlugEditorView& view) { return openIn(view, host); }
-
-    tresult openIn(CPlugEditorView& view, const X11TestWindow& window)
+    // Attaches the view to the host's window (or another one) with the run loop as its frame.
+    tresult open(CPlugEditorView& view, const X11TestWindow* window = nullptr)
     {
         view.setFrame(runLoop);
-        return view.attached(window.parent(), kPlatformTypeX11EmbedWindowID);
+        return view.attached((window != nullptr ? *window : host).parent(), kPlatformTypeX11EmbedWindowID);
     }
 
     void close(CPlugEditorView& view)
@@ -133,11 +132,10 @@ protected:
     }
 
     // Runs the host's loop until the editor's window shows a drawn screen.
-    bool drawn(const CPlugEditorView& view) { return drawnIn(view, host); }
-
-    bool drawnIn(const CPlugEditorView& view, const X11TestWindow& window)
+    bool drawn(const CPlugEditorView& view, const X11TestWindow* window = nullptr)
     {
-        return runLoop->runUntil([&] { return window.distinctColours(editorWindow(view)) > 16; });
+        const X11TestWindow& parent = window != nullptr ? *window : host;
+        return runLoop->runUntil([&] { return parent.distinctColours(editorWindow(view)) > 16; });
     }
 
     void expectNothingLeft()
@@ -152,31 +150,20 @@ protected:
     }
 
     X11TestWindow host;
-    IPtr<PollRunLoop> runLoop;
-};
-
-struct PlatformTypeCase
-{
-    const char* type;
-    tresult expected;
-};
-
-class EditorViewX11PlatformType : public EditorViewX11, public ::testing::WithParamInterface<PlatformTypeCase>
-{
-};
-
-TEST_P(EditorViewX11PlatformType, OnlyX11EmbedWindowIdIsSupported)
-{
+    IPtr<PollRunLoop> runLoop = owned(new PollRunLoop);
     Instance instance;
     IPtr<CPlugEditorView> view = instance.createView();
-    EXPECT_EQ(view->isPlatformTypeSupported(GetParam().type), GetParam().expected);
-}
+};
 
-INSTANTIATE_TEST_SUITE_P(Types, EditorViewX11PlatformType,
-                         ::testing::Values(PlatformTypeCase{kPlatformTypeX11EmbedWindowID, kResultTrue},
-                                           PlatformTypeCase{kPlatformTypeHWND, kResultFalse},
-                                           PlatformTypeCase{kPlatformTypeNSView, kResultFalse},
-                                           PlatformTypeCase{nullptr, kResultFalse}));
+TEST_F(EditorViewX11, OnlyX11EmbedWindowIdIsSupported)
+{
+    const std::pair<FIDString, tresult> cases[] = {{kPlatformTypeX11EmbedWindowID, kResultTrue},
+                                                   {kPlatformTypeHWND, kResultFalse},
+                                                   {kPlatformTypeNSView, kResultFalse},
+                                                   {nullptr, kResultFalse}};
+    for (const auto& [type, expected] : cases)
+        EXPECT_EQ(view->isPlatformTypeSupported(type), expected) << (type != nullptr ? type : "null");
+}
 
 struct SizeCase
 {
@@ -192,9 +179,8 @@ class EditorViewX11Size : public EditorViewX11, public ::testing::WithParamInter
 
 TEST_P(EditorViewX11Size, EmbedsAMappedDrawnChildOfTheViewSize)
 {
-    Instance instance;
     ViewRect rect(0, 0, GetParam().hostWidth, GetParam().hostHeight);
-    IPtr<CPlugEditorView> view = instance.createView(GetParam().hostWidth > 0 ? &rect : nullptr);
+    view = instance.createView(GetParam().hostWidth > 0 ? &rect : nullptr);
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_TRUE(view->isOpen());
 
@@ -217,25 +203,14 @@ INSTANTIATE_TEST_SUITE_P(Sizes, EditorViewX11Size,
                          ::testing::Values(SizeCase{0, 0, 998, 634}, SizeCase{1497, 951, 1497, 951},
                                            SizeCase{1996, 1268, 1996, 1268}));
 
-TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileOpen)
+// One timer at 40 ms and one event handler while open; losing the frame unregisters both.
+TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileItHasItsFrame)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_EQ(runLoop->timerCount(), 1);
     EXPECT_EQ(runLoop->timerPeriod(0).count(), 40);
     EXPECT_EQ(runLoop->eventHandlerCount(), 1);
     EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 3; }));
-
-    close(*view);
-    expectNothingLeft();
-}
-
-TEST_F(EditorViewX11, LosingTheFrameUnregistersBoth)
-{
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
-    ASSERT_EQ(open(*view), kResultOk);
     view->setFrame(nullptr);
     EXPECT_EQ(runLoop->timerCount(), 0);
     EXPECT_EQ(runLoop->eventHandlerCount(), 0);
@@ -245,8 +220,6 @@ TEST_F(EditorViewX11, LosingTheFrameUnregistersBoth)
 
 TEST_F(EditorViewX11, HostWithoutRunLoopIsRefused)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     EXPECT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultFalse);
     EXPECT_FALSE(view->isOpen());
     view->removed();
@@ -257,7 +230,8 @@ struct FailureCase
 {
     const char* name;
     CPlugEditorView::RendererStart start;
-    std::vector<std::string> boxes;
+    const char* text;
+    const char* rendererBox; // the renderer's own box before the editor's, if any
 };
 
 class EditorViewX11Failure : public EditorViewX11, public ::testing::WithParamInterface<FailureCase>
@@ -269,15 +243,16 @@ class EditorViewX11Failure : public EditorViewX11, public ::testing::WithParamIn
 // view stays empty until removed() and opens at the next attach.
 TEST_P(EditorViewX11Failure, BoxesSayWhyWhileTheHostRunsOn)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(GetParam().start);
     open(*view);
     CPlugEditorView::setRendererStart(previous);
     EXPECT_FALSE(view->isOpen());
-    EXPECT_EQ(shownBoxes(), GetParam().boxes);
+    std::vector<std::string> expected{std::string("Plug-In Editor Failed to Open|") + GetParam().text};
+    if (GetParam().rendererBox != nullptr)
+        expected.insert(expected.begin(), GetParam().rendererBox);
+    EXPECT_EQ(shownBoxes(), expected);
     const std::vector<Window> boxes = host.transients();
-    ASSERT_EQ(boxes.size(), GetParam().boxes.size());
+    ASSERT_EQ(boxes.size(), expected.size());
     const int ticks = runLoop->ticks();
     for (const Window box : boxes)
         EXPECT_TRUE(
@@ -293,65 +268,48 @@ TEST_P(EditorViewX11Failure, BoxesSayWhyWhileTheHostRunsOn)
     close(*view);
 }
 
-const char* const kCaption = "Plug-In Editor Failed to Open|";
 INSTANTIATE_TEST_SUITE_P(
     Results, EditorViewX11Failure,
     ::testing::Values(
-        FailureCase{"MissingEntryPoints",
-                    failWith<1>,
-                    {kCaption + std::string("Missing required OpenGL extensions.")}},
-        FailureCase{"Shaders",
-                    refuseShaders,
-                    {"Velmoran: OpenGL Error|Velmoran:Error: GFX-VXSHDR-03 failed to compile",
-                     kCaption + std::string("Failed to compile OpenGL shaders.")}},
-        FailureCase{"NoContext",
-                    failWith<3>,
-                    {kCaption + std::string("Failed to create compatible OpenGL context.")}},
-        FailureCase{"Other", failWith<7>, {kCaption + std::string("Failed to initialise OpenGL renderer.")}}),
+        FailureCase{"MissingEntryPoints", failWith<1>, "Missing required OpenGL extensions.", nullptr},
+        FailureCase{"Shaders", refuseShaders, "Failed to compile OpenGL shaders.",
+                    "Velmoran: OpenGL Error|Velmoran:Error: GFX-VXSHDR-03 failed to compile"},
+        FailureCase{"NoContext", failWith<3>, "Failed to create compatible OpenGL context.", nullptr},
+        FailureCase{"Other", failWith<7>, "Failed to initialise OpenGL renderer.", nullptr}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(EditorViewX11, ParentDestroyedBeforeRemoved)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_TRUE(drawn(*view));
     host.destroy();
     EXPECT_TRUE(runLoop->runUntil([&] { return !view->isOpen(); }));
     close(*view);
-    EXPECT_EQ(runLoop->timerCount(), 0);
-    EXPECT_EQ(runLoop->eventHandlerCount(), 0);
-    EXPECT_EQ(kit().openWindowCount(), 0);
-    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 0);
-    EXPECT_EQ(velmoran::platform::displayUsers(), 0);
+    expectNothingLeft();
 }
 
 TEST_F(EditorViewX11, TwoInstancesDrawThroughOneContext)
 {
-    Instance first;
     Instance second;
     X11TestWindow secondHost(1000, 640, 1100, 800);
-    IPtr<CPlugEditorView> one = first.createView();
     IPtr<CPlugEditorView> two = second.createView();
-    ASSERT_EQ(open(*one), kResultOk);
-    ASSERT_EQ(openIn(*two, secondHost), kResultOk);
+    ASSERT_EQ(open(*view), kResultOk);
+    ASSERT_EQ(open(*two, &secondHost), kResultOk);
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 2);
     EXPECT_EQ(runLoop->timerCount(), 2);
-    EXPECT_TRUE(drawn(*one));
-    EXPECT_TRUE(drawnIn(*two, secondHost));
+    EXPECT_TRUE(drawn(*view));
+    EXPECT_TRUE(drawn(*two, &secondHost));
 
-    close(*one);
+    close(*view);
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
     EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 5; }));
-    EXPECT_TRUE(drawnIn(*two, secondHost));
+    EXPECT_TRUE(drawn(*two, &secondHost));
     close(*two);
     expectNothingLeft();
 }
 
 TEST_F(EditorViewX11, HundredOpenCloseCyclesLeaveNothingBehind)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     for (int cycle = 0; cycle < 100; ++cycle)
     {
         ASSERT_EQ(open(*view), kResultOk) << "cycle " << cycle;
