@@ -34,7 +34,7 @@ public:
     // of the editor's frame-buffer configuration; its slot or -1.
     int createChildWindow(int x, int y, int width, int height, float scale, NativeWindow parent, void* user);
     // A top-level window for a message box, transient for the top-level window of the editor that
-    // last had input or, before any input, was made last (so the desktop keeps it above the host),
+    // last had input or was made, whichever came later (so the desktop keeps it above the host),
     // centred over it; its slot or -1.
     // Its close button asks the close-query callback; Return and Escape reach the key-down
     // callback as VK_RETURN and VK_ESCAPE.
