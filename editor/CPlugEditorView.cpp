@@ -258,6 +258,9 @@ void CPlugEditorView::open(velmoran::platform::NativeWindow parent)
     mIsOpen = false;
     if (mWindows == nullptr)
         return;
+    // What a failed attempt kept for its box goes before the next one.
+    if (mWindowSlot >= 0)
+        close();
     mWindowSlot =
         mWindows->createChildWindow(0, 0, mEditorWidthPixels, mEditorHeightPixels, 1.0f, parent, this);
     if (mWindowSlot < 0)
@@ -268,11 +271,7 @@ void CPlugEditorView::open(velmoran::platform::NativeWindow parent)
     const int started = startRenderer(mWindows->windowHandle(mWindowSlot));
     if (started != CGLRenderer::kOk)
     {
-        mWindows->destroyWindow(mWindowSlot);
-        mWindowSlot = -1;
-        // Last: the box's modal loop keeps the host live, and the host may release the view.
-        if (started != kRendererNotMade)
-            showEditorError("Plug-In Editor Failed to Open", failureText(started));
+        failToOpen(started);
         return;
     }
     CEditorShared* shared = CEditorShared::instance();
@@ -293,6 +292,22 @@ void CPlugEditorView::open(velmoran::platform::NativeWindow parent)
     MBXManager::instance().editorOpened(this);
     if (EditorControllerLink* controller = plugController())
         controller->editorOpened(this);
+}
+
+void CPlugEditorView::failToOpen(int started)
+{
+    if (started == kRendererNotMade)
+    {
+        mWindows->destroyWindow(mWindowSlot);
+        mWindowSlot = -1;
+        return;
+    }
+    // The empty window stays until removed(): the box that says why belongs to its host window, and
+    // where the host's run loop drives the windows, it goes on delivering the box's events.
+    mWindows->setDestroyNotifyCallback(mWindowSlot, onDestroyed);
+    mRunLoop.start(mWindowSlot, kTimerPeriodMs);
+    // Last: the box's modal loop keeps the host live, and the host may release the view.
+    showEditorError("Plug-In Editor Failed to Open", failureText(started));
 }
 
 int CPlugEditorView::startRenderer(velmoran::platform::NativeWindow window)

@@ -120,6 +120,8 @@ private:
     // Device pixels per design pixel.
     float density() const;
     void close();
+    // Tells the user why the renderer did not start (its result code), unless it was not even made.
+    void failToOpen(int started);
     // The renderer's result code for the window.
     int startRenderer(velmoran::platform::NativeWindow window);
     void registerCallbacks();

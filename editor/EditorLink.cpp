@@ -4,7 +4,6 @@
 
 #include "CEditorShared.h"
 #include "CPlugEditorView.h"
-#include "mbx/MBXManager.h"
 #include "mbx/MBXWindow.h"
 #include "platform/window/WindowKit.h"
 
@@ -25,14 +24,14 @@ IPlugView* createEditorView(EditorControllerLink& controller)
 void startEditorModule(const char* productToken)
 {
     velmoran::platform::initWindowKit(productToken);
-    MBXManager::instance().setWindowPresenter(presentInWindow);
+    useBoxWindows(true);
     CEditorShared::acquire();
 }
 
 void stopEditorModule()
 {
     CEditorShared::release();
-    MBXManager::instance().setWindowPresenter(nullptr);
+    useBoxWindows(false);
     velmoran::platform::exitWindowKit();
 }
 

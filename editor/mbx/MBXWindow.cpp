@@ -308,4 +308,9 @@ int presentInWindow(const MBXObject& box)
     return window.run();
 }
 
+void useBoxWindows(bool use)
+{
+    MBXManager::instance().setWindowPresenter(use ? presentInWindow : nullptr);
+}
+
 } // namespace Steinberg::Vst::Velmoran

@@ -2,6 +2,8 @@
 
 #include "editor/mbx/MBXComposer.h"
 #include "editor/mbx/MBXLayout.h"
+#include "editor/mbx/MBXManager.h"
+#include "platform/render/ErrorBox.h"
 #include "platform/window/WindowKit.h"
 
 #include <spawn.h>
@@ -179,13 +181,18 @@ bool editorWindowOpen(const CPlatformWindows& kit)
 int presentInWindow(const MBXObject& box)
 {
     // The box stays up, driven by the host's run loop, after this returns: no loop of its own may
-    // hold the host's UI thread. The caller gets the default button at once. With no editor open
-    // (an editor that failed to open reports why) nothing would drive a window, so the box goes to
-    // the standard error stream.
+    // hold the host's UI thread. The caller gets the default button at once. With no editor window
+    // nothing would drive a box window, so the box goes to the standard error stream.
     CPlatformWindows* kit = CPlatformWindows::instance(false);
     if (kit == nullptr || !editorWindowOpen(*kit) || !MBXBoxWindow::open(box, *kit))
         std::fprintf(stderr, "%s: %s\n", box.title().c_str(), box.text().c_str());
     return box.defaultButton();
+}
+
+void useBoxWindows(bool use)
+{
+    MBXManager::instance().setWindowPresenter(use ? presentInWindow : nullptr);
+    velmoran::platform::setErrorBoxFunction(use ? showEditorError : nullptr);
 }
 
 } // namespace Steinberg::Vst::Velmoran

@@ -179,6 +179,9 @@ int CPlatformWindows::createChildWindow(int x, int y, int width, int height, flo
     slot.height = deviceHeight;
     slot.x = x;
     slot.y = y;
+    // The editor just opened is the one the user is dealing with: its boxes (the one that says why
+    // it could not start) belong to its host until another editor has input.
+    mLastInputWindow = window;
     applyCursor();
     return free;
 }

@@ -34,7 +34,8 @@ public:
     // of the editor's frame-buffer configuration; its slot or -1.
     int createChildWindow(int x, int y, int width, int height, float scale, NativeWindow parent, void* user);
     // A top-level window for a message box, transient for the top-level window of the editor that
-    // last had input (so the desktop keeps it above the host), centred over it; its slot or -1.
+    // last had input or was made, whichever came later (so the desktop keeps it above the host),
+    // centred over it; its slot or -1.
     // Its close button asks the close-query callback; Return and Escape reach the key-down
     // callback as VK_RETURN and VK_ESCAPE.
     int createBoxWindow(int width, int height, void* user);
@@ -154,7 +155,7 @@ private:
     unsigned mSavedCursorShape = 0;
     bool mShiftHeld = false;
     bool mControlHeld = false;
-    // The editor window that last had input: boxes belong to its top-level window.
+    // The editor window that last had input or was made last: boxes belong to its top-level window.
     unsigned long mLastInputWindow = 0;
 };
 

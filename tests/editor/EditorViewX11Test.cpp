@@ -10,7 +10,9 @@
 #include "editor/CPlugEditorView.h"
 #include "editor/mbx/MBXManager.h"
 #include "editor/mbx/MBXObject.h"
+#include "editor/mbx/MBXWindow.h"
 #include "platform/render/CGLRenderer.h"
+#include "platform/render/ErrorBox.h"
 #include "platform/window/WindowKit.h"
 #include "platform/window/X11Display.h"
 #include "plugin/PlugController.h"
@@ -20,6 +22,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace Steinberg;
@@ -39,15 +42,25 @@ std::vector<std::string>& shownBoxes()
     return boxes;
 }
 
+// Notes every box and shows it as the module shows it.
 int recordBox(const MBXObject& box)
 {
     shownBoxes().push_back(box.title() + "|" + box.text());
-    return 0;
+    return presentInWindow(box);
 }
 
-int failWithoutContext(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
+template <int kResult>
+int failWith(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
 {
-    return CGLRenderer::kNoContext;
+    return kResult;
+}
+
+// A driver that refuses a program: the renderer's own box with the driver's log comes first.
+int refuseShaders(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
+{
+    velmoran::platform::showErrorBox("Velmoran: OpenGL Error",
+                                     "Velmoran:Error: GFX-VXSHDR-03 failed to compile");
+    return CGLRenderer::kShaderFailure;
 }
 
 // One controller as a host makes it.
@@ -90,26 +103,26 @@ protected:
     {
         velmoran::test::keepGlDriverLoaded();
         CPlatformWindows::instance(true);
+        useBoxWindows(true);
         MBXManager::instance().setPresenter(recordBox);
     }
     static void TearDownTestSuite()
     {
         MBXManager::instance().setPresenter(nullptr);
+        useBoxWindows(false);
         CPlatformWindows::release();
     }
     void SetUp() override
     {
         ASSERT_TRUE(host.valid()) << "no X display";
-        runLoop = owned(new PollRunLoop);
         shownBoxes().clear();
     }
 
-    tresult open(CPlugEditorView& view) { return openIn(view, host); }
-
-    tresult openIn(CPlugEditorView& view, const X11TestWindow& window)
+    // Attaches the view to the host's window (or another one) with the run loop as its frame.
+    tresult open(CPlugEditorView& view, const X11TestWindow* window = nullptr)
     {
         view.setFrame(runLoop);
-        return view.attached(window.parent(), kPlatformTypeX11EmbedWindowID);
+        return view.attached((window != nullptr ? *window : host).parent(), kPlatformTypeX11EmbedWindowID);
     }
 
     void close(CPlugEditorView& view)
@@ -119,11 +132,10 @@ protected:
     }
 
     // Runs the host's loop until the editor's window shows a drawn screen.
-    bool drawn(const CPlugEditorView& view) { return drawnIn(view, host); }
-
-    bool drawnIn(const CPlugEditorView& view, const X11TestWindow& window)
+    bool drawn(const CPlugEditorView& view, const X11TestWindow* window = nullptr)
     {
-        return runLoop->runUntil([&] { return window.distinctColours(editorWindow(view)) > 16; });
+        const X11TestWindow& parent = window != nullptr ? *window : host;
+        return runLoop->runUntil([&] { return parent.distinctColours(editorWindow(view)) > 16; });
     }
 
     void expectNothingLeft()
@@ -138,31 +150,20 @@ protected:
     }
 
     X11TestWindow host;
-    IPtr<PollRunLoop> runLoop;
-};
-
-struct PlatformTypeCase
-{
-    const char* type;
-    tresult expected;
-};
-
-class EditorViewX11PlatformType : public EditorViewX11, public ::testing::WithParamInterface<PlatformTypeCase>
-{
-};
-
-TEST_P(EditorViewX11PlatformType, OnlyX11EmbedWindowIdIsSupported)
-{
+    IPtr<PollRunLoop> runLoop = owned(new PollRunLoop);
     Instance instance;
     IPtr<CPlugEditorView> view = instance.createView();
-    EXPECT_EQ(view->isPlatformTypeSupported(GetParam().type), GetParam().expected);
-}
+};
 
-INSTANTIATE_TEST_SUITE_P(Types, EditorViewX11PlatformType,
-                         ::testing::Values(PlatformTypeCase{kPlatformTypeX11EmbedWindowID, kResultTrue},
-                                           PlatformTypeCase{kPlatformTypeHWND, kResultFalse},
-                                           PlatformTypeCase{kPlatformTypeNSView, kResultFalse},
-                                           PlatformTypeCase{nullptr, kResultFalse}));
+TEST_F(EditorViewX11, OnlyX11EmbedWindowIdIsSupported)
+{
+    const std::pair<FIDString, tresult> cases[] = {{kPlatformTypeX11EmbedWindowID, kResultTrue},
+                                                   {kPlatformTypeHWND, kResultFalse},
+                                                   {kPlatformTypeNSView, kResultFalse},
+                                                   {nullptr, kResultFalse}};
+    for (const auto& [type, expected] : cases)
+        EXPECT_EQ(view->isPlatformTypeSupported(type), expected) << (type != nullptr ? type : "null");
+}
 
 struct SizeCase
 {
@@ -178,9 +179,8 @@ class EditorViewX11Size : public EditorViewX11, public ::testing::WithParamInter
 
 TEST_P(EditorViewX11Size, EmbedsAMappedDrawnChildOfTheViewSize)
 {
-    Instance instance;
     ViewRect rect(0, 0, GetParam().hostWidth, GetParam().hostHeight);
-    IPtr<CPlugEditorView> view = instance.createView(GetParam().hostWidth > 0 ? &rect : nullptr);
+    view = instance.createView(GetParam().hostWidth > 0 ? &rect : nullptr);
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_TRUE(view->isOpen());
 
@@ -203,25 +203,14 @@ INSTANTIATE_TEST_SUITE_P(Sizes, EditorViewX11Size,
                          ::testing::Values(SizeCase{0, 0, 998, 634}, SizeCase{1497, 951, 1497, 951},
                                            SizeCase{1996, 1268, 1996, 1268}));
 
-TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileOpen)
+// One timer at 40 ms and one event handler while open; losing the frame unregisters both.
+TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileItHasItsFrame)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_EQ(runLoop->timerCount(), 1);
     EXPECT_EQ(runLoop->timerPeriod(0).count(), 40);
     EXPECT_EQ(runLoop->eventHandlerCount(), 1);
     EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 3; }));
-
-    close(*view);
-    expectNothingLeft();
-}
-
-TEST_F(EditorViewX11, LosingTheFrameUnregistersBoth)
-{
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
-    ASSERT_EQ(open(*view), kResultOk);
     view->setFrame(nullptr);
     EXPECT_EQ(runLoop->timerCount(), 0);
     EXPECT_EQ(runLoop->eventHandlerCount(), 0);
@@ -231,78 +220,96 @@ TEST_F(EditorViewX11, LosingTheFrameUnregistersBoth)
 
 TEST_F(EditorViewX11, HostWithoutRunLoopIsRefused)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     EXPECT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultFalse);
     EXPECT_FALSE(view->isOpen());
     view->removed();
     expectNothingLeft();
 }
 
-// A driver without a usable context: the box says so with the Windows texts, the view stays empty
-// and leaves nothing registered, and opens at the next attach.
-TEST_F(EditorViewX11, RendererFailureShowsBoxAndLeavesViewUsable)
+struct FailureCase
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
-    const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(failWithoutContext);
+    const char* name;
+    CPlugEditorView::RendererStart start;
+    const char* text;
+    const char* rendererBox; // the renderer's own box before the editor's, if any
+};
+
+class EditorViewX11Failure : public EditorViewX11, public ::testing::WithParamInterface<FailureCase>
+{
+};
+
+// A driver the editor cannot draw with: the Windows texts in boxes of their own, transient for the
+// host's window and drawn while its loop runs on; they close at the desktop's close button, the
+// view stays empty until removed() and opens at the next attach.
+TEST_P(EditorViewX11Failure, BoxesSayWhyWhileTheHostRunsOn)
+{
+    const CPlugEditorView::RendererStart previous = CPlugEditorView::setRendererStart(GetParam().start);
     open(*view);
     CPlugEditorView::setRendererStart(previous);
     EXPECT_FALSE(view->isOpen());
-    EXPECT_EQ(shownBoxes(), std::vector<std::string>{
-                                "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context."});
-    EXPECT_EQ(kit().openWindowCount(), 0);
-    EXPECT_EQ(runLoop->timerCount(), 0);
+    std::vector<std::string> expected{std::string("Plug-In Editor Failed to Open|") + GetParam().text};
+    if (GetParam().rendererBox != nullptr)
+        expected.insert(expected.begin(), GetParam().rendererBox);
+    EXPECT_EQ(shownBoxes(), expected);
+    const std::vector<Window> boxes = host.transients();
+    ASSERT_EQ(boxes.size(), expected.size());
+    const int ticks = runLoop->ticks();
+    for (const Window box : boxes)
+        EXPECT_TRUE(
+            runLoop->runUntil([&] { return host.distinctColours(box) > 4 && runLoop->ticks() > ticks; }));
+    for (const Window box : boxes)
+        host.askToClose(box);
+    EXPECT_TRUE(runLoop->runUntil([&] { return host.transients().empty(); }));
     close(*view);
+    expectNothingLeft();
 
     ASSERT_EQ(open(*view), kResultOk);
     EXPECT_TRUE(view->isOpen());
     close(*view);
-    expectNothingLeft();
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Results, EditorViewX11Failure,
+    ::testing::Values(
+        FailureCase{"MissingEntryPoints", failWith<1>, "Missing required OpenGL extensions.", nullptr},
+        FailureCase{"Shaders", refuseShaders, "Failed to compile OpenGL shaders.",
+                    "Velmoran: OpenGL Error|Velmoran:Error: GFX-VXSHDR-03 failed to compile"},
+        FailureCase{"NoContext", failWith<3>, "Failed to create compatible OpenGL context.", nullptr},
+        FailureCase{"Other", failWith<7>, "Failed to initialise OpenGL renderer.", nullptr}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(EditorViewX11, ParentDestroyedBeforeRemoved)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_TRUE(drawn(*view));
     host.destroy();
     EXPECT_TRUE(runLoop->runUntil([&] { return !view->isOpen(); }));
     close(*view);
-    EXPECT_EQ(runLoop->timerCount(), 0);
-    EXPECT_EQ(runLoop->eventHandlerCount(), 0);
-    EXPECT_EQ(kit().openWindowCount(), 0);
-    EXPECT_EQ(CGLRenderer::sharedContextUsers(), 0);
-    EXPECT_EQ(velmoran::platform::displayUsers(), 0);
+    expectNothingLeft();
 }
 
 TEST_F(EditorViewX11, TwoInstancesDrawThroughOneContext)
 {
-    Instance first;
     Instance second;
     X11TestWindow secondHost(1000, 640, 1100, 800);
-    IPtr<CPlugEditorView> one = first.createView();
     IPtr<CPlugEditorView> two = second.createView();
-    ASSERT_EQ(open(*one), kResultOk);
-    ASSERT_EQ(openIn(*two, secondHost), kResultOk);
+    ASSERT_EQ(open(*view), kResultOk);
+    ASSERT_EQ(open(*two, &secondHost), kResultOk);
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 2);
     EXPECT_EQ(runLoop->timerCount(), 2);
-    EXPECT_TRUE(drawn(*one));
-    EXPECT_TRUE(drawnIn(*two, secondHost));
+    EXPECT_TRUE(drawn(*view));
+    EXPECT_TRUE(drawn(*two, &secondHost));
 
-    close(*one);
+    close(*view);
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 1);
     EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 5; }));
-    EXPECT_TRUE(drawnIn(*two, secondHost));
+    EXPECT_TRUE(drawn(*two, &secondHost));
     close(*two);
     expectNothingLeft();
 }
 
 TEST_F(EditorViewX11, HundredOpenCloseCyclesLeaveNothingBehind)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
     for (int cycle = 0; cycle < 100; ++cycle)
     {
         ASSERT_EQ(open(*view), kResultOk) << "cycle " << cycle;

@@ -53,19 +53,32 @@ public:
     }
 
     // The windows inside the host's window.
-    std::vector<Window> children() const
+    std::vector<Window> children() const { return childrenOf(mWindow); }
+
+    // The top-level windows that the desktop keeps above the host's (transient for it).
+    std::vector<Window> transients() const
     {
         std::vector<Window> result;
-        Window root = 0;
-        Window parent = 0;
-        Window* list = nullptr;
-        unsigned count = 0;
-        if (mWindow != 0 && XQueryTree(mDisplay, mWindow, &root, &parent, &list, &count) != 0)
+        for (const Window window : childrenOf(DefaultRootWindow(mDisplay)))
         {
-            result.assign(list, list + count);
-            XFree(list);
+            Window owner = 0;
+            if (XGetTransientForHint(mDisplay, window, &owner) != 0 && owner == mWindow)
+                result.push_back(window);
         }
         return result;
+    }
+
+    // What the desktop's close button sends a top-level window.
+    void askToClose(Window window) const
+    {
+        XEvent event{};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = window;
+        event.xclient.message_type = XInternAtom(mDisplay, "WM_PROTOCOLS", False);
+        event.xclient.format = 32;
+        event.xclient.data.l[0] = static_cast<long>(XInternAtom(mDisplay, "WM_DELETE_WINDOW", False));
+        XSendEvent(mDisplay, window, False, NoEventMask, &event);
+        XFlush(mDisplay);
     }
 
     // The flags word of a window's _XEMBED_INFO, -1 without one.
@@ -112,6 +125,21 @@ public:
     }
 
 private:
+    std::vector<Window> childrenOf(Window window) const
+    {
+        std::vector<Window> result;
+        Window root = 0;
+        Window parent = 0;
+        Window* list = nullptr;
+        unsigned count = 0;
+        if (window != 0 && XQueryTree(mDisplay, window, &root, &parent, &list, &count) != 0)
+        {
+            result.assign(list, list + count);
+            XFree(list);
+        }
+        return result;
+    }
+
     Display* mDisplay;
     Window mWindow = 0;
 };

@@ -228,21 +228,25 @@ public:
         return velmoran::tools::writePng(path, picture);
     }
 
-    // The editor's own window inside the frame; 0 when it has none.
+    // The editor's own window inside the frame, shown; 0 when it has none (an editor that could not
+    // start keeps an empty window that it does not show).
     Window editorWindow() const
     {
         Window root = 0;
         Window parent = 0;
         Window* children = nullptr;
         unsigned count = 0;
-        Window first = 0;
+        Window shown = 0;
         if (mFrame != 0 && XQueryTree(mDisplay, mFrame, &root, &parent, &children, &count) != 0)
         {
-            if (count > 0)
-                first = children[0];
+            XWindowAttributes attributes{};
+            for (unsigned index = 0; index < count && shown == 0; ++index)
+                if (XGetWindowAttributes(mDisplay, children[index], &attributes) != 0 &&
+                    attributes.map_state == IsViewable)
+                    shown = children[index];
             XFree(children);
         }
-        return first;
+        return shown;
     }
 
     const std::vector<std::vector<float>>& lastOutput() const { return mAudio->lastOutput(); }
@@ -259,7 +263,7 @@ private:
         mAttached = true;
         if (editorWindow() == 0)
         {
-            error = "the editor view made no window inside the host's frame";
+            error = "the editor view shows no window inside the host's frame";
             return false;
         }
         return true;
