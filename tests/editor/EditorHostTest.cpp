@@ -1,12 +1,10 @@
 // The editor test host against the built module, started as a DAW starts it: the editor in the
-// host's frame, what it shows captured and saved, opened again, and a drag of a band's handle logged
-// by the host and heard in the audio it plays through the processor.
+// host's frame, what it shows captured and saved, and the editor opened again. What its input does
+// is EditorGestureHostTest's.
 
 #include "EditorHostFixture.h"
-#include "support/EditGestures.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
@@ -92,40 +90,6 @@ TEST_F(EditorView, OpensAgainAfterItWasRemoved)
     ASSERT_TRUE(session().reopenEditor(error)) << error;
     EXPECT_NE(session().editorWindow(), nullptr);
     runUntil([] { return showsBand6Handle(session().screenshot()); });
-}
-
-float rmsOf(const std::vector<std::vector<float>>& channels)
-{
-    double sum = 0.0;
-    size_t count = 0;
-    for (const std::vector<float>& channel : channels)
-    {
-        for (float sample : channel)
-        {
-            sum += static_cast<double>(sample) * sample;
-            ++count;
-        }
-    }
-    return count > 0 ? static_cast<float>(std::sqrt(sum / static_cast<double>(count))) : 0.0f;
-}
-
-// A drag of band 6's handle (1 kHz, 0 dB in the default program) up and to the right: "06 Freq"
-// (tag 22) and "06 Gain" (tag 32) each arrive as one gesture, and a 1.5 kHz tone comes out louder.
-TEST_F(EditorView, DraggingABandHandleEditsAsOneGestureAndChangesTheSound)
-{
-    constexpr ParamID kFrequency06 = 22;
-    constexpr ParamID kGain06 = 32;
-    session().setSignal(editorhost::InputSignal::sine(1500.0));
-    runBlocks(40);
-    const float before = rmsOf(session().lastOutput());
-    ASSERT_GT(before, 0.001f) << "the processor's output is silent";
-    session().handler().clearEditLog();
-    session().input().drag(kHandleX, kHandleY, kHandleX + 40, kHandleY - 80, 8);
-    runBlocks(40);
-    EXPECT_EQ(gestureOf(session().handler().editLog(), kFrequency06), "begin perform... end");
-    EXPECT_EQ(gestureOf(session().handler().editLog(), kGain06), "begin perform... end");
-    const float after = rmsOf(session().lastOutput());
-    EXPECT_GT(20.0f * std::log10(after / before), 3.0f) << "the boost near the tone is heard";
 }
 
 } // namespace
