@@ -9,10 +9,12 @@
 #include "platform/render/CGLRenderer.h"
 #include "plugin/PlugParameters.h"
 #include "support/WaitFor.h"
+#include "tools/editor_host/MessagePump.h"
 
 #include <gtest/gtest.h>
 #include <psapi.h>
 
+#include <chrono>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -21,6 +23,7 @@
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
+using velmoran::editorhost::pumpMessagesUntil;
 using velmoran::platform::CGLRenderer;
 using velmoran::platform::CPlatformWindows;
 
@@ -46,18 +49,6 @@ int recordBox(const MBXObject& box)
 int failWithoutContext(CGLRenderer&, HWND, double, double, double, double)
 {
     return CGLRenderer::kNoContext;
-}
-
-// Lets the waiting window messages (timer ticks, paints) through.
-void pump()
-{
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-    {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    Sleep(5);
 }
 
 SIZE_T privateBytes()
@@ -146,6 +137,8 @@ TEST_F(EditorView, TimerRunsOnlyWhileAttached)
     controller->setParamNormalized(kEqTag, 0.0);
     EXPECT_EQ(view->screen()->statusText(), "Effect : Out");
     const uint32_t before = view->screen()->statusCountdown();
+    const auto pump = []
+    { pumpMessagesUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(10)); };
     EXPECT_TRUE(velmoran::test::waitFor([&] { return view->screen()->statusCountdown() + 3 < before; }, pump))
         << "ticks arrive";
 
