@@ -4,8 +4,6 @@
 
 #include "EditorControllerFixture.h"
 
-#include "editor/CPlugEditorView.h"
-#include "platform/window/CPlatformWindows.h"
 #include "plugin/PlugParameters.h"
 
 #include <gtest/gtest.h>
@@ -55,7 +53,6 @@ namespace
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
-using velmoran::platform::CPlatformWindows;
 
 // Lets `allowed` allocations succeed while it lives, then fails every further one.
 class AllocationLimit
@@ -85,25 +82,23 @@ TEST_P(EditorOutOfMemory, CreateViewGivesAViewOrNone)
 
 TEST_P(EditorOutOfMemory, AttachedOpensOrStaysClosedAndOpensLater)
 {
-    IPtr<CPlugEditorView> view =
-        owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
+    IPtr<CPlugEditorView> view = createView();
     ASSERT_TRUE(view);
     {
         AllocationLimit limit(GetParam());
-        EXPECT_NO_THROW(view->attached(velmoran::test::testHostWindow(), kPlatformTypeHWND));
+        EXPECT_NO_THROW(attach(view));
     }
     view->removed();
-    ASSERT_EQ(view->attached(velmoran::test::testHostWindow(), kPlatformTypeHWND), kResultOk);
+    ASSERT_EQ(attach(view), kResultOk);
     EXPECT_TRUE(view->isOpen());
     view->removed();
 }
 
 TEST_P(EditorOutOfMemory, SettersAndWindowMessagesFeedingTheEditorThrowNothing)
 {
-    IPtr<CPlugEditorView> view =
-        owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
-    ASSERT_EQ(view->attached(velmoran::test::testHostWindow(), kPlatformTypeHWND), kResultOk);
-    HWND window = CPlatformWindows::instance(false)->windowHandle(view->windowSlot());
+    IPtr<CPlugEditorView> view = createView();
+    ASSERT_EQ(attach(view), kResultOk);
+    HWND window = windowOf(*view);
     {
         AllocationLimit limit(GetParam());
         EXPECT_NO_THROW(controller->setParamNormalized(gainTag(3), 0.8));

@@ -1,17 +1,11 @@
 // What the editor puts on the screen, read back from its window under Wine: a band's curve passes
 // through the pixel of its frequency and gain, and a sine's spectrum peaks at the sine's frequency.
 
-#include "editor/CPlugEditorView.h"
+#include "EditorControllerFixture.h"
+
 #include "editor/EditorScreen.h"
-#include "editor/mbx/MBXManager.h"
-#include "editor/mbx/MBXObject.h"
-#include "platform/window/CPlatformWindows.h"
-#include "platform/window/TestHostWindow.h"
-#include "plugin/PlugController.h"
 #include "plugin/PlugParameters.h"
 #include "plugin/SpectrumFrame.h"
-
-#include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <gtest/gtest.h>
 
@@ -19,12 +13,10 @@
 
 #include <array>
 #include <cmath>
-#include <memory>
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
-using velmoran::platform::CPlatformWindows;
 
 namespace
 {
@@ -37,33 +29,24 @@ struct Pixel
     int brightness() const { return r + g + b; }
 };
 
-class EditorPixels : public ::testing::Test
+class EditorPixels : public velmoran::test::EditorControllerFixture<velmoran::test::acceptBox>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken);
-    }
-    static void TearDownTestSuite() { velmoran::test::closeAllWindows(); }
-
     void SetUp() override
     {
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&host);
+        EditorControllerFixture::SetUp();
         // Every band off but the one a test sets, so nothing else draws a curve.
         for (int band = 1; band <= kBandCount; ++band)
             controller->setParamNormalized(filterTypeTag(band), 0.0);
-        view = owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
-        ASSERT_EQ(view->attached(velmoran::test::testHostWindow(), kPlatformTypeHWND), kResultOk);
+        view = createView();
+        ASSERT_EQ(attach(view), kResultOk);
         ASSERT_TRUE(view->isOpen());
     }
     void TearDown() override
     {
         view->removed();
         view = nullptr;
-        controller->terminate();
-        controller->release();
+        EditorControllerFixture::TearDown();
     }
 
     // Lets the graph settle (its fades run on the ticks), draws a frame and keeps its pixels.
@@ -92,8 +75,6 @@ protected:
 
     static constexpr int kWidth = 998;
     static constexpr int kHeight = 634;
-    HostApplication host;
-    CPlugController* controller = nullptr;
     IPtr<CPlugEditorView> view;
     std::array<unsigned char, kWidth * kHeight * 3> pixels{};
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace velmoran::editor
 {
@@ -39,40 +40,6 @@ INSTANTIATE_TEST_SUITE_P(
                       SwitchCase{SwitchKind::Polarity, 0.5f, "Polarity : Inverted"},
                       SwitchCase{SwitchKind::Polarity, 0.0f, "Polarity : Normal"}));
 
-TEST(EditorTexts, TitleLineNamesMakerProductAndVersionWithTheirBlanks)
-{
-    EXPECT_EQ(titleLine(), "Varnholt Ltd  :  Velmoran  V3.1.4");
-}
-
-TEST(EditorTexts, ReadoutsAndLockModes)
-{
-    EXPECT_EQ(outputGainText(-3.04f), "Output Gain -3.0 dB");
-    EXPECT_EQ(outputGainText(0.0f), "Output Gain +0.0 dB");
-    EXPECT_EQ(zoomTexts(1.5f)[0], " Zoom ");
-    EXPECT_EQ(zoomTexts(1.5f)[1], " X 1.5 ");
-    EXPECT_STREQ(autoLockText(0), "Auto Lock:  Off");
-    EXPECT_STREQ(autoLockText(1), "Auto Lock:  ---");
-    EXPECT_STREQ(autoLockText(2), "Auto Lock:  Freq");
-    EXPECT_STREQ(autoLockText(3), "Auto Lock:  Gain");
-    EXPECT_EQ(std::string(settingsClearedHint()[1]), std::string(18, ' '));
-    EXPECT_EQ(std::string(settingsClearedHint()[4]), std::string(19, ' '));
-}
-
-// The info box and the menu name the passes differently; codes outside 1..11 name nothing.
-TEST(EditorTexts, FilterTypeLabelsOfInfoBoxAndMenu)
-{
-    EXPECT_STREQ(filterTypeLabel(9), "LowPass");
-    EXPECT_STREQ(filterMenuLabel(9), "Low Pass");
-    EXPECT_STREQ(filterTypeLabel(10), "HighPass");
-    EXPECT_STREQ(filterMenuLabel(10), "High Pass");
-    EXPECT_STREQ(filterTypeLabel(6), "Peak: Asym Inv");
-    EXPECT_STREQ(filterTypeLabel(12), "[ --- ]");
-    EXPECT_STREQ(filterTypeLabel(0), "[ --- ]");
-    EXPECT_EQ(filterMenuLabel(12), nullptr);
-    EXPECT_EQ(filterMenuIcon(0), 143);
-    EXPECT_EQ(filterMenuIcon(7), 138);
-}
-
 BandDisplay band(float hz, int code, float q = 1.0f, float gainDb = 4.0f)
 {
     BandDisplay display;
@@ -83,28 +50,47 @@ BandDisplay band(float hz, int code, float q = 1.0f, float gainDb = 4.0f)
     return display;
 }
 
-TEST(BandInfoBox, FrequencyTurnsToKilohertzAtOneThousand)
+// Each text as it is shown, blanks included. Frequencies turn to kilohertz at 1000 Hz; shelves and
+// passes show their resonance on the 0.70..1.40 scale and passes no gain; the info box and the menu
+// name the passes differently, and a code outside 1..11 shows the placeholder.
+TEST(EditorTexts, ReadAsShown)
 {
-    EXPECT_EQ(bandInfoLines(band(999.9f, 2)).texts[0], "Freq 999.9 Hz");
-    EXPECT_EQ(bandInfoLines(band(1000.0f, 2)).texts[0], "Freq 1.0 kHz");
-    EXPECT_EQ(bandInfoLines(band(16000.0f, 2)).texts[0], "Freq 16.0 kHz");
-}
-
-// Shelves and passes show their resonance on the 0.70..1.40 scale; passes have no gain.
-TEST(BandInfoBox, PassesShowResonanceScaleAndNoGain)
-{
-    EXPECT_EQ(bandInfoLines(band(500.0f, 9, 0.3f, 12.0f)).texts[1], "Q 0.70");
-    EXPECT_EQ(bandInfoLines(band(500.0f, 9, 5.0f, 12.0f)).texts[1], "Q 1.40");
-    EXPECT_EQ(bandInfoLines(band(500.0f, 9, 1.0f, 12.0f)).texts[2], "Gain 0.0 dB");
-    EXPECT_EQ(bandInfoLines(band(500.0f, 11, 1.0f, -7.0f)).texts[2], "Gain 0.0 dB");
-    EXPECT_EQ(bandInfoLines(band(500.0f, 11, 2.5f)).texts[1], "Q 2.5");
-    EXPECT_EQ(bandInfoLines(band(500.0f, 7, 1.0f, -7.25f)).texts[2], "Gain -7.2 dB");
-    EXPECT_EQ(bandInfoLines(band(500.0f, 1)).texts[1], "");
-}
-
-TEST(BandInfoBox, UnknownCodeShowsPlaceholder)
-{
-    EXPECT_EQ(bandInfoLines(band(500.0f, 12)).texts[3], "[ --- ]");
+    const std::pair<std::string, std::string> texts[] = {
+        {titleLine(), "Varnholt Ltd  :  Velmoran  V3.1.4"},
+        {outputGainText(-3.04f), "Output Gain -3.0 dB"},
+        {outputGainText(0.0f), "Output Gain +0.0 dB"},
+        {zoomTexts(1.5f)[0], " Zoom "},
+        {zoomTexts(1.5f)[1], " X 1.5 "},
+        {autoLockText(0), "Auto Lock:  Off"},
+        {autoLockText(1), "Auto Lock:  ---"},
+        {autoLockText(2), "Auto Lock:  Freq"},
+        {autoLockText(3), "Auto Lock:  Gain"},
+        {settingsClearedHint()[1], std::string(18, ' ')},
+        {settingsClearedHint()[4], std::string(19, ' ')},
+        {filterTypeLabel(9), "LowPass"},
+        {filterMenuLabel(9), "Low Pass"},
+        {filterTypeLabel(10), "HighPass"},
+        {filterMenuLabel(10), "High Pass"},
+        {filterTypeLabel(6), "Peak: Asym Inv"},
+        {filterTypeLabel(12), "[ --- ]"},
+        {filterTypeLabel(0), "[ --- ]"},
+        {bandInfoLines(band(999.9f, 2)).texts[0], "Freq 999.9 Hz"},
+        {bandInfoLines(band(1000.0f, 2)).texts[0], "Freq 1.0 kHz"},
+        {bandInfoLines(band(16000.0f, 2)).texts[0], "Freq 16.0 kHz"},
+        {bandInfoLines(band(500.0f, 9, 0.3f, 12.0f)).texts[1], "Q 0.70"},
+        {bandInfoLines(band(500.0f, 9, 5.0f, 12.0f)).texts[1], "Q 1.40"},
+        {bandInfoLines(band(500.0f, 9, 1.0f, 12.0f)).texts[2], "Gain 0.0 dB"},
+        {bandInfoLines(band(500.0f, 11, 1.0f, -7.0f)).texts[2], "Gain 0.0 dB"},
+        {bandInfoLines(band(500.0f, 11, 2.5f)).texts[1], "Q 2.5"},
+        {bandInfoLines(band(500.0f, 7, 1.0f, -7.25f)).texts[2], "Gain -7.2 dB"},
+        {bandInfoLines(band(500.0f, 1)).texts[1], ""},
+        {bandInfoLines(band(500.0f, 12)).texts[3], "[ --- ]"},
+    };
+    for (const auto& [shown, expected] : texts)
+        EXPECT_EQ(shown, expected);
+    EXPECT_EQ(filterMenuLabel(12), nullptr);
+    EXPECT_EQ(filterMenuIcon(0), 143);
+    EXPECT_EQ(filterMenuIcon(7), 138);
 }
 
 // Solo 3 names the band at index 2; every other band shows its own state.

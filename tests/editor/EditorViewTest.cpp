@@ -1,64 +1,54 @@
-// The editor view inside this test program, on the window kit and the renderer under Wine: sizes,
-// a failing renderer, timers, images shared between editors and open/close cycles.
+// The editor view inside this test program, on the window kit and the renderer under Wine: sizes and
+// display scales, a failing renderer, timers, images shared between editors, open/close cycles, the
+// host closing it at awkward moments and the reminder a silent processor gets.
+
+#include "EditorControllerFixture.h"
 
 #include "editor/CEditorShared.h"
-#include "editor/CPlugEditorView.h"
 #include "editor/EditorScreen.h"
-#include "editor/EditorTexts.h"
-#include "editor/mbx/MBXManager.h"
-#include "editor/mbx/MBXObject.h"
 #include "platform/render/CGLRenderer.h"
-#include "platform/window/CPlatformWindows.h"
-#include "platform/window/TestHostWindow.h"
-#include "plugin/PlugController.h"
 #include "plugin/PlugParameters.h"
 #include "support/WaitFor.h"
-
-#include "public.sdk/source/vst/hosting/hostclasses.h"
+#include "tools/editor_host/MessagePump.h"
 
 #include <gtest/gtest.h>
 #include <psapi.h>
 
-#include <memory>
+#include <chrono>
+#include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
+using velmoran::editorhost::pumpMessagesUntil;
 using velmoran::platform::CGLRenderer;
 using velmoran::platform::CPlatformWindows;
 
 namespace
 {
 
-std::vector<std::string>& shownBoxes()
-{
-    static std::vector<std::string> boxes;
-    return boxes;
-}
+// The boxes shown, as "title|text", and the view the host closes and releases while the next box
+// is up.
+std::vector<std::string> gShownBoxes;
+IPtr<CPlugEditorView> gClosedWhileBoxIsUp;
 
 int recordBox(const MBXObject& box)
 {
-    shownBoxes().push_back(box.title() + "|" + box.text());
+    gShownBoxes.push_back(box.title() + "|" + box.text());
+    if (gClosedWhileBoxIsUp)
+    {
+        gClosedWhileBoxIsUp->removed();
+        gClosedWhileBoxIsUp = nullptr;
+    }
     return 0;
 }
 
 int failWithoutContext(CGLRenderer&, HWND, double, double, double, double)
 {
     return CGLRenderer::kNoContext;
-}
-
-// Lets the waiting window messages (timer ticks, paints) through.
-void pump()
-{
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-    {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    Sleep(5);
 }
 
 SIZE_T privateBytes()
@@ -69,91 +59,69 @@ SIZE_T privateBytes()
     return counters.PrivateUsage;
 }
 
-// One controller as a host makes it, with its editor views.
-struct Instance
+SIZE clientSize(HWND window)
 {
-    Instance()
-    {
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&host);
-    }
-    ~Instance()
-    {
-        controller->terminate();
-        controller->release();
-    }
-    CPlugEditorView* createView()
-    {
-        return static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor));
-    }
+    RECT client{};
+    GetClientRect(window, &client);
+    return {client.right, client.bottom};
+}
 
-    HostApplication host;
-    CPlugController* controller = nullptr;
-};
+int slotsInUse()
+{
+    const auto* kit = CPlatformWindows::instance(false);
+    int used = 0;
+    for (int slot = 0; slot < CPlatformWindows::kSlotCount; ++slot)
+        used += kit->slot(slot).inUse ? 1 : 0;
+    return used;
+}
 
-class EditorView : public ::testing::Test
+class EditorView : public velmoran::test::EditorControllerFixture<recordBox>
 {
 protected:
-    static void SetUpTestSuite()
+    void SetUp() override
     {
-        CPlatformWindows::instance(true)->setClassNames(velmoran::test::kTestToken);
-        MBXManager::instance().setPresenter(recordBox);
-    }
-    static void TearDownTestSuite()
-    {
-        MBXManager::instance().setPresenter(nullptr);
-        velmoran::test::closeAllWindows();
-    }
-    void SetUp() override { shownBoxes().clear(); }
-
-    static tresult attach(CPlugEditorView* view)
-    {
-        return view->attached(velmoran::test::testHostWindow(), kPlatformTypeHWND);
+        EditorControllerFixture::SetUp();
+        gShownBoxes.clear();
     }
 };
 
+// The view has the design size, unless the host gives a rectangle when it makes it; it embeds only in
+// a window handle.
 TEST_F(EditorView, OpensAtDesignSizeOrHostRectangle)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = owned(instance.createView());
-    ASSERT_TRUE(view);
     ViewRect size;
-    ASSERT_EQ(view->getSize(&size), kResultOk);
+    ASSERT_EQ(createView()->getSize(&size), kResultOk);
     EXPECT_EQ(size.getWidth(), 998);
     EXPECT_EQ(size.getHeight(), 634);
+    ViewRect hostRect(0, 0, 1200, 700);
+    IPtr<CPlugEditorView> view = owned(new CPlugEditorView(controller, &hostRect));
     EXPECT_EQ(view->isPlatformTypeSupported(kPlatformTypeHWND), kResultTrue);
     EXPECT_EQ(view->isPlatformTypeSupported(kPlatformTypeX11EmbedWindowID), kResultFalse);
-
-    ViewRect hostRect(0, 0, 1200, 700);
-    IPtr<CPlugEditorView> sized = owned(new CPlugEditorView(instance.controller, &hostRect));
-    ASSERT_EQ(attach(sized), kResultOk);
-    ASSERT_TRUE(sized->isOpen());
-    RECT client{};
-    GetClientRect(CPlatformWindows::instance(false)->windowHandle(sized->windowSlot()), &client);
-    EXPECT_EQ(client.right, 1200);
-    EXPECT_EQ(client.bottom, 700);
-    sized->removed();
+    ASSERT_EQ(attach(view), kResultOk);
+    ASSERT_TRUE(view->isOpen());
+    const SIZE client = clientSize(windowOf(*view));
+    EXPECT_EQ(client.cx, 1200);
+    EXPECT_EQ(client.cy, 700);
+    view->removed();
 }
 
 // A driver without a usable context: the user is told, the view stays empty and a later attach
 // opens it.
 TEST_F(EditorView, RendererFailureShowsBoxAndLeavesViewUsable)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = owned(instance.createView());
+    IPtr<CPlugEditorView> view = createView();
     const auto previous = CPlugEditorView::setRendererStart(failWithoutContext);
     attach(view);
     CPlugEditorView::setRendererStart(previous);
     EXPECT_FALSE(view->isOpen());
-    ASSERT_EQ(shownBoxes().size(), 1u);
-    EXPECT_EQ(shownBoxes()[0], "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context.");
+    EXPECT_EQ(gShownBoxes, std::vector<std::string>{
+                               "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context."});
     EXPECT_EQ(CGLRenderer::sharedContextUsers(), 0);
     view->removed();
 
     ASSERT_EQ(attach(view), kResultOk);
     EXPECT_TRUE(view->isOpen());
-    EXPECT_EQ(shownBoxes().size(), 1u);
+    EXPECT_EQ(gShownBoxes.size(), 1u);
     view->removed();
 }
 
@@ -161,15 +129,16 @@ TEST_F(EditorView, RendererFailureShowsBoxAndLeavesViewUsable)
 // with removed() and comes back with the next attach.
 TEST_F(EditorView, TimerRunsOnlyWhileAttached)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = owned(instance.createView());
+    IPtr<CPlugEditorView> view = createView();
     ASSERT_EQ(attach(view), kResultOk);
     const int slot = view->windowSlot();
     auto* kit = CPlatformWindows::instance(false);
     EXPECT_NE(kit->slot(slot).timer, nullptr);
-    instance.controller->setParamNormalized(kEqTag, 0.0);
+    controller->setParamNormalized(kEqTag, 0.0);
     EXPECT_EQ(view->screen()->statusText(), "Effect : Out");
     const uint32_t before = view->screen()->statusCountdown();
+    const auto pump = []
+    { pumpMessagesUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(10)); };
     EXPECT_TRUE(velmoran::test::waitFor([&] { return view->screen()->statusCountdown() + 3 < before; }, pump))
         << "ticks arrive";
 
@@ -186,10 +155,9 @@ TEST_F(EditorView, TimerRunsOnlyWhileAttached)
 // Two instances' editors open at once draw the same image textures; the last to close frees them.
 TEST_F(EditorView, TwoEditorsShareImagesUntilTheLastCloses)
 {
-    Instance first;
-    Instance second;
-    IPtr<CPlugEditorView> one = owned(first.createView());
-    IPtr<CPlugEditorView> two = owned(second.createView());
+    const velmoran::test::HostedController second;
+    IPtr<CPlugEditorView> one = createView();
+    IPtr<CPlugEditorView> two = second.createView();
     ASSERT_EQ(attach(one), kResultOk);
     CEditorShared* shared = CEditorShared::instance();
     ASSERT_NE(shared, nullptr);
@@ -214,16 +182,7 @@ TEST_F(EditorView, TwoEditorsShareImagesUntilTheLastCloses)
 // Opening and closing the editor a hundred times leaves no window, context, texture or memory behind.
 TEST_F(EditorView, HundredOpenCloseCyclesLeakNothing)
 {
-    Instance instance;
-    IPtr<CPlugEditorView> view = owned(instance.createView());
-    auto* kit = CPlatformWindows::instance(false);
-    auto slotsInUse = [kit]
-    {
-        int used = 0;
-        for (int slot = 0; slot < CPlatformWindows::kSlotCount; ++slot)
-            used += kit->slot(slot).inUse ? 1 : 0;
-        return used;
-    };
+    IPtr<CPlugEditorView> view = createView();
     SIZE_T bytesAfterWarmUp = 0;
     const int slotsBefore = slotsInUse();
     for (int cycle = 0; cycle < 100; ++cycle)
@@ -242,5 +201,186 @@ TEST_F(EditorView, HundredOpenCloseCyclesLeakNothing)
     EXPECT_LT(bytesAfter, bytesAfterWarmUp + 8u * 1024u * 1024u)
         << "private bytes grew from " << bytesAfterWarmUp << " to " << bytesAfter;
 }
+
+// A host that destroys its window before removed(): the editor closes with its window, releasing its
+// textures and its share of the GL context while the window can still make the context current.
+TEST_F(EditorView, HostWindowDestroyedBeforeRemovedClosesTheEditorWithIt)
+{
+    HWND parent =
+        CreateWindowExA(0, "STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 998, 634,
+                        velmoran::test::testHostWindow(), nullptr, GetModuleHandleA(nullptr), nullptr);
+    ASSERT_NE(parent, nullptr);
+    IPtr<CPlugEditorView> view = createView();
+    ASSERT_EQ(view->attached(parent, kPlatformTypeHWND), kResultOk);
+    ASSERT_TRUE(view->isOpen());
+    view->paint();
+    DestroyWindow(parent);
+    EXPECT_FALSE(view->isOpen());
+    EXPECT_EQ(view->screen(), nullptr);
+    EXPECT_EQ(CEditorShared::instance()->loadedImages(), 0);
+    EXPECT_EQ(CGLRenderer::sharedContext(), nullptr);
+    EXPECT_EQ(MBXManager::instance().openEditorCount(), 0);
+    EXPECT_EQ(view->removed(), kResultOk);
+}
+
+// The about box runs from the title's click inside the mouse-up; the host closes and releases the
+// editor while the box is up, and the mouse-up that opened it touches nothing of it afterwards.
+TEST_F(EditorView, EditorReleasedWhileItsAboutBoxIsUp)
+{
+    gClosedWhileBoxIsUp = createView();
+    ASSERT_EQ(attach(gClosedWhileBoxIsUp), kResultOk);
+    const velmoran::editor::Rect title = gClosedWhileBoxIsUp->screen()->titleWidget().bounds();
+    HWND window = windowOf(*gClosedWhileBoxIsUp);
+    const LPARAM at =
+        MAKELPARAM(static_cast<int>(title.x + title.width / 2), static_cast<int>(title.y + title.height / 2));
+    SendMessageA(window, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    SendMessageA(window, WM_LBUTTONUP, 0, at);
+    EXPECT_EQ(gShownBoxes.size(), 1u);
+    EXPECT_EQ(gClosedWhileBoxIsUp, nullptr);
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_EQ(MBXManager::instance().openEditorCount(), 0);
+}
+
+// The processor's end of the connection: it sends nothing and keeps the "open" of every
+// "EditorOpen" it is told.
+class SilentProcessor : public IConnectionPoint
+{
+public:
+    tresult PLUGIN_API connect(IConnectionPoint*) override { return kResultOk; }
+    tresult PLUGIN_API disconnect(IConnectionPoint*) override { return kResultOk; }
+    tresult PLUGIN_API notify(IMessage* message) override
+    {
+        int64 open = -1;
+        if (message != nullptr && message->getMessageID() != nullptr &&
+            std::strcmp(message->getMessageID(), "EditorOpen") == 0 && message->getAttributes() != nullptr &&
+            message->getAttributes()->getInt("open", open) == kResultOk)
+            editorOpen.push_back(open);
+        return kResultOk;
+    }
+    tresult PLUGIN_API queryInterface(const TUID, void** object) override
+    {
+        *object = nullptr;
+        return kNoInterface;
+    }
+    uint32 PLUGIN_API addRef() override { return 1; }
+    uint32 PLUGIN_API release() override { return 1; }
+
+    std::vector<int64> editorOpen;
+};
+
+class EditorSpectrumReminder : public EditorView
+{
+protected:
+    void SetUp() override
+    {
+        EditorView::SetUp();
+        controller->connect(&processor);
+    }
+    void TearDown() override
+    {
+        controller->disconnect(&processor);
+        EditorView::TearDown();
+    }
+
+    SilentProcessor processor;
+};
+
+// An open editor whose processor sends no spectrum frames reminds it that an editor is open, so that
+// a lost "EditorOpen" does not leave the display blank: with "FFT" off the silence is expected and
+// nothing is sent; with it on, about a second of paints without a frame sends open = 1 again.
+TEST_F(EditorSpectrumReminder, SilentProcessorIsRemindedWhileTheSpectrumIsOn)
+{
+    IPtr<CPlugEditorView> view = createView();
+    ASSERT_EQ(attach(view), kResultOk);
+    ASSERT_FALSE(processor.editorOpen.empty());
+    EXPECT_EQ(processor.editorOpen.back(), 1) << "the opening itself is told";
+    processor.editorOpen.clear();
+
+    controller->setParamNormalized(kFftTag, 0.0);
+    for (int paint = 0; paint < 60; ++paint)
+        view->paint();
+    EXPECT_TRUE(processor.editorOpen.empty());
+
+    controller->setParamNormalized(kFftTag, 1.0);
+    for (int paint = 0; paint < 60; ++paint)
+        view->paint();
+    EXPECT_EQ(processor.editorOpen, (std::vector<int64>{1, 1}));
+    view->removed();
+}
+
+// A host's frame that grants every resize request and remembers the sizes asked for.
+class RecordingFrame : public IPlugFrame
+{
+public:
+    tresult PLUGIN_API resizeView(IPlugView* view, ViewRect* newSize) override
+    {
+        requests.push_back({newSize->getWidth(), newSize->getHeight()});
+        return view->onSize(newSize);
+    }
+    tresult PLUGIN_API queryInterface(const TUID, void** object) override
+    {
+        *object = nullptr;
+        return kNoInterface;
+    }
+    uint32 PLUGIN_API addRef() override { return 1; }
+    uint32 PLUGIN_API release() override { return 1; }
+
+    std::vector<std::pair<int32, int32>> requests;
+};
+
+struct ScaleCase
+{
+    float scale;
+    bool beforeAttached;
+};
+
+using EditorScale = velmoran::test::EditorControllerFixture<recordBox, ::testing::TestWithParam<ScaleCase>>;
+
+// The view offers IPlugViewContentScaleSupport, set before or after attached; at each scale its
+// size, the host's resize request and its window are the design size times the scale, and mouse
+// positions map back onto the design.
+TEST_P(EditorScale, SizeRequestAndWindowFollowTheScale)
+{
+    const ScaleCase& scaling = GetParam();
+    IPtr<CPlugEditorView> view = createView();
+    ASSERT_TRUE(view);
+    FUnknownPtr<IPlugViewContentScaleSupport> scaleSupport(static_cast<IPlugView*>(view.get()));
+    ASSERT_TRUE(scaleSupport) << "the view offers IPlugViewContentScaleSupport";
+    RecordingFrame frame;
+    view->setFrame(&frame);
+    if (scaling.beforeAttached)
+    {
+        ASSERT_EQ(scaleSupport->setContentScaleFactor(scaling.scale), kResultOk);
+    }
+    ASSERT_EQ(attach(view), kResultOk);
+    ASSERT_TRUE(view->isOpen());
+    if (!scaling.beforeAttached)
+    {
+        ASSERT_EQ(scaleSupport->setContentScaleFactor(scaling.scale), kResultOk);
+    }
+
+    const int32 width = static_cast<int32>(998.0f * scaling.scale + 0.5f);
+    const int32 height = static_cast<int32>(634.0f * scaling.scale + 0.5f);
+    ViewRect size;
+    ASSERT_EQ(view->getSize(&size), kResultOk);
+    EXPECT_EQ(size.getWidth(), width);
+    EXPECT_EQ(size.getHeight(), height);
+    ASSERT_FALSE(frame.requests.empty());
+    EXPECT_EQ(frame.requests.back(), std::make_pair(width, height));
+    const SIZE client = clientSize(windowOf(*view));
+    EXPECT_EQ(client.cx, width);
+    EXPECT_EQ(client.cy, height);
+    EXPECT_NEAR(view->scaleX(), 1.0f / scaling.scale, 0.002f);
+    EXPECT_NEAR(view->scaleY(), 1.0f / scaling.scale, 0.002f);
+    view->paint();
+    EXPECT_EQ(scaleSupport->setContentScaleFactor(0.0f), kInvalidArgument);
+    view->removed();
+    view->setFrame(nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(BeforeAndAfterAttached, EditorScale,
+                         ::testing::Values(ScaleCase{1.0f, true}, ScaleCase{1.5f, true},
+                                           ScaleCase{2.0f, true}, ScaleCase{1.0f, false},
+                                           ScaleCase{1.5f, false}, ScaleCase{2.0f, false}));
 
 } // namespace

@@ -109,7 +109,8 @@ TEST_F(Manager, NullPresenterRestoresTheWindowOrElseTheDefaultButton)
     EXPECT_EQ(manager.show(dialogue), 5);
 }
 
-TEST_F(Manager, EditorErrorIsAnErrorBoxWithTheCaptionAndText)
+// The editor's views show its caption and text (EditorViewTest.cpp); the greying is any box's.
+TEST_F(Manager, EditorErrorIsAnErrorBox)
 {
     MBXIcon icon = MBXIcon::kNone;
     gWhilePresented = [&icon](const MBXObject& shown)
@@ -119,9 +120,6 @@ TEST_F(Manager, EditorErrorIsAnErrorBoxWithTheCaptionAndText)
     };
     showEditorError("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context.");
     EXPECT_EQ(icon, MBXIcon::kError);
-    EXPECT_EQ(gPresented, std::vector<std::string>{
-                              "Plug-In Editor Failed to Open|Failed to create compatible OpenGL context."});
-    EXPECT_EQ(first.calls, (Calls{true, false}));
 }
 
 } // namespace

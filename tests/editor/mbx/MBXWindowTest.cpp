@@ -5,7 +5,7 @@
 #include "editor/mbx/MBXManager.h"
 #include "editor/mbx/MBXMessage.h"
 #include "platform/window/TestHostWindow.h"
-#include "tools/contact_sheet/PngWriter.h"
+#include "tools/editor_host/WindowCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -63,41 +63,15 @@ Step post(UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
     return [=](HWND box) { PostMessageA(box, message, wParam, lParam); };
 }
 
-// The window's pixels as the screen has them, in the canvas's layout.
-CanvasBuffer capture(HWND window, int width, int height)
-{
-    CanvasBuffer picture(width, height);
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof(info.bmiHeader), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    HDC windowDc = GetDC(window);
-    HDC memory = CreateCompatibleDC(windowDc);
-    HBITMAP bitmap = CreateDIBSection(windowDc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ previous = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, width, height, windowDc, 0, 0, SRCCOPY);
-    const auto* bgra = static_cast<const std::uint8_t*>(bits);
-    std::uint8_t* rgba = picture.canvas().pixels;
-    for (int i = 0; i < width * height; ++i)
-    {
-        rgba[i * 4] = bgra[i * 4 + 2];
-        rgba[i * 4 + 1] = bgra[i * 4 + 1];
-        rgba[i * 4 + 2] = bgra[i * 4];
-        rgba[i * 4 + 3] = 255;
-    }
-    SelectObject(memory, previous);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    ReleaseDC(window, windowDc);
-    return picture;
-}
-
-int differingPixels(const CanvasBuffer& a, const CanvasBuffer& b, int width, int height)
+// How many pixels of the screenshot differ from the canvas by more than a rounding.
+int differingPixels(const velmoran::editorhost::Screenshot& shown, const CanvasBuffer& expected)
 {
     int differing = 0;
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
+    for (int y = 0; y < shown.height; ++y)
+        for (int x = 0; x < shown.width; ++x)
             for (int channel = 0; channel < 3; ++channel)
-                if (std::abs(a.pixel(x, y)[channel] - b.pixel(x, y)[channel]) > 2)
+                if (std::abs(shown.rgba[(static_cast<std::size_t>(y) * shown.width + x) * 4 + channel] -
+                             expected.pixel(x, y)[channel]) > 2)
                 {
                     ++differing;
                     break;
@@ -192,20 +166,16 @@ TEST_F(BoxWindow, FollowsTheEditorsScale)
     const MBXRect cancel = layout.buttons[1];
     const LPARAM onCancel = MAKELPARAM(static_cast<int>((cancel.x + cancel.width / 2) * 1.5f),
                                        static_cast<int>((cancel.y + cancel.height / 2) * 1.5f));
-    SIZE client{};
-    const int chosen =
-        runWith(okCancel, {[&client](HWND box)
-                           {
-                               RECT area{};
-                               GetClientRect(box, &area);
-                               client = {area.right, area.bottom};
-                               UpdateWindow(box);
-                               EXPECT_TRUE(velmoran::tools::writePng(
-                                   "mbx-dialogue-150.png", capture(box, area.right, area.bottom).image()));
-                           },
-                           click(onCancel, onCancel)});
-    EXPECT_EQ(client.cx, static_cast<LONG>(layout.width * 1.5f + 0.5f));
-    EXPECT_EQ(client.cy, static_cast<LONG>(layout.height * 1.5f + 0.5f));
+    velmoran::editorhost::Screenshot shown;
+    const int chosen = runWith(okCancel, {[&shown](HWND box)
+                                          {
+                                              UpdateWindow(box);
+                                              shown = velmoran::editorhost::captureWindow(box);
+                                          },
+                                          click(onCancel, onCancel)});
+    EXPECT_EQ(shown.width, static_cast<int>(layout.width * 1.5f + 0.5f));
+    EXPECT_EQ(shown.height, static_cast<int>(layout.height * 1.5f + 0.5f));
+    EXPECT_TRUE(saveScreenshot(shown, "mbx-dialogue-150.png"));
     EXPECT_EQ(chosen, 1);
     editor.scale = 1.0f;
 }
@@ -257,9 +227,10 @@ TEST_F(BoxWindow, ScreenShowsTheComposedAboutAndErrorBoxesCentred)
             EXPECT_EQ(frame.bottom - frame.top, layout.height);
             EXPECT_TRUE(IsWindowVisible(window) && editor.greyed);
             UpdateWindow(window);
-            const CanvasBuffer shown = capture(window, layout.width, layout.height);
-            EXPECT_EQ(differingPixels(shown, composed, layout.width, layout.height), 0);
-            EXPECT_TRUE(velmoran::tools::writePng(sample.file, shown.image()));
+            const velmoran::editorhost::Screenshot shown = velmoran::editorhost::captureWindow(window);
+            ASSERT_EQ(shown.width, layout.width);
+            EXPECT_EQ(differingPixels(shown, composed), 0);
+            EXPECT_TRUE(saveScreenshot(shown, sample.file));
         };
         EXPECT_EQ(runWith(*sample.box, {look, post(WM_KEYDOWN, VK_RETURN)}), 0);
         EXPECT_FALSE(editor.greyed);
