@@ -34,13 +34,7 @@ SpeakerArrangement arrangementOf(IAudioProcessor* processor, BusDirection direct
     return arrangement;
 }
 
-class PlugProcessor : public testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
-    PluginInstance plugin{false};
-};
+using PlugProcessor = WithInstance<>;
 
 // Starts stereo in and out with one event input; null arrangements are refused.
 TEST_F(PlugProcessor, OffersStereoInOutAndOneEventInput)
@@ -77,13 +71,11 @@ struct BusCase
     const char* inputNameAfter;
 };
 
-using PlugBusArrangement = testing::TestWithParam<BusCase>;
+using PlugBusArrangement = WithInstance<testing::TestWithParam<BusCase>>;
 
 TEST_P(PlugBusArrangement, AcceptsMonoAndStereoPairsOnlyAndProcessesThem)
 {
     const BusCase& busCase = GetParam();
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
     if (busCase.before != 0)
     {
         SpeakerArrangement in = busCase.before;
