@@ -74,7 +74,6 @@ template <typename Case> std::string NameOf(const ::testing::TestParamInfo<Case>
     return info.param.name;
 }
 
-const Configure kNothing = [](BandEngine&) {};
 const Configure kBoost = [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 1000.0f, 12.0f); };
 
 // Switched out, and switched in with no band, the engine hands back the input bit for bit.
@@ -142,16 +141,19 @@ INSTANTIATE_TEST_SUITE_P(
                       ListenCase{"LowPassIsHighPass", kTypeLowPass, kStereo, 10000.0, 100.0}),
     NameOf<ListenCase>);
 
-// The shown settings are the designed ones: taken at once on switching in, then a tenth of the
-// way to a new target after the first 512-sample cross-fade, and the target itself once settled.
+// The shown settings are the designed ones: taken at once on switching in (a frequency beyond the
+// range as its end), then a tenth of the way to a new target after the first 512-sample
+// cross-fade, and the target itself once settled.
 TEST(BandEngineTest, CurrentSettingsFollowTheDesign)
 {
     BandEngine engine;
     SetBand(engine, 4, kTypePeakHalfGain, 100.0f, -9.0f);
+    engine.setBandFrequency(5, 1e9f);
     engine.setEffectOn(true);
     engine.updateBlock(kChunk);
     EXPECT_EQ(engine.currentBandFrequency(4), 100.0f);
     EXPECT_EQ(engine.currentBandGain(4), -9.0f);
+    EXPECT_EQ(engine.currentBandFrequency(5), 20000.0f);
     engine.setBandFrequency(4, 1000.0f);
     engine.setBandGain(4, 9.0f);
     ProcessInChunks(engine, std::vector<float>(8 * kChunk, 0.0f));
@@ -165,19 +167,18 @@ struct JumpCase
 {
     const char* name;
     Configure configure; // before switching in
-    Configure prepare;   // after settling, before the tone
     Configure change;
 };
 
 using SettingJumpTest = ::testing::TestWithParam<JumpCase>;
 
 // A 1 kHz tone of amplitude A changes by at most 2 sin(pi f / fs) A between samples; anything
-// much steeper during a change is a click.
+// much steeper during a change is a click. The click test measures each band setting changed on its
+// own far more finely; these are the changes it leaves out.
 TEST_P(SettingJumpTest, NoStepInTheOutput)
 {
     const JumpCase& c = GetParam();
     auto engine = MakeEngine(c.configure);
-    c.prepare(*engine);
     const auto tone = MakeSine(1000.0, kRate, static_cast<std::size_t>(kRate * 2), 0.25);
     // 24064 is a chunk boundary a third of a period into the tone, where it is far from zero.
     const Stereo output = ProcessInChunks(*engine, tone, 24064, c.change);
@@ -196,48 +197,22 @@ TEST_P(SettingJumpTest, NoStepInTheOutput)
 
 INSTANTIATE_TEST_SUITE_P(
     Changes, SettingJumpTest,
-    ::testing::Values(
-        JumpCase{"TypePeakToHighShelf", kBoost, kNothing,
-                 [](BandEngine& e) { e.setBandType(4, kTypeHighShelf); }},
-        JumpCase{"TypePeakToLowPass", kBoost, kNothing,
-                 [](BandEngine& e) { e.setBandType(4, kTypeLowPass); }},
-        JumpCase{"TypeToNone", kBoost, kNothing, [](BandEngine& e) { e.setBandType(4, kTypeNone); }},
-        JumpCase{"TypeFromNone", [](BandEngine& e) { SetBand(e, 4, kTypeNone, 1000.0f, 12.0f); }, kNothing,
-                 [](BandEngine& e) { e.setBandType(4, kTypePeakHalfGain); }},
-        JumpCase{"GainCutToBoost", [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 1000.0f, -18.0f); },
-                 kNothing, [](BandEngine& e) { e.setBandGain(4, 18.0f); }},
-        JumpCase{"FrequencyAcrossTheTone",
-                 [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 200.0f, 12.0f); }, kNothing,
-                 [](BandEngine& e) { e.setBandFrequency(4, 5000.0f); }},
-        JumpCase{"QNarrowToWide",
-                 [](BandEngine& e) { SetBand(e, 4, kTypePeakHalfGain, 1200.0f, 12.0f, 5.0f); }, kNothing,
-                 [](BandEngine& e) { e.setBandQ(4, 0.3f); }},
-        JumpCase{"ResonantLowPassDown",
-                 [](BandEngine& e) { SetBand(e, 4, kTypeLowPass, 2000.0f, 0.0f, 5.0f); }, kNothing,
-                 [](BandEngine& e) { e.setBandFrequency(4, 300.0f); }},
-        JumpCase{"AllAtOnce", kBoost, kNothing,
-                 [](BandEngine& e)
-                 {
-                     e.setBandType(4, kTypeLowShelf);
-                     e.setBandFrequency(4, 3000.0f);
-                     e.setBandGain(4, -15.0f);
-                     e.setBandQ(4, 4.0f);
-                 }},
-        JumpCase{"ModeStereoToLeft", kBoost, kNothing, [](BandEngine& e) { e.setBandMode(4, kLeft); }},
-        JumpCase{"BandSwitchedOff", kBoost, kNothing, [](BandEngine& e) { e.setBandEnabled(4, false); }},
-        JumpCase{"BandSwitchedOn", kBoost, [](BandEngine& e) { e.setBandEnabled(4, false); },
-                 [](BandEngine& e) { e.setBandEnabled(4, true); }},
-        JumpCase{"SoloOn", kBoost, kNothing, [](BandEngine& e) { e.setSoloBand(4); }},
-        JumpCase{"SoloOff", kBoost, [](BandEngine& e) { e.setSoloBand(4); },
-                 [](BandEngine& e) { e.setSoloBand(0); }},
-        JumpCase{"InputGain", [](BandEngine& e) { e.setInputGainDb(-6.0f); }, kNothing,
-                 [](BandEngine& e) { e.setInputGainDb(6.0f); }},
-        JumpCase{"OutputGain", [](BandEngine& e) { e.setOutputGainDb(6.0f); }, kNothing,
-                 [](BandEngine& e) { e.setOutputGainDb(-6.0f); }},
-        JumpCase{"EffectOff", kBoost, kNothing, [](BandEngine& e) { e.setEffectOn(false); }},
-        JumpCase{"EffectOn", kBoost, [](BandEngine& e) { e.setEffectOn(false); },
-                 [](BandEngine& e) { e.setEffectOn(true); }},
-        JumpCase{"PolarityFlip", kBoost, kNothing, [](BandEngine& e) { e.setPolarityInverted(true); }}),
+    ::testing::Values(JumpCase{"ResonantLowPassDown",
+                               [](BandEngine& e) { SetBand(e, 4, kTypeLowPass, 2000.0f, 0.0f, 5.0f); },
+                               [](BandEngine& e) { e.setBandFrequency(4, 300.0f); }},
+                      JumpCase{"AllAtOnce", kBoost,
+                               [](BandEngine& e)
+                               {
+                                   e.setBandType(4, kTypeLowShelf);
+                                   e.setBandFrequency(4, 3000.0f);
+                                   e.setBandGain(4, -15.0f);
+                                   e.setBandQ(4, 4.0f);
+                               }},
+                      JumpCase{"InputGain", [](BandEngine& e) { e.setInputGainDb(-6.0f); },
+                               [](BandEngine& e) { e.setInputGainDb(6.0f); }},
+                      JumpCase{"OutputGain", [](BandEngine& e) { e.setOutputGainDb(6.0f); },
+                               [](BandEngine& e) { e.setOutputGainDb(-6.0f); }},
+                      JumpCase{"PolarityFlip", kBoost, [](BandEngine& e) { e.setPolarityInverted(true); }}),
     NameOf<JumpCase>);
 
 struct ReturnCase
@@ -317,29 +292,6 @@ TEST_P(PolarityRampTest, InversionRampsOverTwentyMilliseconds)
 
 INSTANTIATE_TEST_SUITE_P(Rates, PolarityRampTest, ::testing::Values(48000.0f, 44100.0f, 96000.0f));
 
-TEST(BandEngineTest, NonFiniteInputIsTakenAsSilence)
-{
-    auto engine = MakeEngine(
-        [](BandEngine& e)
-        {
-            SetBand(e, 4, kTypePeakHalfGain, 1000.0f, 12.0f);
-            SetBand(e, 7, kTypeLowPass, 8000.0f, 0.0f, 5.0f);
-            e.setAnalyserOn(true);
-            e.setAnalyserSourceOutput(true);
-        });
-    auto left = MakeSine(1000.0, kRate, 9600, 0.25);
-    auto right = left;
-    left[100] = kNaN;
-    left[200] = kInfinity;
-    right[300] = -kInfinity;
-    right[400] = kNaN;
-    const Stereo output = ProcessInChunks(*engine, left, right);
-    for (std::size_t i = 0; i < output.left.size(); ++i)
-        ASSERT_TRUE(std::isfinite(output.left[i]) && std::isfinite(output.right[i])) << i;
-    for (int bin = 0; bin < 2048; ++bin)
-        ASSERT_TRUE(std::isfinite(engine->analyserMagnitudes()[bin]));
-}
-
 struct SettingCase
 {
     const char* name;
@@ -387,16 +339,6 @@ INSTANTIATE_TEST_SUITE_P(
         SettingCase{"GainBeyondTheRange", [](BandEngine& e) { e.setBandGain(4, 1000.0f); }, kRate, 18.0},
         SettingCase{"SampleRate96k", [](BandEngine& e) { e.setSampleRate(96000.0f); }, 96000.0}),
     NameOf<SettingCase>);
-
-// The analyser's new rate shows in the identity test, whose reference analyser is set apart.
-TEST(BandEngineTest, FrequencyBeyondTheRangeShowsItsEnd)
-{
-    BandEngine engine;
-    engine.setBandFrequency(5, 1e9f);
-    engine.setEffectOn(true);
-    engine.updateBlock(kChunk);
-    EXPECT_EQ(engine.currentBandFrequency(5), 20000.0f);
-}
 
 TEST(BandEngineTest, ResetSilencesFilterTails)
 {

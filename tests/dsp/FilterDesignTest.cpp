@@ -240,26 +240,4 @@ TEST(BandRecord, SilenceClearingAndUnknownCodes)
     }
 }
 
-// sample rate, type code, whether through the audio thread's entry
-using EverySetting = ::testing::TestWithParam<std::tuple<float, int, bool>>;
-
-TEST_P(EverySetting, GivesFiniteStableCoefficients)
-{
-    const auto [fs, type, forBand] = GetParam();
-    for (double f : LogSpaced(20.0, 20000.0, 31))
-        for (float gainDb = -18.0f; gainDb <= 18.0f; gainDb += 3.0f)
-            for (double q : LogSpaced(0.3, 5.0, 7))
-            {
-                const float fHz = static_cast<float>(f);
-                const float qf = static_cast<float>(q);
-                const BiquadCoefficients c =
-                    forBand ? DesignForBand(type, fHz, gainDb, qf, fs) : Design(type, fHz, gainDb, qf, fs);
-                ASSERT_TRUE(IsFinite(c) && IsStable(c)) << f << " Hz " << gainDb << " dB Q " << q;
-            }
-}
-
-INSTANTIATE_TEST_SUITE_P(Designs, EverySetting,
-                         ::testing::Combine(::testing::Values(44100.0f, 48000.0f, 96000.0f),
-                                            ::testing::Range(2, 12), ::testing::Bool()));
-
 } // namespace

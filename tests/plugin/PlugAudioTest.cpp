@@ -43,10 +43,10 @@ void setUpAsNewProcessor(velmoran::dsp::BandEngine& engine)
     engine.setSoloBand(0);
 }
 
-TEST(PlugAudio, ModuleMatchesTheEngineSampleForSample)
+using PlugAudio = WithInstance<>;
+
+TEST_F(PlugAudio, ModuleMatchesTheEngineSampleForSample)
 {
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
     ProcessSetup setup{kRealtime, kSample32, 1024, 48000.0};
     ASSERT_EQ(plugin.processor->setupProcessing(setup), kResultOk);
     ASSERT_EQ(plugin.component->setActive(true), kResultOk);

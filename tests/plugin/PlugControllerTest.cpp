@@ -38,13 +38,11 @@ struct ExpectedParameter
     int32 flags;
 };
 
-using PlugParameterInfo = testing::TestWithParam<ExpectedParameter>;
+using PlugParameterInfo = WithInstance<testing::TestWithParam<ExpectedParameter>>;
 
 TEST_P(PlugParameterInfo, RegisteredInHostOrder)
 {
     const ExpectedParameter& expected = GetParam();
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
     ASSERT_EQ(plugin.controller->getParameterCount(), 70);
     ParameterInfo info;
     ASSERT_EQ(plugin.controller->getParameterInfo(expected.index, info), kResultOk);
@@ -112,13 +110,7 @@ struct TextCase
 };
 
 // A fresh instance per case, so no case can lean on another's edits.
-class PlugText : public testing::TestWithParam<TextCase>
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
-    PluginInstance plugin{false};
-};
+using PlugText = WithInstance<testing::TestWithParam<TextCase>>;
 
 using PlugValueText = PlugText;
 

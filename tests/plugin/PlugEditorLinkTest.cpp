@@ -99,17 +99,6 @@ TEST_F(PlugEditorLink, ProcessorAnalysesOnlyWhileAnEditorIsOpen)
     EXPECT_EQ(frameAfterProcessing(0.3, 0.0), settled);
 }
 
-// Without a processor at the other end the call has nowhere to go and does nothing.
-TEST(PlugEditorLinkAlone, UnconnectedControllerTakesTheCall)
-{
-    HostApplication host;
-    IPtr<Velmoran::CPlugController> controller = owned(new Velmoran::CPlugController());
-    ASSERT_EQ(controller->initialize(&host), kResultOk);
-    controller->setEditorOpen(true);
-    controller->setEditorOpen(false);
-    EXPECT_EQ(controller->terminate(), kResultOk);
-}
-
 // A frame up to the exchanged size is kept byte for byte (a shorter one over its own length), a
 // larger one is dropped whole; "setActive" brings the rate; a binary message without "FFTData" is
 // not the link's.

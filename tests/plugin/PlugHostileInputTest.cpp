@@ -43,11 +43,9 @@ private:
 
 IMPLEMENT_FUNKNOWN_METHODS(MessageWithoutAttributes, IMessage, IMessage::iid)
 
-class PlugHostileInput : public testing::Test
+class PlugHostileInput : public WithInstance<>
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
     std::string textOf(ParamID tag, ParamValue value)
     {
         String128 text{};
@@ -55,8 +53,6 @@ protected:
             return "(refused)";
         return asciiOf(text);
     }
-
-    PluginInstance plugin{false};
 };
 
 TEST_F(PlugHostileInput, IndicesOutOfRangeAreRefusedWithoutThrowing)

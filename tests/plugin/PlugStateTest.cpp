@@ -29,13 +29,7 @@ std::vector<float> distinctState()
     return values;
 }
 
-class PlugState : public testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
-    PluginInstance plugin{false};
-};
+using PlugState = WithInstance<>;
 
 TEST_F(PlugState, DefaultStateIs276BytesInDocumentedOrder)
 {
@@ -102,12 +96,10 @@ TEST_F(PlugState, EarlierAndPartialStatesKeepWhatTheyDoNotHold)
     EXPECT_FLOAT_EQ(after[60], 0.5f); // 03 Mode kept
 }
 
-using PlugDamagedState = testing::TestWithParam<size_t>;
+using PlugDamagedState = WithInstance<testing::TestWithParam<size_t>>;
 
 TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
 {
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
     const std::vector<char> before = stateBytes(plugin.component);
     std::vector<char> bytes(GetParam());
     for (size_t index = 0; index < bytes.size(); ++index)

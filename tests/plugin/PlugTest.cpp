@@ -34,13 +34,7 @@ SpeakerArrangement arrangementOf(IAudioProcessor* processor, BusDirection direct
     return arrangement;
 }
 
-class PlugProcessor : public testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
-    PluginInstance plugin{false};
-};
+using PlugProcessor = WithInstance<>;
 
 // Starts stereo in and out with one event input; null arrangements are refused.
 TEST_F(PlugProcessor, OffersStereoInOutAndOneEventInput)
@@ -77,13 +71,11 @@ struct BusCase
     const char* inputNameAfter;
 };
 
-using PlugBusArrangement = testing::TestWithParam<BusCase>;
+using PlugBusArrangement = WithInstance<testing::TestWithParam<BusCase>>;
 
 TEST_P(PlugBusArrangement, AcceptsMonoAndStereoPairsOnlyAndProcessesThem)
 {
     const BusCase& busCase = GetParam();
-    PluginInstance plugin(false);
-    ASSERT_TRUE(plugin.valid());
     if (busCase.before != 0)
     {
         SpeakerArrangement in = busCase.before;
@@ -124,8 +116,9 @@ INSTANTIATE_TEST_SUITE_P(
         BusCase{"Surround", 0, {k51}, {k51}, kResultFalse, kStereo, kStereo, "Stereo In"}),
     [](const testing::TestParamInfo<BusCase>& info) { return std::string(info.param.name); });
 
-// The last point of a queue is the value taken; a block of no samples still applies its changes.
-TEST_F(PlugProcessor, ChangesTakeTheLastPointEvenInAnEmptyBlock)
+// The last point of a queue is the value taken (that a block of no samples applies its changes too
+// is what the state and program tests rely on).
+TEST_F(PlugProcessor, ChangesTakeTheLastPointOfTheQueue)
 {
     auto changes = owned(new ParameterChanges());
     int32 index = 0;
@@ -136,13 +129,7 @@ TEST_F(PlugProcessor, ChangesTakeTheLastPointEvenInAnEmptyBlock)
     std::vector<std::vector<float>> inputs(2, std::vector<float>(128));
     std::vector<std::vector<float>> outputs(2, std::vector<float>(128));
     ASSERT_EQ(processBlock(plugin.processor, inputs, outputs, 128, changes), kResultOk);
-    ASSERT_EQ(applyChanges(plugin.processor,
-                           changesOf({{Plug::kSoloTag, 3.0 / 12.0}, {Plug::kHostBypassTag, 1.0}})),
-              kResultOk);
-    const std::vector<float> state = stateValues(plugin.component);
-    EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::gainTag(1))], 0.9f);
-    EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::kSoloTag)], 0.25f);
-    EXPECT_FLOAT_EQ(state[stateIndexOf(Plug::kHostBypassTag)], 1.0f);
+    EXPECT_FLOAT_EQ(stateValues(plugin.component)[stateIndexOf(Plug::gainTag(1))], 0.9f);
 }
 
 TEST_F(PlugProcessor, UnknownTagsAndBadValuesLeaveEverythingAsItWas)

@@ -18,6 +18,8 @@
 #include "pluginterfaces/vst/ivstunits.h"
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,6 +39,16 @@ class PluginInstance : public Steinberg::Vst::PluginInstance
 {
 public:
     explicit PluginInstance(bool connect = true);
+};
+
+// A test, or a table's case (Base a TestWithParam), with a fresh instance whose processor and
+// controller stand unconnected.
+template <typename Base = testing::Test> class WithInstance : public Base
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
+
+    PluginInstance plugin{false};
 };
 
 using Steinberg::Vst::stateBytes;

@@ -8,12 +8,13 @@
 #include "sdk/hosting/ParameterChanges.h"
 #include "sdk/hosting/ProcessBlock.h"
 
+#include "support/Signals.h"
+
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cmath>
 #include <thread>
 #include <vector>
 
@@ -70,11 +71,7 @@ protected:
     // none has come within the given seconds.
     bool spectrumArrives(int seconds)
     {
-        std::vector<std::vector<float>> inputs(2, std::vector<float>(480));
-        for (auto& channel : inputs)
-            for (size_t i = 0; i < channel.size(); ++i)
-                channel[i] =
-                    static_cast<float>(0.5 * std::sin(6.283185307179586 * static_cast<double>(i) / 48.0));
+        std::vector<std::vector<float>> inputs(2, velmoran::testing::MakeSine(1000.0, 48000.0, 480, 0.5));
         std::vector<std::vector<float>> outputs = inputs;
         auto fftOn = owned(new ParameterChanges());
         int32 index = 0;

@@ -129,40 +129,6 @@ INSTANTIATE_TEST_SUITE_P(Formats, RenderToolNull,
                                                      88200}),
                          [](const testing::TestParamInfo<SoundFormat>& info) { return info.param.name; });
 
-struct PeakCase
-{
-    const char* name;
-    const char* type;
-    int sampleRate;
-};
-
-class RenderToolPeak : public testing::TestWithParam<PeakCase>
-{
-};
-
-TEST_P(RenderToolPeak, SixDecibelBandAtOneKilohertzMeasuresSixDecibels)
-{
-    ScratchFolder folder;
-    const int rate = GetParam().sampleRate;
-    writeSound(folder.file("sine.wav"), sine(1000.0, -20.0, 2.0, rate, 2), SF_FORMAT_WAV | SF_FORMAT_FLOAT,
-               rate, 2);
-    const ToolRun run = runTool({"--set", "Input Gain=0 dB", "--set", "Output Gain=0 dB", "--set",
-                                 std::string("06 Filt Type=") + GetParam().type, "--set", "06 Freq=1000 Hz",
-                                 "--set", "06 Gain=+6 dB", folder.file("sine.wav"), folder.file("out.wav")});
-    ASSERT_EQ(run.exitCode, 0) << run.errors;
-    const Sound input = readSound(folder.file("sine.wav"));
-    const Sound output = readSound(folder.file("out.wav"));
-    const size_t settled = static_cast<size_t>(rate) / 2;
-    for (int channel = 0; channel < 2; ++channel)
-        EXPECT_NEAR(rmsDb(output, channel, settled) - rmsDb(input, channel, settled), 6.0, 0.1);
-}
-
-INSTANTIATE_TEST_SUITE_P(Peaks, RenderToolPeak,
-                         testing::Values(PeakCase{"HalfGain48k", "Pk dB/2", 48000},
-                                         PeakCase{"Minus3Db44k", "Peak -3dB", 44100},
-                                         PeakCase{"Plus3Db96k", "Peak +3dB", 96000}),
-                         [](const testing::TestParamInfo<PeakCase>& info) { return info.param.name; });
-
 // At 22.05 kHz the defaults' 16 kHz shelf lies beyond Nyquist: a 16-bit render is still the music,
 // level for level as at 44.1 kHz, not full-scale noise.
 TEST(RenderTool, DefaultsAtHalfTheRateSoundAsAtTheFullRate)
@@ -336,13 +302,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "value 69 is 2.000000; every value of a saved state lies in 0..1",
                 "head -c 272 /dev/zero >x && printf '\\000\\000\\000\\100' >>x &&"),
         refused("EmptyInput", 2, {"", "@out.wav"}, "an empty file name"),
-        refused("EmptyState", 2, {"--load-state", "", "@in.wav", "@out.wav"},
-                "--load-state needs a value, not an empty one"),
         refused("UnknownExtension", 2, {"@in.wav", "@out.mp3"}, "wav, aiff or flac, not 'mp3'"),
         refused("UnknownFormat", 2, {"--format", "mp3", "@in.wav", "@out.wav"},
                 "wav, aiff or flac, not 'mp3'"),
-        refused("RepeatedPreset", 2, {"--preset", "2", "--preset=3", "@in.wav", "@out.wav"},
-                "--preset is given twice"),
         refused("SoloOfNoBand", 2, {"--set", "Solo=11", "@in.wav", "@out.wav"}, "one of: None, 01, 02"),
         refused("CtrlC", 130, {"@feed.wav", "@out.wav"}, "", "mkfifo feed.wav &&", SIGINT),
         refused("Terminated", 143, {"@feed.wav", "@out.wav"}, "", "mkfifo feed.wav &&", SIGTERM)),
