@@ -427,6 +427,9 @@ void EditorScreen::startGainDrag(int marker, float y)
     beginGesture({marker == ResponseGraph::kOutputGainMarker ? kOutputGainTag : kInputGainTag});
     mGainDrag = marker;
     mLastY = y;
+    // The gain's readout takes the place of any band's box.
+    for (auto& box : mInfoBoxes)
+        box->setVisible(false);
     mDragY = mGraph.slot(marker).handleY;
     mGraph.setDragged(marker, true);
     postStatus(markerHoverText(marker));

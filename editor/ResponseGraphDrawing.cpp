@@ -42,6 +42,8 @@ constexpr float kRingInnerRadius = 9.5f;
 constexpr float kMarkerDotRadius = 4.0f;
 // A gain marker's line would only hide the 0 dB grid line below a tenth of a decibel.
 constexpr float kMarkerLineMinDb = 0.1f;
+// A gain line crosses the whole graph, so it is drawn heavier than the grid to read as a level.
+constexpr float kGainLineThickness = 2.0f;
 
 Rgba scaledAlpha(Rgba colour, float share)
 {
@@ -58,9 +60,11 @@ void verticalLine(Painter& painter, const Rect& plot, float x, Rgba colour)
     painter.fillRect({static_cast<float>(wholePixel(x)), plot.y, 1.0f, plot.height}, colour);
 }
 
-void horizontalLine(Painter& painter, const Rect& plot, float y, Rgba colour)
+void horizontalLine(Painter& painter, const Rect& plot, float y, Rgba colour, float thickness = 1.0f)
 {
-    painter.fillRect({plot.x, static_cast<float>(wholePixel(y)), plot.width, 1.0f}, colour);
+    painter.fillRect(
+        {plot.x, static_cast<float>(wholePixel(y)) - std::floor(thickness / 2.0f), plot.width, thickness},
+        colour);
 }
 
 bool withinColumns(const Rect& plot, float x)
@@ -224,7 +228,8 @@ void ResponseGraph::drawMarkers(Painter& painter) const
         const GraphSlot& gain = mSlots[index];
         if (gain.visible && std::fabs(gain.gainDb) >= kMarkerLineMinDb)
         {
-            horizontalLine(painter, plot, gain.handleY, withAlpha(gain.curveColour, kMarkerLineAlpha));
+            horizontalLine(painter, plot, gain.handleY, withAlpha(gain.curveColour, kMarkerLineAlpha),
+                           kGainLineThickness);
         }
     }
     const GraphSlot& readout = mSlots[kFrequencyMarker];
