@@ -182,6 +182,13 @@ TEST_P(SettingJumpTest, NoStepInTheOutput)
     const auto tone = MakeSine(1000.0, kRate, static_cast<std::size_t>(kRate * 2), 0.25);
     // 24064 is a chunk boundary a third of a period into the tone, where it is far from zero.
     const Stereo output = ProcessInChunks(*engine, tone, 24064, c.change);
+    // The change must have been made, or a missing one would pass as smooth: the last 0.2 s differ
+    // from the same tone through the engine left as it was.
+    const Stereo unchanged = ProcessInChunks(*MakeEngine(c.configure), tone);
+    double difference = 0.0;
+    for (std::size_t i = tone.size() - static_cast<std::size_t>(kRate / 5); i < tone.size(); ++i)
+        difference = std::max(difference, std::fabs(static_cast<double>(output.left[i] - unchanged.left[i])));
+    EXPECT_GT(difference, 0.05) << "the change never reached the output";
     const double sineSlope = 2.0 * std::sin(kPi * 1000.0 / kRate);
     for (const std::vector<float>* channel : {&output.left, &output.right})
     {
