@@ -81,6 +81,7 @@ public:
     void cancelGesture();
     // A message box opened (true) or closed: the surface is drawn grey meanwhile.
     void setGreyedOut(bool greyed) { mGreyedOut = greyed; }
+    bool greyedOut() const { return mGreyedOut; }
 
     // Posts a message on the status line for the whole cycle.
     void postStatus(const std::string& text);

@@ -51,12 +51,22 @@ int MBXManager::show(MBXObject& box)
     MBXPresenter present = mPresenter != nullptr         ? mPresenter
                            : mWindowPresenter != nullptr ? mWindowPresenter
                                                          : presentWithoutWindow;
+    boxOpened();
+    const int chosen = present(box);
+    boxClosed();
+    return chosen;
+}
+
+void MBXManager::boxOpened()
+{
     if (mBoxesShown++ == 0)
         tellEditors(true);
-    const int chosen = present(box);
-    if (--mBoxesShown == 0)
+}
+
+void MBXManager::boxClosed()
+{
+    if (mBoxesShown > 0 && --mBoxesShown == 0)
         tellEditors(false);
-    return chosen;
 }
 
 MBXPresenter MBXManager::setPresenter(MBXPresenter presenter)

@@ -45,6 +45,11 @@ public:
     // closes; a box shown from inside another one tells them nothing new.
     int show(MBXObject& box);
 
+    // A box that stays up after its presenter has returned (a window driven by the host's run loop)
+    // counts as shown from its opening to its closing: the editors stay greyed meanwhile.
+    void boxOpened();
+    void boxClosed();
+
     // Replaces how boxes are presented (tests); null goes back to the window presenter. Gives the
     // previous replacement (null when there was none).
     MBXPresenter setPresenter(MBXPresenter presenter);

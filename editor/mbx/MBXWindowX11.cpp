@@ -41,6 +41,8 @@ public:
             return false;
         }
         window->registerCallbacks();
+        MBXManager::instance().boxOpened();
+        window->mCounted = true;
         kit.setWindowTitle(window->mSlot, box.title().c_str());
         kit.showWindow(window->mSlot);
         return true;
@@ -49,6 +51,12 @@ public:
 private:
     MBXBoxWindow(const MBXObject& box, CPlatformWindows& kit) : mBox(box), mKit(kit), mLayout(layoutBox(box))
     {
+    }
+
+    ~MBXBoxWindow()
+    {
+        if (mCounted)
+            MBXManager::instance().boxClosed();
     }
 
     static MBXBoxWindow& of(void* user) { return *static_cast<MBXBoxWindow*>(user); }
@@ -164,6 +172,8 @@ private:
     int mHeldButton = -1;
     bool mLinkPressed = false;
     int mSlot = -1;
+    // Counted by the manager as a box shown, until this goes.
+    bool mCounted = false;
 };
 
 // True while an editor window is open, whose registration with the host's run loop also delivers

@@ -297,6 +297,7 @@ TEST_F(EditorInputX11Box, AboutBoxIsATransientWindowThatEscapeCloses)
 {
     const Window box = openAboutBox();
     ASSERT_NE(box, 0u);
+    EXPECT_TRUE(screen().greyedOut()) << "the editor waits, grey, while its box is up";
     EXPECT_TRUE(deliver([&] { return host.distinctColours(box) > 4; }));
     const int ticks = runLoop->ticks();
     EXPECT_TRUE(deliver([&] { return runLoop->ticks() > ticks + 2; }));
@@ -307,6 +308,7 @@ TEST_F(EditorInputX11Box, AboutBoxIsATransientWindowThatEscapeCloses)
     XTestFakeKeyEvent(host.display(), escape, True, 0);
     XTestFakeKeyEvent(host.display(), escape, False, 0);
     EXPECT_TRUE(deliver([this] { return kit().openWindowCount() == 1; }));
+    EXPECT_FALSE(screen().greyedOut());
 }
 
 TEST_F(EditorInputX11Box, BoxGoesWithTheLastEditor)
