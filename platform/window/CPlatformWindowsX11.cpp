@@ -344,72 +344,6 @@ void CPlatformWindows::handleDestroyed(int index)
     releaseDisplay();
 }
 
-void CPlatformWindows::resetSlot(int index)
-{
-    if (validSlot(index))
-        mSlots[index] = WindowSlot{};
-}
-
-void CPlatformWindows::setPaintCallback(int index, PaintCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].paint = callback;
-}
-
-void CPlatformWindows::setMouseDownCallback(int index, MouseCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].mouseDown = callback;
-}
-
-void CPlatformWindows::setMouseUpCallback(int index, MouseCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].mouseUp = callback;
-}
-
-void CPlatformWindows::setMouseMoveCallback(int index, MouseCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].mouseMove = callback;
-}
-
-void CPlatformWindows::setDoubleClickCallback(int index, MouseCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].doubleClick = callback;
-}
-
-void CPlatformWindows::setDestroyNotifyCallback(int index, NotifyCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].destroyNotify = callback;
-}
-
-void CPlatformWindows::setCloseQueryCallback(int index, CloseQueryCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].closeQuery = callback;
-}
-
-void CPlatformWindows::setKeyDownCallback(int index, KeyCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].keyDown = callback;
-}
-
-void CPlatformWindows::setKeyUpCallback(int index, KeyCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].keyUp = callback;
-}
-
-void CPlatformWindows::setFileDropCallback(int index, FileDropCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].fileDrop = callback;
-}
-
 bool CPlatformWindows::leftHeld() const
 {
     return std::any_of(mSlots.begin(), mSlots.end(),
@@ -426,24 +360,6 @@ void CPlatformWindows::resize(int index, int width, int height)
     XResizeWindow(sharedDisplay(), mSlots[index].window, static_cast<unsigned>(width),
                   static_cast<unsigned>(height));
     XFlush(sharedDisplay());
-}
-
-void CPlatformWindows::setPointerLostCallback(int index, NotifyCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].pointerLost = callback;
-}
-
-void CPlatformWindows::setMouseWheelCallback(int index, MouseCallback callback)
-{
-    if (validSlot(index))
-        mSlots[index].mouseWheel = callback;
-}
-
-void CPlatformWindows::setKeyHandler(int index, KeyHandler handler)
-{
-    if (validSlot(index))
-        mSlots[index].keyHandler = handler;
 }
 
 void CPlatformWindows::setTimerCallback(int index, TimerCallback callback)
