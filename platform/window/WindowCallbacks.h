@@ -16,6 +16,35 @@ using CloseQueryCallback = bool (*)(int slot, void* user);
 using TimerCallback = bool (*)(void* user);
 using NotifyCallback = void (*)(int slot, void* user);
 
+// The callbacks a window's events are turned into, all null in a free slot; each kit's slot
+// record starts with them.
+struct SlotCallbacks
+{
+    PaintCallback paint = nullptr;
+    MouseCallback mouseDown = nullptr;
+    MouseCallback mouseUp = nullptr;
+    MouseCallback mouseMove = nullptr;
+    MouseCallback doubleClick = nullptr;
+    NotifyCallback destroyNotify = nullptr; // the window went without the kit destroying it
+    CloseQueryCallback closeQuery = nullptr;
+    KeyCallback keyDown = nullptr;
+    KeyCallback keyUp = nullptr;
+    FileDropCallback fileDrop = nullptr;
+    TimerCallback timer = nullptr;
+    // The window lost the mouse or the keyboard to someone else (capture or grab taken, a modal
+    // loop cancelling the mode, focus gone, the window hidden): a held button's release will not
+    // arrive here.
+    NotifyCallback pointerLost = nullptr;
+    // The wheel with its delta (120 a notch) in place of the button code; when set, it takes the
+    // wheel instead of the press and release pair.
+    MouseCallback mouseWheel = nullptr;
+    // When set, it takes the keys in place of key-down and key-up, and the keys it leaves go to
+    // the host. On X11 keys reach the editor through the host's view calls instead.
+    KeyHandler keyHandler = nullptr;
+
+    void* user = nullptr;
+};
+
 // Mouse button codes handed to the mouse callbacks.
 enum MouseButton : int
 {

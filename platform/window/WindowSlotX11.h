@@ -10,33 +10,10 @@ namespace velmoran::platform
 
 // One entry of the window table: an X11 window of the plug-in and the callbacks its events are
 // turned into.
-struct WindowSlot
+struct WindowSlot : SlotCallbacks
 {
     NativeWindow window = 0;
     unsigned long colormap = 0;
-
-    PaintCallback paint = nullptr;
-    MouseCallback mouseDown = nullptr;
-    MouseCallback mouseUp = nullptr;
-    MouseCallback mouseMove = nullptr;
-    MouseCallback doubleClick = nullptr;
-    NotifyCallback destroyNotify = nullptr;
-    CloseQueryCallback closeQuery = nullptr;
-    KeyCallback keyDown = nullptr;
-    KeyCallback keyUp = nullptr;
-    FileDropCallback fileDrop = nullptr;
-    TimerCallback timer = nullptr;
-    // A held button's release will not arrive here any more (the window was hidden or lost the
-    // pointer mid-drag).
-    NotifyCallback pointerLost = nullptr;
-    // The wheel with its delta (120 a step) in place of the button code; when set, it takes the
-    // wheel instead of the press and release pair.
-    MouseCallback mouseWheel = nullptr;
-    // Keys reach the editor through the host's view calls, not the window; kept for the callers
-    // that share the Windows kit's set-up.
-    KeyHandler keyHandler = nullptr;
-
-    void* user = nullptr;
 
     float scale = 1.0f;
     int32_t width = 0;  // device pixels
