@@ -9,6 +9,7 @@
 #include <spawn.h>
 
 #include <cstdio>
+#include <deque>
 #include <string>
 
 extern char** environ;
@@ -23,6 +24,21 @@ using velmoran::platform::CPlatformWindows;
 
 constexpr int kVirtualKeyReturn = 0x0D;
 constexpr int kVirtualKeyEscape = 0x1B;
+
+// A box with no window: its title and text go to the standard error stream.
+void printBox(const MBXObject& box)
+{
+    std::fprintf(stderr, "%s: %s\n", box.title().c_str(), box.text().c_str());
+}
+
+// Boxes asked for while another is up wait here: as with the modal boxes on Windows, the user meets
+// them one at a time. Each counts as shown from its request, so the editors stay grey meanwhile.
+std::deque<MBXObject>& waitingBoxes()
+{
+    static std::deque<MBXObject> boxes;
+    return boxes;
+}
+int gOpenBoxWindows = 0;
 
 // One box on screen on X11: a top-level window of the kit, transient for the host's window, that
 // lives on its own after the presenter has returned. The host's run loop delivers its events with
@@ -43,6 +59,7 @@ public:
         window->registerCallbacks();
         MBXManager::instance().boxOpened();
         window->mCounted = true;
+        ++gOpenBoxWindows;
         kit.setWindowTitle(window->mSlot, box.title().c_str());
         kit.showWindow(window->mSlot);
         return true;
@@ -55,8 +72,33 @@ private:
 
     ~MBXBoxWindow()
     {
-        if (mCounted)
+        if (!mCounted)
+            return;
+        --gOpenBoxWindows;
+        MBXManager::instance().boxClosed();
+    }
+
+    // The next waiting box, once the user has answered this one.
+    static void openNextWaiting(CPlatformWindows& kit)
+    {
+        if (waitingBoxes().empty())
+            return;
+        const MBXObject next = waitingBoxes().front();
+        waitingBoxes().pop_front();
+        if (!open(next, kit))
+            printBox(next);
+        MBXManager::instance().boxClosed();
+    }
+
+    // Nothing will drive the waiting boxes' windows any more.
+    static void dropWaiting()
+    {
+        while (!waitingBoxes().empty())
+        {
+            printBox(waitingBoxes().front());
+            waitingBoxes().pop_front();
             MBXManager::instance().boxClosed();
+        }
     }
 
     static MBXBoxWindow& of(void* user) { return *static_cast<MBXBoxWindow*>(user); }
@@ -86,7 +128,11 @@ private:
         return false;
     }
     // The window went without a choice (the last editor closed, or the module unloads).
-    static void onDestroyed(int, void* user) { delete &of(user); }
+    static void onDestroyed(int, void* user)
+    {
+        delete &of(user);
+        dropWaiting();
+    }
 
     void registerCallbacks()
     {
@@ -161,8 +207,10 @@ private:
         if (mPointer.linkHovered)
             mKit.showHandCursor(false);
         const int slot = mSlot;
-        mKit.destroyWindow(slot);
+        CPlatformWindows& kit = mKit;
+        kit.destroyWindow(slot);
         delete this;
+        openNextWaiting(kit);
     }
 
     const MBXObject mBox;
@@ -194,8 +242,13 @@ int presentInWindow(const MBXObject& box)
     // hold the host's UI thread. The caller gets the default button at once. With no editor window
     // nothing would drive a box window, so the box goes to the standard error stream.
     CPlatformWindows* kit = CPlatformWindows::instance(false);
-    if (kit == nullptr || !editorWindowOpen(*kit) || !MBXBoxWindow::open(box, *kit))
-        std::fprintf(stderr, "%s: %s\n", box.title().c_str(), box.text().c_str());
+    if (kit != nullptr && editorWindowOpen(*kit) && gOpenBoxWindows > 0)
+    {
+        waitingBoxes().push_back(box);
+        MBXManager::instance().boxOpened();
+    }
+    else if (kit == nullptr || !editorWindowOpen(*kit) || !MBXBoxWindow::open(box, *kit))
+        printBox(box);
     return box.defaultButton();
 }
 
