@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace Steinberg::Vst::Velmoran
 {
@@ -20,6 +21,9 @@ constexpr int kIconSize = 24; // the sign images are 24 x 24 frames
 constexpr int kIconGap = 16;
 constexpr int kHeadingGap = 10;
 constexpr int kMaxTextWidth = 380;
+// A driver's compile log can run to hundreds of lines; the box keeps its first ones and stays on
+// the screen with its buttons.
+constexpr size_t kMaxMessageLines = 30;
 constexpr int kMinBoxWidth = 320;
 constexpr int kButtonHeight = 24; // the height of the button face image
 constexpr int kButtonMinWidth = 84;
@@ -176,8 +180,13 @@ MBXBoxLayout layoutBox(const MBXObject& box)
         textBottom += kHeadingGap;
     }
     layout.textWidth = kMaxTextWidth;
-    const std::vector<std::string> message =
+    std::vector<std::string> message =
         wrapText(measuring(text, kMBXBodyText), box.text(), static_cast<float>(kMaxTextWidth));
+    if (message.size() > kMaxMessageLines)
+    {
+        message.resize(kMaxMessageLines - 1);
+        message.push_back("...");
+    }
     textBottom = addLines(text, layout, message, kMBXBodyText, textLeft, textBottom, widest);
 
     const int buttonRow = sizeButtons(text, box, layout);

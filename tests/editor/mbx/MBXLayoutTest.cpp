@@ -93,4 +93,18 @@ TEST(MBXLayout, LinkThatWrapsIsCoveredOnBothLines)
     EXPECT_GT(layout.links[1].y, layout.links[0].y);
 }
 
+// A driver log of hundreds of lines keeps its first ones and leaves the box, buttons and all, on
+// a small screen.
+TEST(MBXLayout, LongLogIsCutToFitTheScreen)
+{
+    std::string log;
+    for (int line = 1; line <= 400; ++line)
+        log += "ERROR: 0:" + std::to_string(line) + ": syntax error\n";
+    const MBXBoxLayout layout = layoutBox(MBXErrorMessage("Velmoran: OpenGL Error", log));
+    EXPECT_LE(layout.height, 700);
+    ASSERT_FALSE(layout.lines.empty());
+    EXPECT_EQ(layout.lines.front().text, "ERROR: 0:1: syntax error");
+    EXPECT_EQ(layout.lines.back().text, "...");
+}
+
 } // namespace
