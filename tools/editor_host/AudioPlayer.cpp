@@ -4,6 +4,9 @@
 
 #include "pluginterfaces/vst/vstspeaker.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace velmoran::editorhost
 {
 
@@ -33,6 +36,15 @@ AudioPlayer::AudioPlayer(PluginInstance& instance)
 AudioPlayer::~AudioPlayer()
 {
     deactivate();
+}
+
+double AudioPlayer::lastPeakDb() const
+{
+    float peak = 0.0f;
+    for (const std::vector<float>& channel : mOutputs)
+        for (float sample : channel)
+            peak = std::max(peak, std::fabs(sample));
+    return 20.0 * std::log10(static_cast<double>(peak));
 }
 
 bool AudioPlayer::activate(std::string& error)

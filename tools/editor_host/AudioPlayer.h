@@ -43,8 +43,8 @@ public:
     // Processes every block due by now; false, with the reason in error, when a block fails.
     bool processDueBlocks(Clock::time_point now, std::string& error);
 
-    // The processor's output of the last block, left and right, kBlockFrames samples each.
-    const std::vector<std::vector<float>>& lastOutput() const { return mOutputs; }
+    // The peak of the last block over both channels, in dBFS (minus infinity for silence).
+    double lastPeakDb() const;
     // Blocks processed since activation.
     std::int64_t processedBlocks() const { return mProcessedBlocks; }
 

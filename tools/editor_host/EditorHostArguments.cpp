@@ -1,6 +1,7 @@
 #include "EditorHostArguments.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
@@ -193,6 +194,24 @@ std::optional<EditorHostArguments> parseArguments(const std::vector<std::string>
     parsed.modulePath = positional[0];
     parsed.outputPath = positional[1];
     return parsed;
+}
+
+int editorHostMain(int argc, char** argv, bool (*showEditor)(const EditorHostArguments&, std::string&))
+{
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::string error;
+    const std::optional<EditorHostArguments> parsed = parseArguments(arguments, error);
+    if (!parsed)
+    {
+        std::fprintf(stderr, "velmoran-editor-host: %s\n%s\n", error.c_str(), kEditorHostUsage);
+        return 2;
+    }
+    if (!showEditor(*parsed, error))
+    {
+        std::fprintf(stderr, "velmoran-editor-host: %s\n", error.c_str());
+        return 1;
+    }
+    return 0;
 }
 
 } // namespace velmoran::editorhost

@@ -56,4 +56,8 @@ struct EditorHostArguments
 std::optional<EditorHostArguments> parseArguments(const std::vector<std::string>& arguments,
                                                   std::string& error);
 
+// The program's main on either platform: reads the arguments and runs `showEditor` with them. Gives
+// 0 on success, 1 when the run failed and 2 for wrong arguments, each failure told on standard error.
+int editorHostMain(int argc, char** argv, bool (*showEditor)(const EditorHostArguments&, std::string&));
+
 } // namespace velmoran::editorhost

@@ -22,20 +22,6 @@ namespace
 // Time the editor runs after it was opened again, seconds: a few of its 40 ms timer ticks.
 constexpr double kReopenSeconds = 0.2;
 
-// Peak of the last output block in dBFS (-inf for silence).
-double lastBlockPeakDb(const EditorSession& session)
-{
-    float peak = 0.0f;
-    for (const std::vector<float>& channel : session.lastOutput())
-    {
-        for (float sample : channel)
-        {
-            peak = std::max(peak, std::fabs(sample));
-        }
-    }
-    return 20.0 * std::log10(static_cast<double>(peak));
-}
-
 bool openEditor(EditorSession& session, std::string& error)
 {
     if (!session.openEditor(error))
@@ -140,7 +126,7 @@ bool showEditor(const EditorHostArguments& arguments, std::string& error)
         }
     }
     std::printf("Played %lld blocks; last block peak %.1f dBFS\n",
-                static_cast<long long>(session->processedBlocks()), lastBlockPeakDb(*session));
+                static_cast<long long>(session->processedBlocks()), session->lastPeakDb());
     if (!saveScreenshot(session->screenshot(), arguments.outputPath))
     {
         error = "cannot write the screenshot to '" + arguments.outputPath + "'";
@@ -154,19 +140,5 @@ bool showEditor(const EditorHostArguments& arguments, std::string& error)
 
 int main(int argc, char** argv)
 {
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    std::string error;
-    const std::optional<EditorHostArguments> parsed = velmoran::editorhost::parseArguments(arguments, error);
-    if (!parsed)
-    {
-        std::fprintf(stderr, "velmoran-editor-host: %s\n%s\n", error.c_str(),
-                     velmoran::editorhost::kEditorHostUsage);
-        return 2;
-    }
-    if (!showEditor(*parsed, error))
-    {
-        std::fprintf(stderr, "velmoran-editor-host: %s\n", error.c_str());
-        return 1;
-    }
-    return 0;
+    return velmoran::editorhost::editorHostMain(argc, argv, showEditor);
 }

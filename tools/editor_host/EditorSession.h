@@ -55,8 +55,8 @@ public:
     // The signal played from the next block on (the demo mix until set).
     void setSignal(InputSignal signal) { mAudio->setSignal(std::move(signal)); }
 
-    // The processor's output of the last block, left and right.
-    const std::vector<std::vector<float>>& lastOutput() const { return mAudio->lastOutput(); }
+    // The peak of the last block played, in dBFS.
+    double lastPeakDb() const { return mAudio->lastPeakDb(); }
     // Blocks processed since the session started.
     std::int64_t processedBlocks() const { return mAudio->processedBlocks(); }
 

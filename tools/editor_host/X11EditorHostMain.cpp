@@ -249,7 +249,7 @@ public:
         return shown;
     }
 
-    const std::vector<std::vector<float>>& lastOutput() const { return mAudio->lastOutput(); }
+    double lastPeakDb() const { return mAudio->lastPeakDb(); }
     std::int64_t processedBlocks() const { return mAudio->processedBlocks(); }
 
 private:
@@ -303,15 +303,6 @@ private:
 };
 
 // Peak of the last output block in dBFS (-inf for silence).
-double lastBlockPeakDb(const X11EditorSession& session)
-{
-    float peak = 0.0f;
-    for (const std::vector<float>& channel : session.lastOutput())
-        for (float sample : channel)
-            peak = std::max(peak, std::fabs(sample));
-    return 20.0 * std::log10(static_cast<double>(peak));
-}
-
 bool showEditor(const EditorHostArguments& arguments, std::string& error)
 {
     X11EditorSession session;
@@ -327,7 +318,7 @@ bool showEditor(const EditorHostArguments& arguments, std::string& error)
             return false;
     }
     std::printf("Played %lld blocks; last block peak %.1f dBFS\n",
-                static_cast<long long>(session.processedBlocks()), lastBlockPeakDb(session));
+                static_cast<long long>(session.processedBlocks()), session.lastPeakDb());
     if (!session.saveScreenshot(arguments.outputPath))
     {
         error = "cannot write the screenshot to '" + arguments.outputPath + "'";
@@ -341,19 +332,5 @@ bool showEditor(const EditorHostArguments& arguments, std::string& error)
 
 int main(int argc, char** argv)
 {
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    std::string error;
-    const std::optional<EditorHostArguments> parsed = velmoran::editorhost::parseArguments(arguments, error);
-    if (!parsed)
-    {
-        std::fprintf(stderr, "velmoran-editor-host: %s\n%s\n", error.c_str(),
-                     velmoran::editorhost::kEditorHostUsage);
-        return 2;
-    }
-    if (!showEditor(*parsed, error))
-    {
-        std::fprintf(stderr, "velmoran-editor-host: %s\n", error.c_str());
-        return 1;
-    }
-    return 0;
+    return velmoran::editorhost::editorHostMain(argc, argv, showEditor);
 }
