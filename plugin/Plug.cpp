@@ -418,8 +418,9 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
     {
         applyParameterChanges(data.inputParameterChanges);
     }
-    const bool editorOpen = mEditorOpen.load(std::memory_order_relaxed);
-    mEngine->setAnalyserOn(isOn(mValues[kFftTag]) && editorOpen);
+    // Read once, so that the analyser and the frame copy agree within the block.
+    const bool analysing = analyserWanted();
+    mEngine->setAnalyserOn(analysing);
     if (data.numInputs < 1 || data.numOutputs < 1 || !data.inputs || !data.outputs)
     {
         return kResultOk;
@@ -434,7 +435,7 @@ tresult PLUGIN_API CPlug::process(ProcessData& data)
         return kResultOk;
     }
     processAudio(data.inputs[0], data.outputs[0], std::max(data.numSamples, 0));
-    if (mValues[kFftTag] > 0.5f && editorOpen)
+    if (analysing)
     {
         copyAnalyserFrame();
     }

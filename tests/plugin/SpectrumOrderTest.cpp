@@ -9,12 +9,14 @@
 #include "sdk/hosting/ProcessBlock.h"
 
 #include "support/Signals.h"
+#include "support/WaitFor.h"
 
 #include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -67,28 +69,26 @@ protected:
     };
     Velmoran::EditorListener* editor() { return &mEditorStandIn; }
 
-    // Plays a 1 kHz sine with "FFT" on until the controller holds an analysed frame; false when
-    // none has come within the given seconds.
-    bool spectrumArrives(int seconds)
+    // Plays one block of a 1 kHz sine with "FFT" on; true once the controller holds an analysed
+    // frame.
+    bool playAndLook()
     {
-        std::vector<std::vector<float>> inputs(2, velmoran::testing::MakeSine(1000.0, 48000.0, 480, 0.5));
-        std::vector<std::vector<float>> outputs = inputs;
         auto fftOn = owned(new ParameterChanges());
         int32 index = 0;
         fftOn->addParameterData(Velmoran::kFftTag, index)->addPoint(0, 1.0, index);
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-        auto frame = Velmoran::makeSpectrumFrame();
-        uint64_t seen = ~uint64_t{0};
-        while (std::chrono::steady_clock::now() < deadline)
-        {
-            EXPECT_EQ(processBlock(processor, inputs, outputs, 480, fftOn), kResultOk);
-            if (controller->copySpectrumFrame(*frame, seen) && frame->transformSize > 0)
-                return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
+        EXPECT_EQ(processBlock(processor, mInputs, mOutputs, kBlock, fftOn), kResultOk);
+        return controller->copySpectrumFrame(*mFrame, mSeen) && mFrame->transformSize > 0;
+    }
+    bool spectrumArrives()
+    {
+        return velmoran::test::waitFor([this] { return playAndLook(); });
     }
 
+    static constexpr int32 kBlock = 480;
+    std::vector<std::vector<float>> mInputs{2, velmoran::testing::MakeSine(1000.0, 48000.0, kBlock, 0.5)};
+    std::vector<std::vector<float>> mOutputs = mInputs;
+    std::unique_ptr<Velmoran::SpectrumFrame> mFrame = Velmoran::makeSpectrumFrame();
+    uint64_t mSeen = ~uint64_t{0};
     HostApplication host;
     IPtr<Velmoran::CPlug> processor = owned(new Velmoran::CPlug());
     IPtr<Velmoran::CPlugController> controller = owned(new Velmoran::CPlugController());
@@ -135,7 +135,7 @@ TEST_P(SpectrumOrder, ShowsWhileAnEditorIsOpen)
         ASSERT_EQ(processor->setActive(true), kResultOk);
         break;
     }
-    EXPECT_TRUE(spectrumArrives(5));
+    EXPECT_TRUE(spectrumArrives());
     ASSERT_EQ(processor->setActive(false), kResultOk);
 }
 
@@ -153,7 +153,16 @@ TEST_F(SpectrumOrder, RestsWithoutAnEditor)
     ASSERT_EQ(processor->setActive(true), kResultOk);
     disconnect();
     connect();
-    EXPECT_FALSE(spectrumArrives(1));
+    // A counted run of blocks paced as a host's audio thread, at least half a second in all: long
+    // enough for the sender to pass on a frame had one been made. A busy machine can only make this
+    // pass more easily, never fail it.
+    int frames = 0;
+    for (int block = 0; block < 250; ++block)
+    {
+        frames += playAndLook() ? 1 : 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    EXPECT_EQ(frames, 0);
 }
 
 } // namespace
