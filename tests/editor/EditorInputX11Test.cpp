@@ -2,29 +2,18 @@
 // display, delivered by the host's run loop, with a host's component handler recording every edit
 // in its order and collecting them for the processor.
 
-// GoogleTest comes before the X11 headers, whose macros (None, Bool) would rename its types.
-#include <gtest/gtest.h>
+#include "X11EditorFixture.h"
 
-#include "X11TestWindow.h"
-
-#include "editor/CPlugEditorView.h"
 #include "editor/EditorScreen.h"
 #include "editor/HostKeys.h"
-#include "editor/mbx/MBXManager.h"
-#include "editor/mbx/MBXObject.h"
-#include "editor/mbx/MBXWindow.h"
-#include "platform/window/WindowKit.h"
 #include "plugin/Plug.h"
-#include "plugin/PlugController.h"
 #include "plugin/PlugParameters.h"
 #include "sdk/hosting/ProcessBlock.h"
 #include "support/EditGestures.h"
 #include "support/FilterResponse.h"
 #include "support/Signals.h"
-#include "tools/editor_host/PollRunLoop.h"
 
 #include "pluginterfaces/vst/vstspeaker.h"
-#include "public.sdk/source/vst/hosting/hostclasses.h"
 
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -37,9 +26,6 @@ using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
 using velmoran::editor::EditorScreen;
-using velmoran::editorhost::PollRunLoop;
-using velmoran::platform::CPlatformWindows;
-using velmoran::test::X11TestWindow;
 
 namespace
 {
@@ -84,60 +70,20 @@ private:
     FUnknownPtr<IAudioProcessor> mProcessor{mPlug};
 };
 
-int acceptBox(const MBXObject&)
-{
-    return 0;
-}
-
-double value(CPlugController& controller, ParamID tag)
-{
-    return controller.getParamNormalized(tag);
-}
-
-class EditorInputX11 : public ::testing::Test
+// The view open and drawn in the host's window; the host's handler collects its edits.
+class EditorInputX11 : public velmoran::test::X11EditorFixture
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        velmoran::test::keepGlDriverLoaded();
-        CPlatformWindows::instance(true);
-        MBXManager::instance().setPresenter(acceptBox);
-    }
-    static void TearDownTestSuite()
-    {
-        MBXManager::instance().setPresenter(nullptr);
-        CPlatformWindows::release();
-    }
-
     void SetUp() override
     {
-        ASSERT_TRUE(host.valid()) << "no X display";
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&hostApplication);
-        controller->setComponentHandler(handler);
-        view = owned(static_cast<CPlugEditorView*>(controller->createView(ViewType::kEditor)));
-        view->setFrame(runLoop);
-        ASSERT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultOk);
-        ASSERT_TRUE(view->isOpen());
-        // The first paint has happened once the window shows more than its black background.
-        ASSERT_TRUE(runLoop->runUntil(
-            [this] {
-                return host.distinctColours(
-                           CPlatformWindows::instance(false)->windowHandle(view->windowSlot())) > 16;
-            }));
+        X11EditorFixture::SetUp();
+        ASSERT_EQ(open(*view), kResultOk);
+        ASSERT_TRUE(drawn(*view));
     }
-    void TearDown() override
-    {
-        view->removed();
-        view->setFrame(nullptr);
-        view = nullptr;
-        controller->terminate();
-        controller->release();
-    }
+    void TearDown() override { close(*view); }
 
     EditorScreen& screen() { return *view->screen(); }
-    std::string gestureOf(ParamID tag) const { return velmoran::test::gestureOf(handler->editLog(), tag); }
+    std::string gestureOf(ParamID tag) const { return velmoran::test::gestureOf(handler().editLog(), tag); }
     bool oneGesture(ParamID tag) const { return gestureOf(tag) == "begin perform... end"; }
 
     // The host window lies at the root's origin, so window pixels are screen pixels.
@@ -161,12 +107,16 @@ protected:
                 static_cast<int>(screen().graph().slot(band).handleY + 0.5f)};
     }
 
-    X11TestWindow host;
-    IPtr<PollRunLoop> runLoop = owned(new PollRunLoop);
-    HostApplication hostApplication;
-    IPtr<ComponentHandler> handler = owned(new ComponentHandler());
-    CPlugController* controller = nullptr;
-    IPtr<CPlugEditorView> view;
+    // Clicks the title button and waits for the box's window, transient for the host's.
+    Window openAboutBox()
+    {
+        const auto& bounds = screen().imageButton(EditorScreen::kTitleButtonIndex).bounds();
+        click(1, static_cast<int>(bounds.x + bounds.width / 2),
+              static_cast<int>(bounds.y + bounds.height / 2));
+        return deliver([this] { return host.transients().size() == 1; }) ? host.transients()[0] : 0;
+    }
+    double value(ParamID tag) const { return instance.controller->getParamNormalized(tag); }
+    ComponentHandler& handler() const { return *instance.handler; }
 };
 
 // Dragging band 6's handle writes "06 Freq" and "06 Gain" as one gesture each; the processor, handed
@@ -181,16 +131,16 @@ TEST_F(EditorInputX11, DragOfHandleIsOneGesturePerParameterAndChangesTheSound)
         moveTo(x + 12 * step, y - 9 * step);
     button(1, false);
     ASSERT_TRUE(deliver([this] { return oneGesture(gainTag(6)) && oneGesture(frequencyTag(6)); }));
-    const float hz = bandFrequencyHz(static_cast<float>(value(*controller, frequencyTag(6))));
-    const float db = bandGainDb(static_cast<float>(value(*controller, gainTag(6))));
+    const float hz = bandFrequencyHz(static_cast<float>(value(frequencyTag(6))));
+    const float db = bandGainDb(static_cast<float>(value(gainTag(6))));
     EXPECT_GT(hz, 1200.0f);
     EXPECT_GT(db, 2.0f);
     // Band 6 is a half-gain peak ("Pk dB/2") in the default program.
-    const float q = bandQ(static_cast<float>(value(*controller, qTag(6))));
+    const float q = bandQ(static_cast<float>(value(qTag(6))));
     const double lift =
         velmoran::test::GainDbAt(velmoran::test::DesignForBand(2, hz, db, q, 48000.0f), hz, 48000.0);
     const double before = processor.gainDbAt(hz, nullptr);
-    EXPECT_NEAR(processor.gainDbAt(hz, &handler->pendingChanges()) - before, lift, 0.2);
+    EXPECT_NEAR(processor.gainDbAt(hz, &handler().pendingChanges()) - before, lift, 0.2);
 }
 
 struct WheelCase
@@ -206,11 +156,11 @@ class EditorInputX11Wheel : public EditorInputX11, public ::testing::WithParamIn
 // One wheel step is one Windows notch: button 4 widens Q, button 5 narrows it, one gesture a step.
 TEST_P(EditorInputX11Wheel, StepOnBandChangesQ)
 {
-    const double before = value(*controller, qTag(6));
+    const double before = value(qTag(6));
     const auto [x, y] = handleOf(5);
     click(GetParam().button, x, y);
     ASSERT_TRUE(deliver([this] { return oneGesture(qTag(6)); }));
-    EXPECT_EQ(value(*controller, qTag(6)) > before, GetParam().raisesQ);
+    EXPECT_EQ(value(qTag(6)) > before, GetParam().raisesQ);
 }
 
 INSTANTIATE_TEST_SUITE_P(Buttons, EditorInputX11Wheel,
@@ -226,12 +176,12 @@ TEST_F(EditorInputX11, RightClickOpensTheBandMenu)
 // Two quick presses on a handle are a double-click, which puts the band's gain back to 0 dB.
 TEST_F(EditorInputX11, DoubleClickOnHandleResetsTheBand)
 {
-    controller->setParamNormalized(gainTag(6), 0.75);
+    instance.controller->setParamNormalized(gainTag(6), 0.75);
     ASSERT_TRUE(deliver([] { return true; }));
     const auto [x, y] = handleOf(5);
     click(1, x, y);
     click(1, x, y);
-    EXPECT_TRUE(deliver([this] { return value(*controller, gainTag(6)) == 0.5; }));
+    EXPECT_TRUE(deliver([this] { return value(gainTag(6)) == 0.5; }));
 }
 
 // Keys come from the host through the view: with band 6 clicked, Right moves it up a twelfth of an
@@ -241,10 +191,10 @@ TEST_F(EditorInputX11, KeysFromTheHostNudgeTheSelectedBand)
     const auto [x, y] = handleOf(5);
     click(1, x, y);
     ASSERT_TRUE(deliver([this] { return screen().selectedBand() == 5; }));
-    const double before = value(*controller, frequencyTag(6));
+    const double before = value(frequencyTag(6));
     EXPECT_EQ(view->onKeyDown(0, velmoran::editor::hostkeys::kRight, 0), kResultTrue);
     EXPECT_EQ(view->onKeyUp(0, velmoran::editor::hostkeys::kRight, 0), kResultTrue);
-    EXPECT_GT(value(*controller, frequencyTag(6)), before);
+    EXPECT_GT(value(frequencyTag(6)), before);
     EXPECT_EQ(view->onKeyDown(u' ', 0, 0), kResultFalse);
 }
 
@@ -263,37 +213,9 @@ TEST_F(EditorInputX11, LostGrabEndsTheDrag)
     XSync(host.display(), False);
 }
 
-// The about box from the title button: a top-level window of its own, transient for the
-// host's window, drawn while the editor goes on; the host's loop is never held.
-class EditorInputX11Box : public EditorInputX11
-{
-protected:
-    void SetUp() override
-    {
-        EditorInputX11::SetUp();
-        MBXManager::instance().setPresenter(nullptr);
-        MBXManager::instance().setWindowPresenter(presentInWindow);
-    }
-    void TearDown() override
-    {
-        EditorInputX11::TearDown();
-        MBXManager::instance().setWindowPresenter(nullptr);
-        MBXManager::instance().setPresenter(acceptBox);
-    }
-
-    CPlatformWindows& kit() { return *CPlatformWindows::instance(false); }
-
-    // Clicks the title button and waits for the box's window, transient for the host's.
-    Window openAboutBox()
-    {
-        const auto& bounds = screen().imageButton(EditorScreen::kTitleButtonIndex).bounds();
-        click(1, static_cast<int>(bounds.x + bounds.width / 2),
-              static_cast<int>(bounds.y + bounds.height / 2));
-        return deliver([this] { return host.transients().size() == 1; }) ? host.transients()[0] : 0;
-    }
-};
-
-TEST_F(EditorInputX11Box, AboutBoxIsATransientWindowThatEscapeCloses)
+// The about box from the title button: a top-level window of its own, transient for the host's
+// window, drawn while the editor goes on; the host's loop is never held.
+TEST_F(EditorInputX11, AboutBoxIsATransientWindowThatEscapeCloses)
 {
     const Window box = openAboutBox();
     ASSERT_NE(box, 0u);
@@ -311,7 +233,7 @@ TEST_F(EditorInputX11Box, AboutBoxIsATransientWindowThatEscapeCloses)
     EXPECT_FALSE(screen().greyedOut());
 }
 
-TEST_F(EditorInputX11Box, BoxGoesWithTheLastEditor)
+TEST_F(EditorInputX11, BoxGoesWithTheLastEditor)
 {
     ASSERT_NE(openAboutBox(), 0u);
     view->removed();

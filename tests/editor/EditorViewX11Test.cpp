@@ -2,25 +2,12 @@
 // virtual display, drawn with GLX and driven by a host's run loop. Sizes, what the host sees, the
 // run loop's registrations, teardown and hosts that break the rules.
 
-// GoogleTest comes before the X11 headers, whose macros (None, Bool) would rename its types.
-#include <gtest/gtest.h>
+#include "X11EditorFixture.h"
 
-#include "X11TestWindow.h"
-
-#include "editor/CPlugEditorView.h"
-#include "editor/mbx/MBXManager.h"
-#include "editor/mbx/MBXObject.h"
-#include "editor/mbx/MBXWindow.h"
 #include "platform/render/CGLRenderer.h"
 #include "platform/render/ErrorBox.h"
-#include "platform/window/WindowKit.h"
 #include "platform/window/X11Display.h"
-#include "plugin/PlugController.h"
-#include "tools/editor_host/PollRunLoop.h"
 
-#include "public.sdk/source/vst/hosting/hostclasses.h"
-
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,26 +15,13 @@
 using namespace Steinberg;
 using namespace Steinberg::Vst;
 using namespace Steinberg::Vst::Velmoran;
-using velmoran::editorhost::PollRunLoop;
 using velmoran::platform::CGLRenderer;
-using velmoran::platform::CPlatformWindows;
+using velmoran::test::shownBoxes;
+using velmoran::test::X11Instance;
 using velmoran::test::X11TestWindow;
 
 namespace
 {
-
-std::vector<std::string>& shownBoxes()
-{
-    static std::vector<std::string> boxes;
-    return boxes;
-}
-
-// Notes every box and shows it as the module shows it.
-int recordBox(const MBXObject& box)
-{
-    shownBoxes().push_back(box.title() + "|" + box.text());
-    return presentInWindow(box);
-}
 
 template <int kResult>
 int failWith(CGLRenderer&, velmoran::platform::NativeWindow, double, double, double, double)
@@ -63,81 +37,9 @@ int refuseShaders(CGLRenderer&, velmoran::platform::NativeWindow, double, double
     return CGLRenderer::kShaderFailure;
 }
 
-// One controller as a host makes it.
-struct Instance
-{
-    Instance()
-    {
-        controller = static_cast<CPlugController*>(
-            static_cast<IEditController*>(CPlugController::createInstance(nullptr)));
-        controller->initialize(&host);
-    }
-    ~Instance()
-    {
-        controller->terminate();
-        controller->release();
-    }
-    IPtr<CPlugEditorView> createView(ViewRect* rect = nullptr)
-    {
-        return owned(new CPlugEditorView(controller, rect));
-    }
-
-    HostApplication host;
-    CPlugController* controller = nullptr;
-};
-
-CPlatformWindows& kit()
-{
-    return *CPlatformWindows::instance(false);
-}
-
-Window editorWindow(const CPlugEditorView& view)
-{
-    return kit().windowHandle(view.windowSlot());
-}
-
-class EditorViewX11 : public ::testing::Test
+class EditorViewX11 : public velmoran::test::X11EditorFixture
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        velmoran::test::keepGlDriverLoaded();
-        CPlatformWindows::instance(true);
-        useBoxWindows(true);
-        MBXManager::instance().setPresenter(recordBox);
-    }
-    static void TearDownTestSuite()
-    {
-        MBXManager::instance().setPresenter(nullptr);
-        useBoxWindows(false);
-        CPlatformWindows::release();
-    }
-    void SetUp() override
-    {
-        ASSERT_TRUE(host.valid()) << "no X display";
-        shownBoxes().clear();
-    }
-
-    // Attaches the view to the host's window (or another one) with the run loop as its frame.
-    tresult open(CPlugEditorView& view, const X11TestWindow* window = nullptr)
-    {
-        view.setFrame(runLoop);
-        return view.attached((window != nullptr ? *window : host).parent(), kPlatformTypeX11EmbedWindowID);
-    }
-
-    void close(CPlugEditorView& view)
-    {
-        view.removed();
-        view.setFrame(nullptr);
-    }
-
-    // Runs the host's loop until the editor's window shows a drawn screen.
-    bool drawn(const CPlugEditorView& view, const X11TestWindow* window = nullptr)
-    {
-        const X11TestWindow& parent = window != nullptr ? *window : host;
-        return runLoop->runUntil([&] { return parent.distinctColours(editorWindow(view)) > 16; });
-    }
-
     void expectNothingLeft()
     {
         EXPECT_EQ(runLoop->timerCount(), 0);
@@ -148,11 +50,6 @@ protected:
         EXPECT_EQ(velmoran::platform::displayUsers(), 0);
         EXPECT_TRUE(host.children().empty());
     }
-
-    X11TestWindow host;
-    IPtr<PollRunLoop> runLoop = owned(new PollRunLoop);
-    Instance instance;
-    IPtr<CPlugEditorView> view = instance.createView();
 };
 
 TEST_F(EditorViewX11, OnlyX11EmbedWindowIdIsSupported)
@@ -294,7 +191,7 @@ TEST_F(EditorViewX11, ParentDestroyedBeforeRemoved)
 
 TEST_F(EditorViewX11, TwoInstancesDrawThroughOneContext)
 {
-    Instance second;
+    X11Instance second;
     X11TestWindow secondHost(1000, 640, 1100, 800);
     IPtr<CPlugEditorView> two = second.createView();
     ASSERT_EQ(open(*view), kResultOk);
