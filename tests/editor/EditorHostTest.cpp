@@ -16,7 +16,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -126,10 +125,8 @@ TEST_F(EditorView, OpensAgainAfterItWasRemoved)
 
 int performedSince(const std::vector<EditCall>& log)
 {
-    int count = 0;
-    for (const EditCall& call : log)
-        count += call.kind == EditCall::kPerform ? 1 : 0;
-    return count;
+    return static_cast<int>(std::count_if(
+        log.begin(), log.end(), [](const EditCall& call) { return call.kind == EditCall::kPerform; }));
 }
 
 struct Loss
@@ -137,11 +134,6 @@ struct Loss
     const char* name;
     std::function<void(editorhost::EditorSession&)> happen;
 };
-
-void PrintTo(const Loss& loss, std::ostream* out)
-{
-    *out << loss.name;
-}
 
 // Each case starts with band 6 where the default program has it and puts it back afterwards.
 class Band6InPlace : public EditorHostFixture

@@ -9,7 +9,6 @@
 #include "platform/window/X11Display.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 using namespace Steinberg;
@@ -51,16 +50,6 @@ protected:
         EXPECT_TRUE(host.children().empty());
     }
 };
-
-TEST_F(EditorViewX11, OnlyX11EmbedWindowIdIsSupported)
-{
-    const std::pair<FIDString, tresult> cases[] = {{kPlatformTypeX11EmbedWindowID, kResultTrue},
-                                                   {kPlatformTypeHWND, kResultFalse},
-                                                   {kPlatformTypeNSView, kResultFalse},
-                                                   {nullptr, kResultFalse}};
-    for (const auto& [type, expected] : cases)
-        EXPECT_EQ(view->isPlatformTypeSupported(type), expected) << (type != nullptr ? type : "null");
-}
 
 struct SizeCase
 {
@@ -115,8 +104,11 @@ TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileItHasItsF
     expectNothingLeft();
 }
 
-TEST_F(EditorViewX11, HostWithoutRunLoopIsRefused)
+// Another platform's window (or none named) is refused, and so is a host that offers no run loop.
+TEST_F(EditorViewX11, RefusesOtherPlatformsAndAHostWithoutRunLoop)
 {
+    for (const FIDString type : {kPlatformTypeHWND, kPlatformTypeNSView, FIDString{nullptr}})
+        EXPECT_EQ(view->isPlatformTypeSupported(type), kResultFalse) << (type != nullptr ? type : "null");
     EXPECT_EQ(view->attached(host.parent(), kPlatformTypeX11EmbedWindowID), kResultFalse);
     EXPECT_FALSE(view->isOpen());
     view->removed();
