@@ -268,7 +268,6 @@ TEST_P(EditorScale, SizeRequestAndWindowFollowTheScale)
 {
     const ScaleCase& scaling = GetParam();
     IPtr<CPlugEditorView> view = createView();
-    ASSERT_TRUE(view);
     FUnknownPtr<IPlugViewContentScaleSupport> scaleSupport(static_cast<IPlugView*>(view.get()));
     ASSERT_TRUE(scaleSupport) << "the view offers IPlugViewContentScaleSupport";
     RecordingFrame frame;

@@ -26,6 +26,9 @@
 namespace velmoran::test
 {
 
+using Steinberg::Vst::Velmoran::CPlugEditorView;
+using Steinberg::Vst::Velmoran::MBXManager;
+
 // The boxes shown, as "title|text".
 inline std::vector<std::string>& shownBoxes()
 {
@@ -55,9 +58,9 @@ struct X11Instance
     X11Instance(const X11Instance&) = delete;
     X11Instance& operator=(const X11Instance&) = delete;
 
-    Steinberg::IPtr<Steinberg::Vst::Velmoran::CPlugEditorView> createView(Steinberg::ViewRect* rect = nullptr)
+    Steinberg::IPtr<CPlugEditorView> createView(Steinberg::ViewRect* rect = nullptr)
     {
-        return Steinberg::owned(new Steinberg::Vst::Velmoran::CPlugEditorView(controller, rect));
+        return Steinberg::owned(new CPlugEditorView(controller, rect));
     }
 
     Steinberg::Vst::HostApplication host;
@@ -76,11 +79,11 @@ protected:
         keepGlDriverLoaded();
         platform::CPlatformWindows::instance(true);
         Steinberg::Vst::Velmoran::useBoxWindows(true);
-        Steinberg::Vst::Velmoran::MBXManager::instance().setPresenter(recordBox);
+        MBXManager::instance().setPresenter(recordBox);
     }
     static void TearDownTestSuite()
     {
-        Steinberg::Vst::Velmoran::MBXManager::instance().setPresenter(nullptr);
+        MBXManager::instance().setPresenter(nullptr);
         Steinberg::Vst::Velmoran::useBoxWindows(false);
         platform::CPlatformWindows::release();
     }
@@ -91,27 +94,23 @@ protected:
     }
 
     static platform::CPlatformWindows& kit() { return *platform::CPlatformWindows::instance(false); }
-    static Window editorWindow(const Steinberg::Vst::Velmoran::CPlugEditorView& view)
-    {
-        return kit().windowHandle(view.windowSlot());
-    }
+    static Window editorWindow(const CPlugEditorView& view) { return kit().windowHandle(view.windowSlot()); }
 
     // Attaches the view to the host's window (or another one) with the run loop as its frame.
-    Steinberg::tresult open(Steinberg::Vst::Velmoran::CPlugEditorView& view,
-                            const X11TestWindow* window = nullptr)
+    Steinberg::tresult open(CPlugEditorView& view, const X11TestWindow* window = nullptr)
     {
         view.setFrame(runLoop);
         return view.attached((window != nullptr ? *window : host).parent(),
                              Steinberg::kPlatformTypeX11EmbedWindowID);
     }
-    static void close(Steinberg::Vst::Velmoran::CPlugEditorView& view)
+    static void close(CPlugEditorView& view)
     {
         view.removed();
         view.setFrame(nullptr);
     }
     // Runs the host's loop until the editor's window shows a drawn screen, more than its black
     // background.
-    bool drawn(const Steinberg::Vst::Velmoran::CPlugEditorView& view, const X11TestWindow* window = nullptr)
+    bool drawn(const CPlugEditorView& view, const X11TestWindow* window = nullptr)
     {
         const X11TestWindow& parent = window != nullptr ? *window : host;
         return runLoop->runUntil([&] { return parent.distinctColours(editorWindow(view)) > 16; });
@@ -120,7 +119,7 @@ protected:
     X11TestWindow host;
     Steinberg::IPtr<editorhost::PollRunLoop> runLoop = Steinberg::owned(new editorhost::PollRunLoop);
     X11Instance instance;
-    Steinberg::IPtr<Steinberg::Vst::Velmoran::CPlugEditorView> view = instance.createView();
+    Steinberg::IPtr<CPlugEditorView> view = instance.createView();
 };
 
 } // namespace velmoran::test
