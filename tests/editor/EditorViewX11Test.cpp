@@ -53,20 +53,20 @@ protected:
 
 struct SizeCase
 {
-    int hostWidth; // 0: no rectangle from the host
-    int hostHeight;
-    int expectedWidth;
-    int expectedHeight;
+    int width; // the host's rectangle, none when 0, or the design size
+    int height;
 };
 
 class EditorViewX11Size : public EditorViewX11, public ::testing::WithParamInterface<SizeCase>
 {
 };
 
-TEST_P(EditorViewX11Size, EmbedsAMappedDrawnChildOfTheViewSize)
+// A mapped child window of the view's size, drawn, with one timer at 40 ms and one event handler
+// registered with the host's loop while the view has its frame; losing the frame unregisters both.
+TEST_P(EditorViewX11Size, EmbedsAMappedDrawnChildAndRegistersWithTheRunLoop)
 {
-    ViewRect rect(0, 0, GetParam().hostWidth, GetParam().hostHeight);
-    view = instance.createView(GetParam().hostWidth > 0 ? &rect : nullptr);
+    ViewRect rect(0, 0, GetParam().width, GetParam().height);
+    view = instance.createView(GetParam().width != 998 ? &rect : nullptr);
     ASSERT_EQ(open(*view), kResultOk);
     ASSERT_TRUE(view->isOpen());
 
@@ -74,35 +74,26 @@ TEST_P(EditorViewX11Size, EmbedsAMappedDrawnChildOfTheViewSize)
     ASSERT_EQ(children.size(), 1u);
     EXPECT_EQ(children[0], editorWindow(*view));
     const XWindowAttributes attributes = host.attributes(children[0]);
-    EXPECT_EQ(attributes.width, GetParam().expectedWidth);
-    EXPECT_EQ(attributes.height, GetParam().expectedHeight);
+    EXPECT_EQ(attributes.width, GetParam().width);
+    EXPECT_EQ(attributes.height, GetParam().height);
     EXPECT_EQ(attributes.map_state, IsViewable);
     EXPECT_EQ(host.xembedFlags(children[0]), 1); // XEMBED_MAPPED
     EXPECT_TRUE(drawn(*view));
     EXPECT_TRUE(shownBoxes().empty());
-
-    close(*view);
-    expectNothingLeft();
-}
-
-INSTANTIATE_TEST_SUITE_P(Sizes, EditorViewX11Size,
-                         ::testing::Values(SizeCase{0, 0, 998, 634}, SizeCase{1497, 951, 1497, 951},
-                                           SizeCase{1996, 1268, 1996, 1268}));
-
-// One timer at 40 ms and one event handler while open; losing the frame unregisters both.
-TEST_F(EditorViewX11, RegistersOneTimerAtFortyMsAndOneEventHandlerWhileItHasItsFrame)
-{
-    ASSERT_EQ(open(*view), kResultOk);
     ASSERT_EQ(runLoop->timerCount(), 1);
     EXPECT_EQ(runLoop->timerPeriod(0).count(), 40);
     EXPECT_EQ(runLoop->eventHandlerCount(), 1);
     EXPECT_TRUE(runLoop->runUntil([&] { return runLoop->ticks() >= 3; }));
+
     view->setFrame(nullptr);
     EXPECT_EQ(runLoop->timerCount(), 0);
     EXPECT_EQ(runLoop->eventHandlerCount(), 0);
     view->removed();
     expectNothingLeft();
 }
+
+INSTANTIATE_TEST_SUITE_P(Sizes, EditorViewX11Size,
+                         ::testing::Values(SizeCase{998, 634}, SizeCase{1497, 951}, SizeCase{1996, 1268}));
 
 // Another platform's window (or none named) is refused, and so is a host that offers no run loop.
 TEST_F(EditorViewX11, RefusesOtherPlatformsAndAHostWithoutRunLoop)
