@@ -1,6 +1,6 @@
 // The editor view inside this test program, on the window kit and the renderer under Wine: display
-// scales, timers, images shared between editors, open/close cycles, the
-// host closing it at awkward moments and the reminder a silent processor gets.
+// scales, timers, images shared between editors, open/close cycles, the host closing it at awkward
+// moments and the reminder a silent processor gets.
 
 #include "EditorControllerFixture.h"
 
