@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace
@@ -37,36 +36,19 @@ TEST(FrequencyGrid, HasALineAtEveryMultipleOfAPowerOfTenAndLabelsThePowers)
               (std::vector<std::string>{"1", "10", "100", "1k", "10k"}));
 }
 
-constexpr Rgba kOrange{255, 176, 0, 255};
-constexpr Rgba kGrey{159, 159, 159, 255};
-
-std::tuple<int, int, int, int> Components(Rgba colour)
-{
-    return {colour.r, colour.g, colour.b, colour.a};
-}
-
 TEST(GainGrid, LabelsEverySixDecibelsWithTheSpectrumScaleBeside)
 {
-    struct Row
+    std::vector<std::string> labels;
+    std::vector<std::string> spectrumLabels;
+    for (const GainGridLine& line : gainGridLines(-24.0f, 24.0f))
     {
-        float db;
-        const char* label;
-        Rgba colour;
-        const char* spectrumLabel;
-    };
-    const std::vector<Row> expected = {
-        {-24.0f, "-24", kGrey, "-72"}, {-18.0f, "-18", kGrey, "-63"}, {-12.0f, "-12", kGrey, "-54"},
-        {-6.0f, "-6", kOrange, "-45"}, {0.0f, "0dB", kOrange, "-36"}, {6.0f, "+6", kOrange, "-27"},
-        {12.0f, "+12", kGrey, "-18"},  {18.0f, "+18", kGrey, "-9"},   {24.0f, "+24", kGrey, "0dB"}};
-    const std::vector<GainGridLine> lines = gainGridLines(-24.0f, 24.0f);
-    ASSERT_EQ(lines.size(), expected.size());
-    for (std::size_t i = 0; i < lines.size(); ++i)
-    {
-        EXPECT_EQ(lines[i].db, expected[i].db);
-        EXPECT_EQ(lines[i].label, expected[i].label);
-        EXPECT_EQ(Components(lines[i].labelColour), Components(expected[i].colour)) << lines[i].label;
-        EXPECT_EQ(lines[i].spectrumLabel, expected[i].spectrumLabel);
+        labels.push_back(line.label);
+        spectrumLabels.push_back(line.spectrumLabel);
     }
+    EXPECT_EQ(labels,
+              (std::vector<std::string>{"-24", "-18", "-12", "-6", "0dB", "+6", "+12", "+18", "+24"}));
+    EXPECT_EQ(spectrumLabels,
+              (std::vector<std::string>{"-72", "-63", "-54", "-45", "-36", "-27", "-18", "-9", "0dB"}));
 }
 
 // Labels stand beside their lines; the spectrum scale shows only with the spectrum.
@@ -80,7 +62,6 @@ TEST(GraphLabels, AreDrawnBesideTheirLines)
     EXPECT_NEAR(kilohertz.x, graph.xForFrequency(1000.0f), 12.0f);
     EXPECT_GT(kilohertz.y, graph.plotRect().bottom());
     const RecordingPainter::Text unity = painter.textsEqualTo("0dB").front();
-    EXPECT_EQ(Components(unity.style.colour), Components(kOrange));
     EXPECT_NEAR(unity.y, graph.yForGain(0.0f), 8.0f);
     EXPECT_LT(unity.x, graph.plotRect().x);
     EXPECT_FALSE(painter.drewText("-36"));

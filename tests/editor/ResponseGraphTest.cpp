@@ -201,39 +201,6 @@ TEST(HandleHit, NeverTakesAHandleOutsideThePlot)
     EXPECT_EQ(graph.hitTest(plot.right() + 1.0f, std::clamp(band.handleY, plot.y, plot.bottom())), -1);
 }
 
-TEST(HandleHighlight, FadesByFourAFrameToAnEighthOnceNothingIsHeld)
-{
-    ResponseGraph graph;
-    SetBand(graph, 0, {2, 400.0f, 6.0f, 1.0f});
-    EXPECT_EQ(graph.slot(0).highlight, 31u);
-    graph.hitTest(graph.slot(0).handleX, graph.slot(0).handleY);
-    EXPECT_FALSE(graph.update());
-    graph.clearSelection();
-    graph.setDragged(0, true);
-    EXPECT_FALSE(graph.update());
-    EXPECT_EQ(graph.slot(0).highlight, 127u);
-    graph.setDragged(0, false);
-    int frames = 0;
-    while (graph.update())
-        ++frames;
-    EXPECT_EQ(frames, 23); // the 24th step lands on the eighth and reports the fade settled
-    EXPECT_EQ(graph.slot(0).highlight, 31u);
-}
-
-TEST(AutomaticLock, DropsItsAnchorBelowTheHoldingModes)
-{
-    ResponseGraph graph;
-    for (unsigned mode : {1u, 2u, 0u, 3u, 1u})
-    {
-        graph.setLockMode(mode);
-        graph.setLockAnchor(1000.0f, 3.0f);
-        EXPECT_EQ(graph.lockMode(), mode);
-        EXPECT_EQ(graph.lockAnchor().set, mode >= 2) << mode;
-    }
-    graph.setLockMode(4);
-    EXPECT_EQ(graph.lockMode(), 1u);
-}
-
 TEST(HandleImages, ShowWhetherABandIsOnSelectedOrUnderTheMouse)
 {
     ResponseGraph graph;

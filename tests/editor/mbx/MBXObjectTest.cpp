@@ -1,4 +1,3 @@
-#include "editor/mbx/MBXAboutMessage.h"
 #include "editor/mbx/MBXDialogue.h"
 #include "editor/mbx/MBXMessage.h"
 
@@ -41,17 +40,6 @@ TEST(MBXObject, EachKindHasItsButtonsAndSign)
         EXPECT_EQ(kind.box.defaultButton(), 0);
         EXPECT_EQ(kind.box.cancelButton(), static_cast<int>(kind.buttons.size()) - 1);
     }
-}
-
-TEST(MBXObject, AboutBoxNamesProductVersionAndMaker)
-{
-    const MBXAboutMessage about;
-    EXPECT_EQ(about.title(), "About Velmoran");
-    EXPECT_EQ(about.heading().name, "Velmoran");
-    EXPECT_EQ(about.heading().detail, "Version 3.1.4");
-    EXPECT_NE(about.text().find("equaliser"), std::string::npos);
-    EXPECT_NE(about.text().find("Varnholt Ltd\n<a>www.varnholt.co.uk</a>"), std::string::npos);
-    EXPECT_EQ(about.buttons(), std::vector<std::string>{"OK"});
 }
 
 } // namespace
