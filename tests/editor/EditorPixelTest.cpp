@@ -12,8 +12,9 @@
 
 #include <GL/gl.h>
 
-#include <array>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 using namespace Steinberg;
 using namespace Steinberg::Vst;
@@ -22,56 +23,17 @@ using namespace Steinberg::Vst::Velmoran;
 namespace
 {
 
-struct Pixel
-{
-    int r;
-    int g;
-    int b;
-};
-
-class EditorPixels : public velmoran::test::EditorControllerFixture<velmoran::test::acceptBox>
-{
-protected:
-    void SetUp() override
-    {
-        EditorControllerFixture::SetUp();
-        // Every band off, so no curve covers the spectrum.
-        for (int band = 1; band <= kBandCount; ++band)
-            controller->setParamNormalized(filterTypeTag(band), 0.0);
-        view = createView();
-        ASSERT_EQ(attach(view), kResultOk);
-        ASSERT_TRUE(view->isOpen());
-    }
-    void TearDown() override
-    {
-        view->removed();
-        view = nullptr;
-        EditorControllerFixture::TearDown();
-    }
-
-    // Lets the graph take the frame (on the ticks), draws and keeps the pixels.
-    void drawFrame()
-    {
-        for (int tick = 0; tick < 2; ++tick)
-            view->tick();
-        view->paint();
-        glReadBuffer(GL_BACK);
-        glReadPixels(0, 0, kWidth, kHeight, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
-    }
-    Pixel at(int x, int y) const
-    {
-        const size_t index = (static_cast<size_t>(kHeight - 1 - y) * kWidth + static_cast<size_t>(x)) * 3;
-        return {pixels[index], pixels[index + 1], pixels[index + 2]};
-    }
-    static constexpr int kWidth = 998;
-    static constexpr int kHeight = 634;
-    IPtr<CPlugEditorView> view;
-    std::array<unsigned char, kWidth * kHeight * 3> pixels{};
-};
+using EditorPixels = velmoran::test::EditorControllerFixture<velmoran::test::acceptBox>;
 
 // A frame with a single line at 2 kHz: the spectrum's fill reaches highest in that column.
 TEST_F(EditorPixels, SpectrumOfSinePeaksAtItsFrequency)
 {
+    // Every band off, so no curve covers the spectrum.
+    for (int band = 1; band <= kBandCount; ++band)
+        controller->setParamNormalized(filterTypeTag(band), 0.0);
+    IPtr<CPlugEditorView> view = createView();
+    ASSERT_EQ(attach(view), kResultOk);
+    ASSERT_TRUE(view->isOpen());
     controller->setParamNormalized(kFftTag, 1.0);
     controller->setParamNormalized(kFftSlopeTag, 0.0);
     auto frame = makeSpectrumFrame();
@@ -88,8 +50,22 @@ TEST_F(EditorPixels, SpectrumOfSinePeaksAtItsFrequency)
     {
         controller->notify(&message);
         view->paint();
-        drawFrame();
+        view->tick();
+        view->tick();
+        view->paint();
     }
+    constexpr int kWidth = 998;
+    constexpr int kHeight = 634;
+    std::vector<unsigned char> pixels(kWidth * kHeight * 3);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, kWidth, kHeight, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    // The red and blue of a pixel in design rows, from the top.
+    const auto redBlue = [&pixels](int x, int y)
+    {
+        const unsigned char* rgb = &pixels[(static_cast<size_t>(kHeight - 1 - y) * kWidth + x) * 3];
+        return std::pair<int, int>{rgb[0], rgb[2]};
+    };
+
     const auto& graph = view->screen()->graph();
     const float sineHz = static_cast<float>(bin) * 48000.0f / 4096.0f;
     const int plotTop = static_cast<int>(graph.plotRect().y) + 3;
@@ -97,11 +73,11 @@ TEST_F(EditorPixels, SpectrumOfSinePeaksAtItsFrequency)
     // The top of the spectrum in a column: the first row from the top that differs from the plot.
     const auto spectrumTop = [&](int x)
     {
-        const Pixel background = at(x, plotTop + 1);
+        const int backgroundBlue = redBlue(x, plotTop + 1).second;
         for (int y = plotTop + 2; y < plotBottom; ++y)
         {
-            const Pixel p = at(x, y);
-            if (std::abs(p.b - background.b) > 24 && p.b > p.r)
+            const auto [red, blue] = redBlue(x, y);
+            if (std::abs(blue - backgroundBlue) > 24 && blue > red)
                 return y;
         }
         return plotBottom;
@@ -112,6 +88,7 @@ TEST_F(EditorPixels, SpectrumOfSinePeaksAtItsFrequency)
             highestX = x;
     EXPECT_NEAR(graph.frequencyForX(static_cast<float>(highestX)) / sineHz, 1.0f, 0.08f)
         << "peak drawn at " << graph.frequencyForX(static_cast<float>(highestX)) << " Hz";
+    view->removed();
 }
 
 } // namespace

@@ -175,7 +175,7 @@ TEST_F(EditorScreenTest, HoverNamesSwitchesAndButtons)
 TEST_F(EditorScreenTest, PolarityButtonAndLockSelector)
 {
     click(screen->imageButton(EditorScreen::kPolarityButton));
-    EXPECT_EQ(context.lastPerformed(kPolarityTag), 1.0);
+    EXPECT_EQ(context.parameter(kPolarityTag), 1.0);
     EXPECT_EQ(screen->statusText(), "Polarity : Inverted");
     click(screen->lockSelector());
     EXPECT_EQ(screen->statusText(), "Auto Lock:  ---");
@@ -188,7 +188,7 @@ TEST_F(EditorScreenTest, FineDragMovesATenth)
     screen->mouseDown(x, y, MouseButton::Left, kNoModifiers);
     screen->mouseMove(x, y - 50.0f, Modifiers{true});
     screen->mouseUp(x, y - 50.0f, MouseButton::Left, kNoModifiers);
-    const float fineDb = bandGainDb(static_cast<float>(context.lastPerformed(gainTag(6))));
+    const float fineDb = bandGainDb(static_cast<float>(context.parameter(gainTag(6))));
     const float coarseDb = screen->graph().gainForY(y - 50.0f) - screen->graph().gainForY(y);
     EXPECT_NEAR(fineDb, coarseDb / 10.0f, 0.05f);
 }
@@ -222,7 +222,7 @@ TEST_F(EditorScreenTest, WheelOnBandChangesQAndOnEmptyPlotZooms)
     const auto [x, y] = handle(5);
     const double before = context.parameter(qTag(6));
     click(x, y, MouseButton::WheelUp);
-    EXPECT_GT(context.lastPerformed(qTag(6)), before);
+    EXPECT_GT(context.parameter(qTag(6)), before);
     EXPECT_EQ(context.count("begin " + std::to_string(qTag(6))), 1);
 
     const Rect plot = screen->graph().plotRect();
@@ -237,11 +237,11 @@ TEST_F(EditorScreenTest, KeysNudgeAndDeleteTheSelectedBand)
     const auto [x, y] = handle(5);
     click(x, y);
     screen->keyDown(keys::kUp, kNoModifiers);
-    EXPECT_NEAR(bandGainDb(static_cast<float>(context.lastPerformed(gainTag(6)))), 0.5f, 1e-4f);
+    EXPECT_NEAR(bandGainDb(static_cast<float>(context.parameter(gainTag(6)))), 0.5f, 1e-4f);
     screen->keyDown(keys::kRight, kNoModifiers);
-    EXPECT_GT(bandFrequencyHz(static_cast<float>(context.lastPerformed(frequencyTag(6)))), 1000.0f);
+    EXPECT_GT(bandFrequencyHz(static_cast<float>(context.parameter(frequencyTag(6)))), 1000.0f);
     screen->keyDown(keys::kDelete, kNoModifiers);
-    EXPECT_DOUBLE_EQ(context.lastPerformed(filterTypeTag(6)), 0.0);
+    EXPECT_DOUBLE_EQ(context.parameter(filterTypeTag(6)), 0.0);
     EXPECT_EQ(screen->selectedBand(), -1);
 }
 

@@ -1,8 +1,6 @@
-// Band curves, the summed responses, handles, highlights and the automatic lock of the graph.
+// Band curves, the summed responses, the handles and the graph's vertex buffers.
 
 #include "editor/ResponseGraph.h"
-#include "editor/RecordingPainter.h"
-#include "resources/ResourceIds.h"
 #include "support/FilterResponse.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +15,6 @@ namespace
 using namespace velmoran::editor;
 using velmoran::test::Design;
 using velmoran::test::GainDbAt;
-using velmoran::test::RecordingPainter;
-namespace ids = velmoran::resources;
 
 struct Band
 {
@@ -199,24 +195,6 @@ TEST(HandleHit, NeverTakesAHandleOutsideThePlot)
     ASSERT_FALSE(plot.contains(band.handleX, band.handleY));
     EXPECT_EQ(graph.hitTest(band.handleX, band.handleY), -1);
     EXPECT_EQ(graph.hitTest(plot.right() + 1.0f, std::clamp(band.handleY, plot.y, plot.bottom())), -1);
-}
-
-TEST(HandleImages, ShowWhetherABandIsOnSelectedOrUnderTheMouse)
-{
-    ResponseGraph graph;
-    graph.layout();
-    SetBand(graph, 0, {2, 100.0f, 6.0f, 1.0f});
-    SetBand(graph, 1, {2, 5000.0f, -6.0f, 1.0f}, 0, false);
-    graph.update();
-    RecordingPainter painter;
-    graph.draw(painter);
-    EXPECT_TRUE(painter.drewImage(ids::kBandHandle, 0) && painter.drewImage(ids::kIdleHandle, 0));
-    graph.setSelectedBand(0);
-    graph.setMousePosition(graph.slot(1).handleX, graph.slot(1).handleY);
-    painter.clear();
-    graph.draw(painter);
-    EXPECT_TRUE(painter.drewImage(ids::kBandHandle, 1) && painter.drewImage(ids::kIdleHandle, 1));
-    EXPECT_FALSE(painter.drewImage(ids::kBandHandle, 0));
 }
 
 // Frames after the first reuse the vertex buffers: no allocation while the user plays.
