@@ -102,7 +102,6 @@ public:
     unsigned lockMode() const { return mLockMode; }
     // Engages the anchor of a holding lock (modes 2 and 3 only).
     void setLockAnchor(float freqHz, float gainDb);
-    const LockAnchor& lockAnchor() const { return mLockAnchor; }
 
     // The analyser's latest frame: `count` linear magnitudes, bin k at k * sampleRateHz /
     // transformSize Hz.

@@ -64,24 +64,19 @@ public:
     AllocationLimit& operator=(const AllocationLimit&) = delete;
 };
 
-class EditorOutOfMemory : public velmoran::test::EditorControllerFixture<velmoran::test::acceptBox,
-                                                                         ::testing::TestWithParam<long>>
-{
-};
+using EditorOutOfMemory =
+    velmoran::test::EditorControllerFixture<velmoran::test::acceptBox, ::testing::TestWithParam<long>>;
 
-TEST_P(EditorOutOfMemory, CreateViewGivesAViewOrNone)
+// createView gives a view or none; attached opens the view or leaves it closed, and it opens later.
+TEST_P(EditorOutOfMemory, CreateViewAndAttachedThrowNothingAndTheViewOpensLater)
 {
-    IPlugView* view = nullptr;
+    IPlugView* made = nullptr;
     {
         AllocationLimit limit(GetParam());
-        EXPECT_NO_THROW(view = controller->createView(ViewType::kEditor));
+        EXPECT_NO_THROW(made = controller->createView(ViewType::kEditor));
     }
-    if (view != nullptr)
-        view->release();
-}
-
-TEST_P(EditorOutOfMemory, AttachedOpensOrStaysClosedAndOpensLater)
-{
+    if (made != nullptr)
+        made->release();
     IPtr<CPlugEditorView> view = createView();
     ASSERT_TRUE(view);
     {

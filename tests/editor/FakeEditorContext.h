@@ -11,7 +11,7 @@ namespace velmoran::test
 {
 
 // The controller as the editor's screen sees it: parameter values starting at their defaults and
-// a log of the edit calls in their order ("begin 27", "perform 27 0.5", "end 27").
+// a log of the edit calls in their order ("begin 27", "perform 27", "end 27").
 class FakeEditorContext : public editor::EditorContext
 {
 public:
@@ -31,21 +31,12 @@ public:
     {
         values[tag] = value;
         log.push_back("perform " + std::to_string(tag));
-        performed.push_back({tag, value});
     }
     void endEdit(unsigned tag) override { log.push_back("end " + std::to_string(tag)); }
     std::string programName(int index) const override { return "Program " + std::to_string(index); }
     void showAbout() override { ++aboutBoxes; }
-    void focusWindow() override { ++focusRequests; }
+    void focusWindow() override {}
 
-    // The last value performed for a tag, -1 if none.
-    double lastPerformed(unsigned tag) const
-    {
-        for (auto edit = performed.rbegin(); edit != performed.rend(); ++edit)
-            if (edit->first == tag)
-                return edit->second;
-        return -1.0;
-    }
     // How often a call appears in the log, e.g. count("begin 27").
     int count(const std::string& call) const
     {
@@ -57,9 +48,7 @@ public:
 
     std::map<unsigned, double> values;
     std::vector<std::string> log;
-    std::vector<std::pair<unsigned, double>> performed;
     int aboutBoxes = 0;
-    int focusRequests = 0;
 };
 
 } // namespace velmoran::test

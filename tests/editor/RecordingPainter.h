@@ -8,8 +8,8 @@
 namespace velmoran::test
 {
 
-// Keeps every drawing call of the editor as a line of text and the geometry it was given, so the
-// native tests can ask what was drawn where.
+// Keeps the editor's triangles, images and texts as they are drawn, so the native tests can ask
+// what was drawn where.
 class RecordingPainter : public editor::Painter
 {
 public:
@@ -18,41 +18,27 @@ public:
         float x;
         float y;
         std::string text;
-        editor::TextStyle style;
     };
     struct Image
     {
         int id;
         int frame;
-        float x;
-        float y;
-        float opacity;
     };
 
-    void fillRect(const editor::Rect& rect, editor::Rgba colour) override
-    {
-        rects.push_back(rect);
-        rectColours.push_back(colour);
-    }
-    void fillRectGradient(const editor::Rect& rect, editor::Rgba top, editor::Rgba) override
-    {
-        fillRect(rect, top);
-    }
+    void fillRect(const editor::Rect&, editor::Rgba) override {}
+    void fillRectGradient(const editor::Rect&, editor::Rgba, editor::Rgba) override {}
     void fillTriangles(const editor::ColouredVertex* vertices, int vertexCount) override
     {
         triangles.insert(triangles.end(), vertices, vertices + vertexCount);
     }
-    void drawCircle(float centreX, float centreY, float outerRadius, float, editor::Rgba) override
+    void drawCircle(float, float, float, float, editor::Rgba) override {}
+    void drawImage(int imageId, int, int frame, float, float, float, bool, bool) override
     {
-        circles.push_back({centreX, centreY, outerRadius, outerRadius});
+        images.push_back({imageId, frame});
     }
-    void drawImage(int imageId, int, int frame, float x, float y, float opacity, bool, bool) override
+    void drawText(float x, float y, const char* text, const editor::TextStyle&) override
     {
-        images.push_back({imageId, frame, x, y, opacity});
-    }
-    void drawText(float x, float y, const char* text, const editor::TextStyle& style) override
-    {
-        texts.push_back({x, y, text, style});
+        texts.push_back({x, y, text});
     }
     void setClip(const editor::Rect&) override {}
     void setSaturation(float value) override { saturation = value; }
@@ -78,10 +64,7 @@ public:
     }
     void clear() { *this = RecordingPainter(); }
 
-    std::vector<editor::Rect> rects;
-    std::vector<editor::Rgba> rectColours;
     std::vector<editor::ColouredVertex> triangles;
-    std::vector<editor::Rect> circles; // centre in x, y; radius in width
     std::vector<Image> images;
     std::vector<Text> texts;
     float saturation = 1.0f;

@@ -1,8 +1,8 @@
-// Band curves, the summed responses, handles, highlights and the automatic lock of the graph.
+// Band curves, the summed responses, the handles and the graph's vertex buffers; a curve's
+// anti-aliased stroke and its fill.
 
 #include "editor/ResponseGraph.h"
-#include "editor/RecordingPainter.h"
-#include "resources/ResourceIds.h"
+#include "editor/ResponseCurve.h"
 #include "support/FilterResponse.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +17,6 @@ namespace
 using namespace velmoran::editor;
 using velmoran::test::Design;
 using velmoran::test::GainDbAt;
-using velmoran::test::RecordingPainter;
-namespace ids = velmoran::resources;
 
 struct Band
 {
@@ -201,57 +199,6 @@ TEST(HandleHit, NeverTakesAHandleOutsideThePlot)
     EXPECT_EQ(graph.hitTest(plot.right() + 1.0f, std::clamp(band.handleY, plot.y, plot.bottom())), -1);
 }
 
-TEST(HandleHighlight, FadesByFourAFrameToAnEighthOnceNothingIsHeld)
-{
-    ResponseGraph graph;
-    SetBand(graph, 0, {2, 400.0f, 6.0f, 1.0f});
-    EXPECT_EQ(graph.slot(0).highlight, 31u);
-    graph.hitTest(graph.slot(0).handleX, graph.slot(0).handleY);
-    EXPECT_FALSE(graph.update());
-    graph.clearSelection();
-    graph.setDragged(0, true);
-    EXPECT_FALSE(graph.update());
-    EXPECT_EQ(graph.slot(0).highlight, 127u);
-    graph.setDragged(0, false);
-    int frames = 0;
-    while (graph.update())
-        ++frames;
-    EXPECT_EQ(frames, 23); // the 24th step lands on the eighth and reports the fade settled
-    EXPECT_EQ(graph.slot(0).highlight, 31u);
-}
-
-TEST(AutomaticLock, DropsItsAnchorBelowTheHoldingModes)
-{
-    ResponseGraph graph;
-    for (unsigned mode : {1u, 2u, 0u, 3u, 1u})
-    {
-        graph.setLockMode(mode);
-        graph.setLockAnchor(1000.0f, 3.0f);
-        EXPECT_EQ(graph.lockMode(), mode);
-        EXPECT_EQ(graph.lockAnchor().set, mode >= 2) << mode;
-    }
-    graph.setLockMode(4);
-    EXPECT_EQ(graph.lockMode(), 1u);
-}
-
-TEST(HandleImages, ShowWhetherABandIsOnSelectedOrUnderTheMouse)
-{
-    ResponseGraph graph;
-    graph.layout();
-    SetBand(graph, 0, {2, 100.0f, 6.0f, 1.0f});
-    SetBand(graph, 1, {2, 5000.0f, -6.0f, 1.0f}, 0, false);
-    graph.update();
-    RecordingPainter painter;
-    graph.draw(painter);
-    EXPECT_TRUE(painter.drewImage(ids::kBandHandle, 0) && painter.drewImage(ids::kIdleHandle, 0));
-    graph.setSelectedBand(0);
-    graph.setMousePosition(graph.slot(1).handleX, graph.slot(1).handleY);
-    painter.clear();
-    graph.draw(painter);
-    EXPECT_TRUE(painter.drewImage(ids::kBandHandle, 1) && painter.drewImage(ids::kIdleHandle, 1));
-    EXPECT_FALSE(painter.drewImage(ids::kBandHandle, 0));
-}
-
 // Frames after the first reuse the vertex buffers: no allocation while the user plays.
 TEST(GraphFrames, RebuildCurvesInTheBuffersOfTheFirstFrame)
 {
@@ -276,6 +223,64 @@ TEST(GraphFrames, RebuildCurvesInTheBuffersOfTheFirstFrame)
     EXPECT_EQ(graph.bandCurve(0).strokeVertices().data(), bandStroke);
     EXPECT_EQ(graph.sumCurve(0).fillVertices().data(), sumFill);
     EXPECT_EQ(graph.spectrum().curve().strokeVertices().data(), spectrum);
+}
+
+constexpr Rgba kColour{200, 100, 50, 255};
+
+struct Slope
+{
+    float dx;
+    float dy;
+};
+
+using StrokeTest = ::testing::TestWithParam<Slope>;
+
+// Solid vertices lie halfWidth from the line on either side, the transparent ones a pixel further.
+TEST_P(StrokeTest, HasASolidCoreAndAOnePixelFeather)
+{
+    ResponseCurve curve(20);
+    for (int k = 0; k < curve.size(); ++k)
+    {
+        curve[k].x = 100.0f + GetParam().dx * k;
+        curve[k].y = 200.0f + GetParam().dy * k;
+    }
+    curve.buildStroke(kColour, 0.7f);
+    ASSERT_EQ(curve.strokeVertices().size(), 19u * 18u);
+    const float length = std::hypot(GetParam().dx, GetParam().dy);
+    for (const ColouredVertex& v : curve.strokeVertices())
+    {
+        const float distance =
+            std::fabs((v.x - 100.0f) * GetParam().dy - (v.y - 200.0f) * GetParam().dx) / length;
+        EXPECT_NEAR(distance, v.colour.a == 0 ? 1.7f : 0.7f, 1e-3);
+        EXPECT_TRUE(v.colour.a == 0 || v.colour.a == 255);
+        EXPECT_EQ(v.colour.r, kColour.r);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, StrokeTest,
+                         ::testing::Values(Slope{1.5f, 0.0f}, Slope{1.5f, 1.5f}, Slope{1.5f, -40.0f}));
+
+// Where the curve passes 0 dB the fill splits, so no triangle reaches across the baseline.
+TEST(CurveFill, StaysOnOneSideOfTheBaselinePerTriangle)
+{
+    ResponseCurve curve(9);
+    const float levels[9] = {6.0f, 4.0f, 1.0f, -2.0f, -5.0f, -1.0f, 3.0f, 0.0f, -0.5f};
+    for (int k = 0; k < curve.size(); ++k)
+    {
+        curve[k].x = 10.0f * k;
+        curve[k].responseDb = levels[k];
+        curve[k].y = 100.0f - 5.0f * levels[k];
+    }
+    curve.flagZeroCrossings();
+    curve.buildFill(100.0f, kColour, kColour);
+    const std::vector<ColouredVertex>& fill = curve.fillVertices();
+    ASSERT_EQ(fill.size(), 8u * 6u);
+    for (std::size_t i = 0; i < fill.size(); i += 3)
+    {
+        const bool above = fill[i].y < 100.0f || fill[i + 1].y < 100.0f || fill[i + 2].y < 100.0f;
+        const bool below = fill[i].y > 100.0f || fill[i + 1].y > 100.0f || fill[i + 2].y > 100.0f;
+        EXPECT_FALSE(above && below) << "triangle " << i / 3;
+    }
 }
 
 } // namespace

@@ -1,13 +1,14 @@
+// The picture of a box and the stretched images it is made of.
+
 #include "editor/mbx/MBXComposer.h"
-#include "editor/mbx/MBXAboutMessage.h"
-#include "editor/mbx/MBXDialogue.h"
+#include "editor/mbx/MBXCanvas.h"
 #include "editor/mbx/MBXMessage.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
-#include <functional>
-#include <utility>
+#include <vector>
 
 using namespace Steinberg::Vst::Velmoran;
 using velmoran::platform::CanvasBuffer;
@@ -15,20 +16,13 @@ using velmoran::platform::CanvasBuffer;
 namespace
 {
 
-using PixelTest = std::function<bool(const std::uint8_t* rgba)>;
-
-bool amber(const std::uint8_t* p)
-{
-    return p[0] > 200 && p[1] > 110 && p[1] < 200 && p[2] < 90;
-}
-
 bool lightGrey(const std::uint8_t* p)
 {
     return p[0] > 150 && p[1] > 150 && p[2] > 150;
 }
 
 // How many pixels of an area pass a test.
-int count(const CanvasBuffer& canvas, const MBXRect& area, const PixelTest& test)
+template <typename PixelTest> int count(const CanvasBuffer& canvas, const MBXRect& area, PixelTest test)
 {
     int passing = 0;
     for (int y = area.y; y < area.bottom(); ++y)
@@ -37,89 +31,50 @@ int count(const CanvasBuffer& canvas, const MBXRect& area, const PixelTest& test
     return passing;
 }
 
-struct Composed
-{
-    MBXBoxLayout layout;
-    CanvasBuffer canvas;
-};
-
-Composed composed(const MBXObject& box, const MBXPointerState& pointer = {})
-{
-    MBXBoxLayout layout = layoutBox(box);
-    CanvasBuffer canvas = composeBox(box, layout, pointer);
-    return {std::move(layout), std::move(canvas)};
-}
-
-TEST(MBXComposer, PanelIsOpaqueWithAnAmberTopEdgeAndTheTitleInTheTitleBar)
+TEST(MBXComposer, PanelIsOpaqueWithTheTitleInTheTitleBarAndTheText)
 {
     const MBXErrorMessage box("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context.");
-    const Composed result = composed(box);
-    const MBXBoxLayout& layout = result.layout;
-    EXPECT_EQ(count(result.canvas, {0, 0, layout.width, layout.height},
-                    [](const std::uint8_t* p) { return p[3] == 255; }),
-              layout.width * layout.height);
-    EXPECT_EQ(count(result.canvas, {1, 1, layout.width - 2, 1}, amber), layout.width - 2);
+    const MBXBoxLayout layout = layoutBox(box);
+    const CanvasBuffer canvas = composeBox(box, layout);
+    EXPECT_EQ(
+        count(canvas, {0, 0, layout.width, layout.height}, [](const std::uint8_t* p) { return p[3] == 255; }),
+        layout.width * layout.height);
 
     const MBXRect titleArea{layout.titleX, 4, 220, layout.titleBar.height - 6};
-    EXPECT_GT(count(result.canvas, titleArea, lightGrey), 150);
+    EXPECT_GT(count(canvas, titleArea, lightGrey), 150);
     const MBXRect pastTitle{titleArea.right() + 10, 4, layout.width - titleArea.right() - 12,
                             titleArea.height};
-    EXPECT_EQ(count(result.canvas, pastTitle, lightGrey), 0);
+    EXPECT_EQ(count(canvas, pastTitle, lightGrey), 0);
 
     const MBXTextLine& line = layout.lines.front();
     const MBXRect lineArea{line.x, static_cast<int>(line.baseline) - 12, layout.width - line.x, 16};
-    EXPECT_GT(count(result.canvas, lineArea, lightGrey), 300);
+    EXPECT_GT(count(canvas, lineArea, lightGrey), 300);
 }
 
-// Which kind of box has which sign is checked in MBXObjectTest.cpp.
-TEST(MBXComposer, EachSignIsDrawnInItsColour)
+// Stretches a one-row image whose red channel numbers its columns 1..6, keeping two columns at
+// each end, to several widths; partial reads past the image's edge draw nothing.
+TEST(MBXCanvas, StretchKeepsTheCapsAndSpreadsTheMiddle)
 {
-    const MBXAlertMessage warning("Title", "Text");
-    const MBXErrorMessage error("Title", "Text");
-    const MBXInfoMessage information("Title", "Text");
-    const MBXDialogue question("Title", "Text");
-    const std::pair<const MBXObject*, PixelTest> cases[] = {
-        {&warning, amber},
-        {&error, [](const std::uint8_t* p) { return p[0] > 200 && p[1] < 100 && p[2] < 110; }},
-        {&information, [](const std::uint8_t* p) { return p[2] > 200 && p[0] < 120; }},
-        {&question, [](const std::uint8_t* p) { return p[0] > 80 && p[0] < 100 && p[2] > 100; }},
-    };
-    for (const auto& [box, colour] : cases)
+    std::array<std::uint8_t, 24> row{};
+    for (int column = 0; column < 6; ++column)
     {
-        SCOPED_TRACE(static_cast<int>(box->icon()));
-        const Composed result = composed(*box);
-        EXPECT_GT(count(result.canvas, result.layout.icon, colour), 150);
-        const MBXRect besideSign{result.layout.icon.x, result.layout.icon.bottom() + 8, 24, 12};
-        EXPECT_EQ(count(result.canvas, besideSign, colour), 0);
+        row[column * 4] = static_cast<std::uint8_t>(column + 1);
+        row[column * 4 + 3] = 255;
     }
-}
-
-TEST(MBXComposer, DefaultButtonIsLabelledInAmberAndAPressedFaceIsRimmedInAmber)
-{
-    const MBXDialogue box("Reset?", "Every band goes back.", MBXDialogueButtons::kYesNo);
-    const Composed idle = composed(box);
-    const MBXRect& yes = idle.layout.buttons[0];
-    const MBXRect& no = idle.layout.buttons[1];
-    EXPECT_GT(count(idle.canvas, yes, amber), 10);
-    EXPECT_EQ(count(idle.canvas, no, amber), 0);
-
-    const Composed pressed = composed(box, {1, 1, false});
-    const MBXRect rim{no.x + 6, no.y, no.width - 12, 1}; // the top edge between the rounded ends
-    EXPECT_EQ(count(pressed.canvas, rim, amber), rim.width);
-    EXPECT_EQ(count(idle.canvas, rim, amber), 0);
-}
-
-TEST(MBXComposer, AboutBoxShowsTheLinkAndVersionInAmber)
-{
-    const Composed about = composed(MBXAboutMessage());
-    const MBXRect& link = about.layout.links.front();
-    EXPECT_GT(count(about.canvas, link, amber), link.width);
-    const MBXTextLine& version = about.layout.lines[1];
-    const MBXRect versionArea{version.x, static_cast<int>(version.baseline) - 14, 120, 16};
-    EXPECT_GT(count(about.canvas, versionArea, amber), 100);
-    const MBXTextLine& maker = about.layout.lines[about.layout.lines.size() - 2];
-    const MBXRect makerArea{maker.x, static_cast<int>(maker.baseline) - 12, 120, 14};
-    EXPECT_EQ(count(about.canvas, makerArea, amber), 0);
+    const velmoran::platform::SoftwareImage image{6, 1, 24, 4, row.data()};
+    const struct
+    {
+        int width;
+        std::vector<int> columns;
+    } cases[] = {{6, {1, 2, 3, 4, 5, 6}}, {10, {1, 2, 3, 3, 3, 4, 4, 4, 5, 6}}, {5, {1, 2, 3, 5, 6}}};
+    for (const auto& stretch : cases)
+    {
+        velmoran::platform::CanvasBuffer canvas(stretch.width, 1);
+        drawImageStretched(canvas.canvas(), image, {0, 0, 6, 1}, {0, 0, stretch.width, 1}, {2, 0, 2, 0});
+        drawImage(canvas.canvas(), image, {4, 0, 4, 1}, 0, 0);
+        for (int x = 0; x < stretch.width; ++x)
+            EXPECT_EQ(canvas.pixel(x, 0)[0], stretch.columns[x]) << "width " << stretch.width << ", x " << x;
+    }
 }
 
 } // namespace

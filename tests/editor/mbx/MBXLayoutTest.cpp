@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 using namespace Steinberg::Vst::Velmoran;
 
@@ -22,10 +23,15 @@ float widthIn(const MBXTextStyle& style, const std::string& line)
     return markupWidth(text, line);
 }
 
-// Every part inside the box, in its band and in its order.
-void expectWellPlaced(const MBXObject& box)
+// The box has its kind's buttons and sign, the first button the default and the last the cancel
+// one; every part lies inside the box, in its band and in its order.
+void expectWellPlaced(const MBXObject& box, const std::vector<std::string>& buttons, MBXIcon icon)
 {
     SCOPED_TRACE(box.title());
+    EXPECT_EQ(box.buttons(), buttons);
+    EXPECT_EQ(box.icon(), icon);
+    EXPECT_EQ(box.defaultButton(), 0);
+    EXPECT_EQ(box.cancelButton(), static_cast<int>(buttons.size()) - 1);
     const MBXBoxLayout layout = layoutBox(box);
     EXPECT_TRUE(layout.titleBaseline > 0 && layout.titleBaseline < layout.titleBar.bottom());
     EXPECT_LE(2 * layout.titleX + widthIn(kMBXTitleText, box.title()), layout.width);
@@ -53,44 +59,46 @@ void expectWellPlaced(const MBXObject& box)
     EXPECT_EQ(buttonAt(layout, 1, layout.footer.y + 1), -1);
 }
 
-TEST(MBXLayout, EveryKindOfBoxIsLaidOutInItsBands)
+TEST(MBXLayout, EveryKindOfBoxHasItsButtonsAndSignAndIsLaidOutInItsBands)
 {
-    expectWellPlaced(MBXMessage("Saved", "The preset was saved."));
+    expectWellPlaced(MBXMessage("Saved", "The preset was saved."), {"OK"}, MBXIcon::kNone);
     expectWellPlaced(
-        MBXErrorMessage("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context."));
+        MBXErrorMessage("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context."),
+        {"OK"}, MBXIcon::kError);
     expectWellPlaced(
-        MBXAlertMessage("A title that is a good deal wider than any box needs for its text", "Short."));
+        MBXAlertMessage("A title that is a good deal wider than any box needs for its text", "Short."),
+        {"OK"}, MBXIcon::kWarning);
+    expectWellPlaced(MBXDialogue("Reset?", "Every band goes back to its factory setting."), {"OK", "Cancel"},
+                     MBXIcon::kQuestion);
     expectWellPlaced(
-        MBXDialogue("Reset?", "Every band goes back to its factory setting.", MBXDialogueButtons::kYesNo));
+        MBXDialogue("Reset?", "Every band goes back to its factory setting.", MBXDialogueButtons::kYesNo),
+        {"Yes", "No"}, MBXIcon::kQuestion);
     expectWellPlaced(MBXInfoMessage("Notice", "This text is far too long for a single line of the box, so it "
-                                              "has to wrap onto several lines, each within the width."));
-    expectWellPlaced(MBXAboutMessage());
+                                              "has to wrap onto several lines, each within the width."),
+                     {"OK"}, MBXIcon::kInformation);
+    expectWellPlaced(MBXAboutMessage(), {"OK"}, MBXIcon::kNone);
 }
 
-TEST(MBXLayout, AboutBoxHasAHeadingAndALinkOverTheAddress)
+// The about box's address is a link exactly over its text; a link that wraps is covered on both lines.
+TEST(MBXLayout, LinksAreCoveredWhereTheyAreDrawn)
 {
-    const MBXBoxLayout layout = layoutBox(MBXAboutMessage());
-    EXPECT_EQ(layout.lines.front().text, "Velmoran");
-    EXPECT_EQ(layout.lines.front().style, &kMBXHeadingText);
-    EXPECT_EQ(layout.linkTarget, "www.varnholt.co.uk");
-    ASSERT_EQ(layout.links.size(), 1u);
-    const MBXRect& link = layout.links.front();
+    const MBXBoxLayout about = layoutBox(MBXAboutMessage());
+    EXPECT_EQ(about.linkTarget, "www.varnholt.co.uk");
+    ASSERT_EQ(about.links.size(), 1u);
+    const MBXRect& link = about.links.front();
     EXPECT_NEAR(link.width, widthIn(kMBXBodyText, "www.varnholt.co.uk"), 1.0);
-    EXPECT_TRUE(linkAt(layout, link.x + 2, link.y + link.height / 2));
-    EXPECT_FALSE(linkAt(layout, link.right() + 2, link.y + link.height / 2));
-}
+    EXPECT_TRUE(linkAt(about, link.x + 2, link.y + link.height / 2));
+    EXPECT_FALSE(linkAt(about, link.right() + 2, link.y + link.height / 2));
 
-TEST(MBXLayout, LinkThatWrapsIsCoveredOnBothLines)
-{
-    const MBXBoxLayout layout = layoutBox(MBXInfoMessage(
+    const MBXBoxLayout wrapped = layoutBox(MBXInfoMessage(
         "Help", "See <a>the manual chapter about every band, its filter types and the spectrum</a> there."));
-    ASSERT_EQ(layout.lines.size(), 2u);
-    EXPECT_FALSE(layout.lines[0].startsInLink);
-    EXPECT_TRUE(layout.lines[1].startsInLink);
-    ASSERT_EQ(layout.links.size(), 2u);
-    EXPECT_GT(layout.links[0].x, layout.lines[0].x);
-    EXPECT_EQ(layout.links[1].x, layout.lines[1].x);
-    EXPECT_GT(layout.links[1].y, layout.links[0].y);
+    ASSERT_EQ(wrapped.lines.size(), 2u);
+    EXPECT_FALSE(wrapped.lines[0].startsInLink);
+    EXPECT_TRUE(wrapped.lines[1].startsInLink);
+    ASSERT_EQ(wrapped.links.size(), 2u);
+    EXPECT_GT(wrapped.links[0].x, wrapped.lines[0].x);
+    EXPECT_EQ(wrapped.links[1].x, wrapped.lines[1].x);
+    EXPECT_GT(wrapped.links[1].y, wrapped.links[0].y);
 }
 
 // A driver log of hundreds of lines keeps its first ones and leaves the box, buttons and all, on

@@ -109,17 +109,4 @@ TEST_F(Manager, NullPresenterRestoresTheWindowOrElseTheDefaultButton)
     EXPECT_EQ(manager.show(dialogue), 5);
 }
 
-// The editor's views show its caption and text (EditorViewTest.cpp); the greying is any box's.
-TEST_F(Manager, EditorErrorIsAnErrorBox)
-{
-    MBXIcon icon = MBXIcon::kNone;
-    gWhilePresented = [&icon](const MBXObject& shown)
-    {
-        icon = shown.icon();
-        return 0;
-    };
-    showEditorError("Plug-In Editor Failed to Open", "Failed to create compatible OpenGL context.");
-    EXPECT_EQ(icon, MBXIcon::kError);
-}
-
 } // namespace
