@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace velmoran::test
 {
@@ -70,6 +71,15 @@ TEST_F(PlugHostileInput, IndicesOutOfRangeAreRefusedWithoutThrowing)
     {
         UnitInfo info{};
         EXPECT_EQ(units->getUnitInfo(index, info), kInvalidArgument) << index;
+    }
+}
+
+TEST_F(PlugHostileInput, SetUpRefusesSixtyFourBitSamplesAndRatesThatAreNoRates)
+{
+    for (auto [sampleSize, rate] : {std::pair{kSample64, 88200.0}, {kSample32, 0.0}, {kSample32, kNaN}})
+    {
+        ProcessSetup setup{kRealtime, sampleSize, 256, rate};
+        EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk) << sampleSize << " " << rate;
     }
 }
 

@@ -23,28 +23,15 @@ tresult PLUGIN_API FrameRelay::notify(IMessage* message)
 {
     const void* data = nullptr;
     uint32 size = 0;
-    double rate = 0.0;
-    const char* id = message && message->getAttributes() ? message->getMessageID() : nullptr;
-    id = id ? id : "";
-    if (std::strcmp(id, "BinaryMessage") == 0 &&
-        message->getAttributes()->getBinary("FFTData", data, size) == kResultOk)
+    if (message && message->getAttributes() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
+        message->getAttributes()->getBinary("FFTData", data, size) == kResultOk &&
+        size == sizeof(Plug::SpectrumFrame))
     {
         std::lock_guard<std::mutex> guard(mLock);
-        if (size != sizeof(Plug::SpectrumFrame))
-            ++mReceived.otherSizes;
-        else
-        {
-            ++mReceived.count;
-            std::memcpy(&mReceived.last, data, size);
-        }
+        ++mReceived.count;
+        std::memcpy(&mReceived.last, data, size);
     }
-    else if (std::strcmp(id, "setActive") == 0 &&
-             message->getAttributes()->getFloat("sampleRate", rate) == kResultOk)
-    {
-        std::lock_guard<std::mutex> guard(mLock);
-        mReceived.sampleRates.push_back(rate);
-    }
-    return mController ? mController->notify(message) : kResultOk;
+    return mController->notify(message);
 }
 
 RunningInstance::RunningInstance(int32 maxBlockLength)
