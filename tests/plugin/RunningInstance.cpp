@@ -50,16 +50,6 @@ RunningInstance::RunningInstance(int32 maxBlockLength)
         mInputChannels[channel] = inputs[channel].data();
         mOutputChannels[channel] = outputs[channel].data();
     }
-    mInputBus.numChannels = 2;
-    mInputBus.channelBuffers32 = mInputChannels.data();
-    mOutputBus.numChannels = 2;
-    mOutputBus.channelBuffers32 = mOutputChannels.data();
-    mData.processMode = kRealtime;
-    mData.symbolicSampleSize = kSample32;
-    mData.numInputs = 1;
-    mData.numOutputs = 1;
-    mData.inputs = &mInputBus;
-    mData.outputs = &mOutputBus;
     ProcessSetup setup{kRealtime, kSample32, maxBlockLength, 48000.0};
     mActive = plugin.processor->setupProcessing(setup) == kResultOk &&
               plugin.component->setActive(true) == kResultOk;
@@ -89,9 +79,8 @@ bool RunningInstance::openEditor(bool open)
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
 {
-    mData.numSamples = sampleCount;
-    mData.inputParameterChanges = changes;
-    return plugin.processor->process(mData);
+    return processBlock(plugin.processor, mInputChannels.data(), 2, mOutputChannels.data(), 2, sampleCount,
+                        changes);
 }
 
 } // namespace velmoran::test

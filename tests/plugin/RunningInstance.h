@@ -78,9 +78,6 @@ private:
     IPtr<FrameRelay> mRelay;
     std::array<float*, 2> mInputChannels{};
     std::array<float*, 2> mOutputChannels{};
-    AudioBusBuffers mInputBus{};
-    AudioBusBuffers mOutputBus{};
-    ProcessData mData{};
 };
 
 } // namespace velmoran::test
