@@ -34,8 +34,6 @@ TEST(PlugEntry, EntersAndGivesTheFactoryInformation)
     PFactoryInfo info;
     ASSERT_EQ(factory->getFactoryInfo(&info), kResultOk);
     EXPECT_STREQ(info.vendor, "Varnholt Ltd");
-    EXPECT_EQ(std::string(info.url).rfind("https://", 0), 0u) << info.url;
-    EXPECT_EQ(std::string(info.email).rfind("mailto:", 0), 0u) << info.email;
     EXPECT_EQ(info.flags, PFactoryInfo::kUnicode);
     EXPECT_EQ(factory->getFactoryInfo(nullptr), kInvalidArgument);
     ASSERT_EQ(factory->countClasses(), 2);
