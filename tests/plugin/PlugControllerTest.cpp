@@ -144,12 +144,9 @@ INSTANTIATE_TEST_SUITE_P(
 // Words, and numbers that are no numbers, read as no value and leave the value given alone.
 TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
 {
-    std::vector<std::pair<ParamID, const char*>> cases = {{1, "loud"},    {2, "Peak"}, {17, "12 dB"},
-                                                          {60, "Centre"}, {68, "13"},  {0, "Maybe"}};
-    for (ParamID tag : std::initializer_list<ParamID>{Plug::kPresetTag, Plug::frequencyTag(1), Plug::qTag(5),
-                                                      Plug::kSoloTag})
-        for (const char* text : {"nan", "inf", "-inf", "infinity", "NAN"})
-            cases.emplace_back(tag, text);
+    const std::pair<ParamID, const char*> cases[] = {
+        {1, "loud"},  {2, "Peak"}, {17, "12 dB"}, {60, "Centre"},   {68, "13"},
+        {0, "Maybe"}, {68, "nan"}, {17, "-inf"},  {41, "infinity"}, {69, "NAN"}};
     for (auto [tag, text] : cases)
     {
         String128 buffer = {};

@@ -1,4 +1,6 @@
-// The processor as a host drives it: buses, parameter changes, blocks of odd shapes.
+// The processor as a host drives it: buses, set-up, parameter changes, blocks of odd shapes. The
+// controller's and the messages' hostile calls are the fuzz targets' (their corpus holds each
+// input that once crashed).
 
 #include "PluginHost.h"
 
@@ -12,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace velmoran::test
@@ -53,6 +56,17 @@ TEST_F(PlugProcessor, OffersOneEventInputAndThirtyTwoBitSamples)
     EXPECT_NE(plugin.processor->canProcessSampleSize(kSample64), kResultTrue);
     EXPECT_EQ(plugin.processor->setBusArrangements(nullptr, 1, nullptr, 1), kResultFalse);
     EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
+}
+
+TEST_F(PlugProcessor, SetUpRefusesSixtyFourBitSamplesAndRatesThatAreNoRates)
+{
+    for (auto [sampleSize, rate] : {std::pair{kSample64, 88200.0},
+                                    {kSample32, 0.0},
+                                    {kSample32, std::numeric_limits<double>::quiet_NaN()}})
+    {
+        ProcessSetup setup{kRealtime, sampleSize, 256, rate};
+        EXPECT_NE(plugin.processor->setupProcessing(setup), kResultOk) << sampleSize << " " << rate;
+    }
 }
 
 struct BusCase
