@@ -1,8 +1,8 @@
 // The spectrum link as the editor depends on it, processor and controller compiled in and connected
 // to each other as a host connects them: the processor analyses only while an editor is open, and
 // learns that one is from the controller's connection and from each activation, whatever order a
-// host creates, connects, activates and re-connects the two in; the controller keeps the frames
-// and the rate the processor sends.
+// host creates, connects, activates and re-connects the two in; the controller takes the rate the
+// processor sends. Which frames the controller keeps of any message is the notify fuzz target's.
 
 #include "plugin/Plug.h"
 #include "plugin/PlugController.h"
@@ -202,50 +202,5 @@ INSTANTIATE_TEST_SUITE_P(EveryOrder, PlugEditorLinkOrder,
                                          Order::ReconnectedAfterTheEditorOpened,
                                          Order::ReinitialisedAndReconnected,
                                          Order::ProcessorSideReconnectedAndActivated));
-
-// A frame up to the exchanged size is kept byte for byte (a shorter one over its own length), a
-// larger one is dropped whole; "setActive" brings the rate; a binary message without "FFTData" is
-// not the link's.
-TEST(PlugEditorLinkAlone, ControllerKeepsFramesUpToItsSizeAndTakesTheRate)
-{
-    HostApplication host;
-    IPtr<Velmoran::CPlugController> controller = owned(new Velmoran::CPlugController());
-    ASSERT_EQ(controller->initialize(&host), kResultOk);
-    std::vector<char> kept(sizeof(Velmoran::SpectrumFrame));
-    auto frame = Velmoran::makeSpectrumFrame();
-    std::memcpy(kept.data(), frame.get(), kept.size());
-    uint64_t seen = ~uint64_t{0};
-    ASSERT_TRUE(controller->copySpectrumFrame(*frame, seen));
-    const struct
-    {
-        uint32 size;
-        char fill;
-        bool keeps;
-    } cases[] = {{32776, 1, true}, {32777, 2, false}, {3, 3, true}};
-    for (const auto& sent : cases)
-    {
-        SCOPED_TRACE(sent.size);
-        const std::vector<char> bytes(sent.size, sent.fill);
-        auto message = owned(new HostMessage());
-        message->setMessageID("BinaryMessage");
-        message->getAttributes()->setBinary("FFTData", bytes.data(), sent.size);
-        EXPECT_EQ(controller->notify(message), kResultOk);
-        if (sent.keeps)
-            std::copy(bytes.begin(), bytes.end(), kept.begin());
-        EXPECT_EQ(controller->copySpectrumFrame(*frame, seen), sent.keeps);
-        EXPECT_EQ(std::memcmp(frame.get(), kept.data(), kept.size()), 0);
-    }
-
-    auto rate = owned(new HostMessage());
-    rate->setMessageID("setActive");
-    rate->getAttributes()->setFloat("sampleRate", 96000.0);
-    EXPECT_EQ(controller->notify(rate), kResultOk);
-    EXPECT_EQ(controller->sampleRate(), 96000.0);
-
-    auto other = owned(new HostMessage());
-    other->setMessageID("BinaryMessage");
-    EXPECT_NE(controller->notify(other), kResultOk);
-    EXPECT_EQ(controller->terminate(), kResultOk);
-}
 
 } // namespace
