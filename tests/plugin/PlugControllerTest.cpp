@@ -20,14 +20,7 @@ namespace
 
 namespace Plug = Vst::Velmoran;
 
-class PlugController : public testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
-    PluginInstance plugin;
-    FUnknownPtr<IUnitInfo> units{plugin.controller};
-};
+using PlugController = WithInstance<>;
 
 struct ExpectedParameter
 {
@@ -72,6 +65,7 @@ INSTANTIATE_TEST_SUITE_P(Table, PlugParameterInfo,
 // through.
 TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
 {
+    FUnknownPtr<IUnitInfo> units(plugin.controller);
     ASSERT_TRUE(units);
     ASSERT_EQ(units->getUnitCount(), 1);
     UnitInfo unit;

@@ -41,11 +41,6 @@ struct ChangeCase
     bool editorOpensAndCloses = false;
 };
 
-std::ostream& operator<<(std::ostream& stream, const ChangeCase& change)
-{
-    return stream << change.name;
-}
-
 std::vector<Step> everyBand(ParamID (*tagOf)(int), std::vector<ParamValue> values)
 {
     std::vector<Step> steps;

@@ -50,7 +50,6 @@ TEST(ParameterChanges, PointsStaySortedAndOneOffsetHoldsOneValue)
     auto changes = owned(new ParameterChanges());
     int32 index = 0;
     IParamValueQueue* queue = changes->addParameterData(1, index);
-    EXPECT_EQ(queue->getParameterId(), 1u);
     queue->addPoint(40, 0.4, index);
     queue->addPoint(10, 0.1, index);
     EXPECT_EQ(index, 0);
