@@ -86,6 +86,22 @@ INSTANTIATE_TEST_SUITE_P(ProcessorThenController, PlugClassInfo,
                                                        "Component Controller Class", "VelmoranController", 0,
                                                        ""}));
 
+// A host may ask for the factory more than once; the module hands out its one factory each time.
+TEST(PlugEntry, SecondFactoryCallGivesTheSameObjectWithOneMoreReference)
+{
+    VST3::Hosting::Module* module = sharedModule();
+    IPluginFactory* first = module->factoryFunction()();
+    ASSERT_NE(first, nullptr);
+    const uint32 referencesBefore = first->addRef() - 1;
+    first->release();
+    IPluginFactory* second = module->factoryFunction()();
+    EXPECT_EQ(second, first);
+    EXPECT_EQ(first->addRef() - 1, referencesBefore + 1);
+    first->release();
+    second->release();
+    first->release();
+}
+
 TEST(PlugEntry, CreateInstanceAnswersForEveryInterfaceAndRefusesUnknownClasses)
 {
     IPtr<IPluginFactory> factory = sharedModule()->factory();
