@@ -74,11 +74,6 @@ protected:
         EXPECT_EQ(processBlock(processor, inputs, mOutputs, kBlock, mFftOn), kResultOk);
         return controller->copySpectrumFrame(*mFrame, mSeen);
     }
-    // True once the controller holds an analysed frame, playing on until it does.
-    bool spectrumArrives()
-    {
-        return velmoran::test::waitFor([this] { return playAndLook() && mFrame->transformSize > 0; });
-    }
     // Plays the given time, then gives the third frame sent after it: the frame the controller holds
     // and the one on its way may have been taken before the last block; the one after them was not.
     const Velmoran::SpectrumFrame& frameAfterPlaying(double seconds, double amplitude)
@@ -182,7 +177,8 @@ TEST_P(PlugEditorLinkOrder, SpectrumShowsUntilTheLastEditorCloses)
         ASSERT_EQ(processor->setActive(true), kResultOk);
         break;
     }
-    ASSERT_TRUE(spectrumArrives());
+    // Playing on until the controller holds an analysed frame.
+    ASSERT_TRUE(velmoran::test::waitFor([this] { return playAndLook() && mFrame->transformSize > 0; }));
     // The sine shows in frames of the analyser's rate and size; once the last editor closes, the
     // frame stays as it was while silence plays.
     const Velmoran::SpectrumFrame shown = frameAfterPlaying(1.0, 0.5);

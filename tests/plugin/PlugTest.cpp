@@ -30,13 +30,6 @@ std::string busName(IComponent* component, MediaType type, BusDirection directio
     return component->getBusInfo(type, direction, 0, info) == kResultOk ? asciiOf(info.name) : "";
 }
 
-SpeakerArrangement arrangementOf(IAudioProcessor* processor, BusDirection direction)
-{
-    SpeakerArrangement arrangement = 0;
-    processor->getBusArrangement(direction, 0, arrangement);
-    return arrangement;
-}
-
 using PlugProcessor = WithInstance<>;
 
 // Beside its audio buses (the table below), one event input; 32-bit samples only; null
@@ -55,7 +48,9 @@ TEST_F(PlugProcessor, OffersOneEventInputAndThirtyTwoBitSamples)
     EXPECT_EQ(plugin.processor->canProcessSampleSize(kSample32), kResultTrue);
     EXPECT_NE(plugin.processor->canProcessSampleSize(kSample64), kResultTrue);
     EXPECT_EQ(plugin.processor->setBusArrangements(nullptr, 1, nullptr, 1), kResultFalse);
-    EXPECT_EQ(arrangementOf(plugin.processor, kInput), SpeakerArr::kStereo);
+    SpeakerArrangement input = 0;
+    ASSERT_EQ(plugin.processor->getBusArrangement(kInput, 0, input), kResultOk);
+    EXPECT_EQ(input, SpeakerArr::kStereo);
 }
 
 TEST_F(PlugProcessor, SetUpRefusesSixtyFourBitSamplesAndRatesThatAreNoRates)

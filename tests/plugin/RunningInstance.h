@@ -56,8 +56,6 @@ public:
     explicit RunningInstance(int32 maxBlockLength = 512);
     // Deactivated and disconnected; the instance is then taken down in the host's order.
     ~RunningInstance();
-    RunningInstance(const RunningInstance&) = delete;
-    RunningInstance& operator=(const RunningInstance&) = delete;
 
     // True when the instance was made, connected and activated.
     bool valid() const { return mActive; }
