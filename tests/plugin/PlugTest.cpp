@@ -32,11 +32,13 @@ std::string busName(IComponent* component, MediaType type, BusDirection directio
 
 using PlugProcessor = WithInstance<>;
 
-// Beside its audio buses (the table below), one event input; 32-bit samples only; null
-// arrangements are refused.
-TEST_F(PlugProcessor, OffersOneEventInputAndThirtyTwoBitSamples)
+// One audio bus each way (their layouts in the table below) and one event input; 32-bit samples
+// only; null arrangements are refused.
+TEST_F(PlugProcessor, OffersItsBusesAndThirtyTwoBitSamples)
 {
     IComponent* component = plugin.component;
+    EXPECT_EQ(component->getBusCount(kAudio, kInput), 1);
+    EXPECT_EQ(component->getBusCount(kAudio, kOutput), 1);
     EXPECT_EQ(component->getBusCount(kEvent, kInput), 1);
     EXPECT_EQ(component->getBusCount(kEvent, kOutput), 0);
     EXPECT_EQ(busName(component, kAudio, kOutput), "Stereo Out");
