@@ -38,9 +38,8 @@ tresult PLUGIN_API ComponentHandler::endEdit(ParamID id)
     return kResultOk;
 }
 
-tresult PLUGIN_API ComponentHandler::restartComponent(int32 flags)
+tresult PLUGIN_API ComponentHandler::restartComponent(int32 /*flags*/)
 {
-    mLastRestartFlags = flags;
     return kResultOk;
 }
 

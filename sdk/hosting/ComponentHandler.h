@@ -49,8 +49,6 @@ public:
     // Every beginEdit, performEdit and endEdit since the last clearEditLog, in the order received.
     const std::vector<EditCall>& editLog() const { return mEditLog; }
     void clearEditLog() { mEditLog.clear(); }
-    // Flags of the last restartComponent call (0 if none).
-    int32 lastRestartFlags() const { return mLastRestartFlags; }
 
     tresult PLUGIN_API beginEdit(ParamID id) SMTG_OVERRIDE;
     tresult PLUGIN_API performEdit(ParamID id, ParamValue valueNormalized) SMTG_OVERRIDE;
@@ -64,7 +62,6 @@ private:
     std::vector<EditCall> mEditLog;
     int32 mOpenEdits = 0;
     int32 mPerformedEdits = 0;
-    int32 mLastRestartFlags = 0;
 };
 
 } // namespace Vst

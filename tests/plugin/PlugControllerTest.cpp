@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace velmoran::test
@@ -19,14 +20,7 @@ namespace
 
 namespace Plug = Vst::Velmoran;
 
-class PlugController : public testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(plugin.valid()); }
-
-    PluginInstance plugin;
-    FUnknownPtr<IUnitInfo> units{plugin.controller};
-};
+using PlugController = WithInstance<>;
 
 struct ExpectedParameter
 {
@@ -48,56 +42,40 @@ TEST_P(PlugParameterInfo, RegisteredInHostOrder)
     ASSERT_EQ(plugin.controller->getParameterInfo(expected.index, info), kResultOk);
     EXPECT_EQ(info.id, expected.tag);
     EXPECT_EQ(asciiOf(info.title), expected.title);
-    EXPECT_EQ(asciiOf(info.units), "");
     EXPECT_EQ(info.stepCount, expected.stepCount);
     EXPECT_NEAR(info.defaultNormalizedValue, expected.defaultValue, 1e-6);
     EXPECT_EQ(info.flags, expected.flags);
     EXPECT_EQ(info.unitId, kRootUnitId);
 }
 
+// The first, the ones out of tag order, and the two a host treats apart (program change, bypass).
 INSTANTIATE_TEST_SUITE_P(Table, PlugParameterInfo,
                          testing::Values(ExpectedParameter{0, 1, "Input Gain", 0, 0.495, 1},
-                                         ExpectedParameter{1, 2, "01 Filt Type", 0, 0.35, 1},
-                                         ExpectedParameter{10, 11, "10 Filt Type", 0, 0.4, 1},
-                                         ExpectedParameter{11, 12, "Output Gain", 0, 0.495, 1},
                                          ExpectedParameter{12, 14, "FFT", 0, 0.0, 1},
-                                         ExpectedParameter{14, 16, "FFT Slope", 0, 0.99, 1},
                                          ExpectedParameter{15, 57, "Polarity", 0, 0.0, 1},
                                          ExpectedParameter{16, 17, "01 Freq", 0, 0.00056306, 1},
-                                         ExpectedParameter{21, 22, "06 Freq", 0, 0.04904905, 1},
-                                         ExpectedParameter{26, 27, "01 Gain", 0, 0.5, 1},
-                                         ExpectedParameter{36, 37, "01 Q", 0, 0.4279403, 1},
-                                         ExpectedParameter{46, 47, "01 Enable", 0, 0.99, 1},
                                          ExpectedParameter{56, 58, "01 Mode", 0, 0.0, 1},
                                          ExpectedParameter{66, 68, "Solo", 0, 0.0, 1},
                                          ExpectedParameter{67, 0, "EQ", 0, 0.99, 1},
                                          ExpectedParameter{68, 69, "Preset", 6, 0.0, 0x8001},
                                          ExpectedParameter{69, 97, "Host Bypass", 1, 0.0, 0x10001}));
 
+// The host's program menu: the root unit's list, of the six factory programs, is the one "Preset" steps
+// through.
 TEST_F(PlugController, OneRootUnitWithTheFactoryProgramList)
 {
+    FUnknownPtr<IUnitInfo> units(plugin.controller);
     ASSERT_TRUE(units);
     ASSERT_EQ(units->getUnitCount(), 1);
     UnitInfo unit;
     ASSERT_EQ(units->getUnitInfo(0, unit), kResultOk);
-    EXPECT_EQ(unit.id, 0);
-    EXPECT_EQ(unit.parentUnitId, kNoParentUnitId);
-    EXPECT_EQ(unit.programListId, 69);
-    EXPECT_EQ(asciiOf(unit.name), "Root");
+    EXPECT_EQ(unit.programListId, static_cast<ProgramListID>(Plug::kPresetTag));
     ASSERT_EQ(units->getProgramListCount(), 1);
     ProgramListInfo list;
     ASSERT_EQ(units->getProgramListInfo(0, list), kResultOk);
-    EXPECT_EQ(list.id, 69);
+    EXPECT_EQ(list.id, unit.programListId);
     EXPECT_EQ(list.programCount, 6);
-    EXPECT_EQ(asciiOf(list.name), "Factory Presets");
-    const char* expected[] = {"Factory Defaults",  "Factory Preset 01", "Factory Preset 02",
-                              "Factory Preset 03", "Factory Preset 04", "Factory Preset 05"};
     String128 name = {};
-    for (int32 index = 0; index < 6; ++index)
-    {
-        ASSERT_EQ(units->getProgramName(69, index, name), kResultOk);
-        EXPECT_EQ(asciiOf(name), expected[index]);
-    }
     EXPECT_NE(units->getProgramName(70, 0, name), kResultOk);
     EXPECT_NE(units->getProgramName(69, 6, name), kResultOk);
 }
@@ -110,9 +88,7 @@ struct TextCase
 };
 
 // A fresh instance per case, so no case can lean on another's edits.
-using PlugText = WithInstance<testing::TestWithParam<TextCase>>;
-
-using PlugValueText = PlugText;
+using PlugValueText = WithInstance<testing::TestWithParam<TextCase>>;
 
 TEST_P(PlugValueText, ShownAsTheHostDisplaysIt)
 {
@@ -136,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TextCase{68, 0.0, "None"}, TextCase{68, 1.0 / 12.0, "01\n"},
                     TextCase{68, 10.0 / 12.0, "10\n"}));
 
-using PlugValueParse = PlugText;
+using PlugValueParse = PlugValueText;
 
 TEST_P(PlugValueParse, TextReadsBackAsItsValue)
 {
@@ -159,12 +135,9 @@ INSTANTIATE_TEST_SUITE_P(
 // Words, and numbers that are no numbers, read as no value and leave the value given alone.
 TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
 {
-    std::vector<std::pair<ParamID, const char*>> cases = {{1, "loud"},    {2, "Peak"}, {17, "12 dB"},
-                                                          {60, "Centre"}, {68, "13"},  {0, "Maybe"}};
-    for (ParamID tag : std::initializer_list<ParamID>{Plug::kPresetTag, Plug::frequencyTag(1), Plug::qTag(5),
-                                                      Plug::kSoloTag})
-        for (const char* text : {"nan", "inf", "-inf", "infinity", "NAN"})
-            cases.emplace_back(tag, text);
+    const std::pair<ParamID, const char*> cases[] = {
+        {1, "loud"},  {2, "Peak"}, {17, "12 dB"}, {60, "Centre"},   {68, "13"},
+        {0, "Maybe"}, {68, "nan"}, {17, "-inf"},  {41, "infinity"}, {69, "NAN"}};
     for (auto [tag, text] : cases)
     {
         String128 buffer = {};
@@ -178,52 +151,43 @@ TEST_F(PlugController, TextsThatAreNoValuesAreRefused)
     EXPECT_EQ(plugin.controller->getParamStringByValue(1, 0.5, nullptr), kInvalidArgument);
 }
 
-using PlugPreset = testing::TestWithParam<double>;
+struct ProgramCase
+{
+    const char* name;
+    double preset; // normalised "Preset"
+    ParamID tag;   // and a value the program sets
+    double value;
+};
 
-TEST_P(PlugPreset, LoadsBritishSl2IntoControllerAndProcessor)
+using PlugProgram = testing::TestWithParam<ProgramCase>;
+
+// Chosen after another program, a program loads whole: one closed edit per parameter, which the
+// next block takes into the processor.
+TEST_P(PlugProgram, LoadsWholeIntoControllerAndProcessor)
 {
     PluginInstance plugin;
     ASSERT_TRUE(plugin.valid());
-    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, GetParam()), kResultOk);
-    IEditController* controller = plugin.controller;
+    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, 0.5), kResultOk); // NV-3
+    const int32 editsBefore = plugin.handler->performedEdits();
+    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, GetParam().preset), kResultOk);
     EXPECT_EQ(plugin.handler->openEdits(), 0);
-    EXPECT_EQ(plugin.handler->performedEdits(), 68); // tags 0..68 without the unused 13
+    EXPECT_EQ(plugin.handler->performedEdits() - editsBefore, 68); // tags 0..68 without the unused 13
+    EXPECT_NEAR(plugin.controller->getParamNormalized(GetParam().tag), GetParam().value, 1e-6);
 
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::kEqTag), 1.0);
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::filterTypeTag(4)), 0.15f);
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::frequencyTag(4)), 0.062920600f);
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::gainTag(1)), 0.6666667f);
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::qTag(1)), 0.0);
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::enableTag(3)), 0.0);
-    EXPECT_DOUBLE_EQ(controller->getParamNormalized(Plug::filterTypeTag(6)), 0.0);
-
-    // The edits reach the processor as the next block's parameter changes.
     ASSERT_EQ(applyChanges(plugin.processor, &plugin.handler->pendingChanges()), kResultOk);
     const std::vector<float> state = stateValues(plugin.component);
     const auto& tags = Plug::stateTags();
     for (size_t index = 0; index < tags.size(); ++index)
-    {
-        EXPECT_FLOAT_EQ(state[index], static_cast<float>(controller->getParamNormalized(tags[index])))
+        EXPECT_FLOAT_EQ(state[index], static_cast<float>(plugin.controller->getParamNormalized(tags[index])))
             << "tag " << tags[index];
-    }
-    String128 text = {};
-    controller->getParamStringByValue(Plug::frequencyTag(4), state[19], text);
-    EXPECT_EQ(asciiOf(text), "1277.15 Hz");
-    controller->getParamStringByValue(Plug::qTag(3), state[38], text);
-    EXPECT_EQ(asciiOf(text), "1.72");
 }
 
-INSTANTIATE_TEST_SUITE_P(LastStepAndSeventhStep, PlugPreset, testing::Values(1.0, 5.0 / 7.0));
-
-TEST_F(PlugController, DefaultsProgramRestoresTheDefaults)
-{
-    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, 0.5), kResultOk); // program 3
-    EXPECT_DOUBLE_EQ(plugin.controller->getParamNormalized(Plug::enableTag(2)), 0.0);
-    ASSERT_EQ(plugin.controller->setParamNormalized(Plug::kPresetTag, 0.0), kResultOk);
-    EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::enableTag(2)), 0.99, 1e-6);
-    EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::kEqTag), 0.99, 1e-6);
-    EXPECT_NEAR(plugin.controller->getParamNormalized(Plug::filterTypeTag(6)), 0.1, 1e-6);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Programs, PlugProgram,
+    testing::Values(ProgramCase{"SeventhStepIsSl2", 5.0 / 7.0, Plug::frequencyTag(4), 0.0629206},
+                    ProgramCase{"LastStepIsSl2", 1.0, Plug::frequencyTag(4), 0.0629206},
+                    ProgramCase{"DefaultsTurnBandTwoBackOn", 0.0, Plug::enableTag(2), 0.99}),
+    [](const testing::TestParamInfo<ProgramCase>& info) { return std::string(info.param.name); });
 
 // Only "editor" names a view, on Windows and on Linux alike.
 TEST_F(PlugController, OnlyTheEditorNameGivesAViewAndNoMidiControllerIsMapped)

@@ -34,8 +34,6 @@ TEST(PlugEntry, EntersAndGivesTheFactoryInformation)
     PFactoryInfo info;
     ASSERT_EQ(factory->getFactoryInfo(&info), kResultOk);
     EXPECT_STREQ(info.vendor, "Varnholt Ltd");
-    EXPECT_EQ(std::string(info.url).rfind("https://", 0), 0u) << info.url;
-    EXPECT_EQ(std::string(info.email).rfind("mailto:", 0), 0u) << info.email;
     EXPECT_EQ(info.flags, PFactoryInfo::kUnicode);
     EXPECT_EQ(factory->getFactoryInfo(nullptr), kInvalidArgument);
     ASSERT_EQ(factory->countClasses(), 2);
@@ -70,8 +68,6 @@ TEST_P(PlugClassInfo, EveryFieldAsRegistered)
     EXPECT_STREQ(info.name, expected.name);
     EXPECT_EQ(info.classFlags, expected.classFlags);
     EXPECT_STREQ(info.subCategories, expected.subCategories);
-    EXPECT_STREQ(info.version, "3.1.4.0");
-    EXPECT_STREQ(info.sdkVersion, "VST 3.5.2");
 
     PClassInfo basic;
     ASSERT_EQ(factory->getClassInfo(expected.index, &basic), kResultOk);
@@ -90,6 +86,7 @@ INSTANTIATE_TEST_SUITE_P(ProcessorThenController, PlugClassInfo,
                                                        "Component Controller Class", "VelmoranController", 0,
                                                        ""}));
 
+// A host may ask for the factory more than once; the module hands out its one factory each time.
 TEST(PlugEntry, SecondFactoryCallGivesTheSameObjectWithOneMoreReference)
 {
     VST3::Hosting::Module* module = sharedModule();

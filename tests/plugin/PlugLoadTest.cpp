@@ -27,7 +27,6 @@ namespace
 {
 
 namespace Plug = Vst::Velmoran;
-using Clock = std::chrono::steady_clock;
 
 constexpr int32 kBlock = 512;
 constexpr double kSampleRate = 48000.0;
@@ -52,43 +51,46 @@ double threadMicroseconds()
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return 1e6 * static_cast<double>(now.tv_sec) + 1e-3 * static_cast<double>(now.tv_nsec);
 #else
-    return std::chrono::duration<double, std::micro>(Clock::now().time_since_epoch()).count();
+    return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 #endif
 }
 
-// Reproducible noise and choices.
-struct Random
+// Every tag a host can automate but those in `kept`: all band and global parameters, the effect
+// switch and bypass.
+std::vector<ParamID> automatedTags(const std::vector<ParamID>& kept = {})
 {
-    explicit Random(unsigned seed) : engine(seed) {}
-    // Uniform in 0..1.
-    double unit() { return std::uniform_real_distribution<double>(0.0, 1.0)(engine); }
-    // Any one of the given tags.
-    ParamID pick(const std::vector<ParamID>& tags) { return tags[engine() % tags.size()]; }
-
-    std::mt19937 engine;
-};
-
-// Every tag a host can automate: all band and global parameters, the effect switch and bypass.
-std::vector<ParamID> automatedTags()
-{
-    std::vector<ParamID> tags;
+    std::vector<ParamID> tags = {Plug::kHostBypassTag};
     for (ParamID tag = 0; tag < static_cast<ParamID>(Plug::kProgramValueCount); ++tag)
-        if (tag != Plug::kUnusedTag)
-            tags.push_back(tag);
-    tags.push_back(Plug::kHostBypassTag);
+        tags.push_back(tag);
+    const auto left = [&](ParamID tag)
+    { return tag == Plug::kUnusedTag || std::find(kept.begin(), kept.end(), tag) != kept.end(); };
+    tags.erase(std::remove_if(tags.begin(), tags.end(), left), tags.end());
     return tags;
+}
+
+// Fills `changes` with `count` points, each of a random tag of `tags` at a random value.
+void automate(ParameterChanges& changes, std::mt19937& random, const std::vector<ParamID>& tags, int count)
+{
+    changes.clearQueue();
+    for (int point = 0; point < count; ++point)
+    {
+        int32 index = 0;
+        changes.addParameterData(tags[random() % tags.size()], index)
+            ->addPoint(0, std::uniform_real_distribution<double>(0.0, 1.0)(random), index);
+    }
 }
 
 // Processes a block of full-scale noise, or of silence, and says what went wrong, if anything: a
 // refused call, NaN, infinity, a denormal or a sample beyond +60 dBFS. Adds the block's processor
 // time in microseconds to `times` when given, and tracks the loudest sample.
-const char* processBlockOf(RunningInstance& instance, Random& random, IParameterChanges* changes,
+const char* processBlockOf(RunningInstance& instance, std::mt19937& random, IParameterChanges* changes,
                            float& loudest, bool silent = false, std::vector<float>* times = nullptr)
 {
     std::uniform_real_distribution<float> noise(-1.0f, 1.0f);
     for (auto& channel : instance.inputs)
         for (float& sample : channel)
-            sample = silent ? 0.0f : noise(random.engine);
+            sample = silent ? 0.0f : noise(random);
     const double start = threadMicroseconds();
     const tresult result = instance.process(kBlock, changes);
     if (times)
@@ -122,36 +124,32 @@ TEST(PlugLoad, ThirtyTwoInstancesOnTwoThreadsWithTheirSenders)
         instances.push_back(std::make_unique<RunningInstance>(kBlock));
         ASSERT_TRUE(instances.back()->valid()) << "instance " << index;
         ASSERT_TRUE(instances.back()->openEditor());
+        ASSERT_EQ(instances.back()->process(0, changesOf({{Plug::kFftTag, 1.0}})), kResultOk);
     }
-    const std::vector<ParamID> tags = automatedTags();
+    // The analyser stays on so that every sender has a real frame to post.
+    const std::vector<ParamID> tags = automatedTags({Plug::kFftTag, Plug::kEqTag, Plug::kHostBypassTag});
     std::atomic<int> failures{0};
     auto run = [&](int first, unsigned seed)
     {
-        Random random(seed);
+        std::mt19937 random(seed);
         auto changes = owned(new ParameterChanges());
         float loudest = 0.0f;
         for (int block = 0; block < blocks; ++block)
         {
             for (int index = first; index < first + kInstances / 2; ++index)
             {
-                changes->clearQueue();
-                int32 queueIndex = 0;
-                // The analyser stays on so that every sender has a real frame to post.
-                changes->addParameterData(Plug::kFftTag, queueIndex)->addPoint(0, 1.0, queueIndex);
-                const ParamID tag = random.pick(tags);
-                if (tag != Plug::kFftTag && tag != Plug::kEqTag && tag != Plug::kHostBypassTag)
-                    changes->addParameterData(tag, queueIndex)->addPoint(0, random.unit(), queueIndex);
+                automate(*changes, random, tags, 1);
                 if (processBlockOf(*instances[static_cast<size_t>(index)], random, changes, loudest))
                     ++failures;
             }
         }
     };
-    const auto start = Clock::now();
+    const auto start = std::chrono::steady_clock::now();
     std::thread firstHalf(run, 0, 1);
     std::thread secondHalf(run, kInstances / 2, 2);
     firstHalf.join();
     secondHalf.join();
-    const double wall = std::chrono::duration<double>(Clock::now() - start).count();
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     EXPECT_EQ(failures.load(), 0);
     for (auto& instance : instances)
         EXPECT_TRUE(waitFor([&] { return instance->received().last.transformSize != 0; }))
@@ -218,7 +216,7 @@ TEST(PlugLoad, SoakWithRandomAutomationOnEveryBlock)
     ASSERT_TRUE(instance.openEditor());
     const std::vector<ParamID> tags = automatedTags();
     const IPtr<ParameterChanges> reference = referenceSetting();
-    Random random(5);
+    std::mt19937 random(5);
     auto changes = owned(new ParameterChanges());
     std::vector<float> referenceMicroseconds;
     std::vector<float> allMicroseconds;
@@ -230,13 +228,7 @@ TEST(PlugLoad, SoakWithRandomAutomationOnEveryBlock)
         IParameterChanges* blockChanges = inRound == 0 ? reference.get() : nullptr;
         if (inRound >= kAutomationFrom)
         {
-            changes->clearQueue();
-            for (int change = 0, count = 1 + static_cast<int>(random.engine() % 4); change < count; ++change)
-            {
-                int32 queueIndex = 0;
-                changes->addParameterData(random.pick(tags), queueIndex)
-                    ->addPoint(0, random.unit(), queueIndex);
-            }
+            automate(*changes, random, tags, 1 + static_cast<int>(random() % 4));
             blockChanges = changes;
         }
         const char* problem =

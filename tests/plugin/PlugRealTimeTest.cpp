@@ -41,11 +41,6 @@ struct ChangeCase
     bool editorOpensAndCloses = false;
 };
 
-std::ostream& operator<<(std::ostream& stream, const ChangeCase& change)
-{
-    return stream << change.name;
-}
-
 std::vector<Step> everyBand(ParamID (*tagOf)(int), std::vector<ParamValue> values)
 {
     std::vector<Step> steps;
@@ -59,15 +54,13 @@ std::vector<Step> everyBand(ParamID (*tagOf)(int), std::vector<ParamValue> value
     return steps;
 }
 
+// Every filter type's code, 0 to 20, on every band in turn.
 std::vector<Step> typeChanges()
 {
-    std::vector<Step> steps;
+    std::vector<ParamValue> codes;
     for (int code = 0; code <= 20; ++code)
-    {
-        steps.push_back({{Plug::filterTypeTag(1 + code % Plug::kBandCount), code / 20.0},
-                         {Plug::filterTypeTag(4), code / 20.0}});
-    }
-    return steps;
+        codes.push_back(code / 20.0);
+    return everyBand(Plug::filterTypeTag, codes);
 }
 
 std::vector<ChangeCase> changeCases()

@@ -1,4 +1,6 @@
-// The saved state: its bytes, older and damaged streams, and the controller reading it too.
+// The saved state: its bytes, older and cut streams, and short ones refused on both sides. A whole
+// state's round trip is the restore order test's; random, NaN and out-of-range streams are the
+// processor and controller state fuzz targets' (their corpus holds each kind).
 
 #include "PluginHost.h"
 
@@ -7,10 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
-#include <limits>
-#include <random>
 #include <vector>
 
 namespace velmoran::test
@@ -31,39 +30,22 @@ std::vector<float> distinctState()
 
 using PlugState = WithInstance<>;
 
+// Saved projects depend on the order: the defaults below mark where the groups of values lie.
 TEST_F(PlugState, DefaultStateIs276BytesInDocumentedOrder)
 {
     ASSERT_EQ(stateBytes(plugin.component).size(), 276u);
     const std::vector<float> values = stateValues(plugin.component);
     EXPECT_FLOAT_EQ(values[0], 0.495f);          // Input Gain
     EXPECT_FLOAT_EQ(values[1], 0.35f);           // 01 Filt Type: LF Shelf
-    EXPECT_FLOAT_EQ(values[4], 0.1f);            // 04 Filt Type: Pk dB/2
     EXPECT_FLOAT_EQ(values[10], 0.4f);           // 10 Filt Type: HF Shelf
     EXPECT_FLOAT_EQ(values[11], 0.495f);         // Output Gain
-    EXPECT_FLOAT_EQ(values[12], 0.0f);           // FFT
     EXPECT_FLOAT_EQ(values[14], 0.99f);          // FFT Slope
-    EXPECT_FLOAT_EQ(values[15], 0.0f);           // Polarity
     EXPECT_NEAR(values[16], 0.00056306f, 1e-8f); // 01 Freq: 31.25 Hz
     EXPECT_NEAR(values[25], 0.79979980f, 1e-7f); // 10 Freq: 16 kHz
     EXPECT_FLOAT_EQ(values[26], 0.5f);           // 01 Gain
     EXPECT_NEAR(values[36], 0.42794f, 1e-5f);    // 01 Q: 1.0
     EXPECT_FLOAT_EQ(values[46], 0.99f);          // 01 Enable
     EXPECT_FLOAT_EQ(values[56], 0.99f);          // EQ
-    EXPECT_FLOAT_EQ(values[57], 0.0f);           // Host Bypass
-    EXPECT_FLOAT_EQ(values[68], 0.0f);           // Solo
-}
-
-// A full state reads back unchanged from the processor and gives the controller the same values.
-TEST_F(PlugState, FullStateRoundTripsAndTheControllerReadsIt)
-{
-    const std::vector<float> values = distinctState();
-    ASSERT_EQ(plugin.component->setState(streamOf(values)), kResultOk);
-    EXPECT_EQ(stateValues(plugin.component), values);
-    ASSERT_EQ(plugin.controller->setComponentState(streamOf(values)), kResultOk);
-    const auto& tags = Plug::stateTags();
-    for (size_t index = 0; index < tags.size(); ++index)
-        EXPECT_NEAR(plugin.controller->getParamNormalized(tags[index]), values[index], 1e-7)
-            << "tag " << tags[index];
 }
 
 // An earlier version's shorter state loads and keeps bypass, modes and solo as they were; a cut
@@ -98,6 +80,8 @@ TEST_F(PlugState, EarlierAndPartialStatesKeepWhatTheyDoNotHold)
 
 using PlugDamagedState = WithInstance<testing::TestWithParam<size_t>>;
 
+// A stream short of the oldest state is refused by the processor and by the controller alike, and
+// changes nothing on either side.
 TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
 {
     const std::vector<char> before = stateBytes(plugin.component);
@@ -111,47 +95,7 @@ TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
 }
 
 // 224 bytes are 56 floats, one short of the oldest state; 227 leaves the last float incomplete.
-INSTANTIATE_TEST_SUITE_P(Lengths, PlugDamagedState, testing::Values(0u, 3u, 100u, 224u, 227u));
-
-TEST_F(PlugState, NumbersThatAreNoValuesAreRefusedOrLimited)
-{
-    const std::vector<char> before = stateBytes(plugin.component);
-    std::vector<float> values = distinctState();
-    values[20] = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_EQ(plugin.component->setState(streamOf(values)), kResultFalse);
-    EXPECT_EQ(stateBytes(plugin.component), before);
-
-    values[20] = 7.0f;
-    values[30] = -3.0f;
-    ASSERT_EQ(plugin.component->setState(streamOf(values)), kResultOk);
-    const std::vector<float> after = stateValues(plugin.component);
-    EXPECT_FLOAT_EQ(after[20], 1.0f);
-    EXPECT_FLOAT_EQ(after[30], 0.0f);
-}
-
-TEST_F(PlugState, RandomStreamsNeverHalfApply)
-{
-    std::mt19937 random(20261121);
-    for (int round = 0; round < 200; ++round)
-    {
-        const std::vector<char> before = stateBytes(plugin.component);
-        std::vector<char> bytes(random() % 400);
-        for (char& byte : bytes)
-            byte = static_cast<char>(random());
-        const tresult result = plugin.component->setState(streamOf(bytes));
-        const std::vector<float> after = stateValues(plugin.component);
-        ASSERT_EQ(after.size(), 69u);
-        if (result != kResultOk)
-        {
-            ASSERT_EQ(stateBytes(plugin.component), before);
-        }
-        for (float value : after)
-            ASSERT_TRUE(value >= 0.0f && value <= 1.0f);
-        plugin.controller->setComponentState(streamOf(bytes));
-    }
-    EXPECT_EQ(plugin.component->setState(nullptr), kResultFalse);
-    EXPECT_EQ(plugin.controller->setComponentState(nullptr), kResultFalse);
-}
+INSTANTIATE_TEST_SUITE_P(Lengths, PlugDamagedState, testing::Values(0u, 224u, 227u));
 
 } // namespace
 } // namespace velmoran::test

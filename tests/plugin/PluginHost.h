@@ -51,7 +51,6 @@ protected:
     PluginInstance plugin{false};
 };
 
-using Steinberg::Vst::stateBytes;
 using Steinberg::Vst::streamOf;
 
 // The processor's state as floats (one per normalised value), and where a tag's value lies in it.
@@ -60,7 +59,6 @@ size_t stateIndexOf(ParamID tag);
 // A stream holding the given floats.
 IPtr<IBStream> streamOf(const std::vector<float>& values);
 
-using Steinberg::Vst::processBlock;
 // A parameter-change list holding one point per (tag, value) pair, at offset 0.
 IPtr<ParameterChanges> changesOf(const std::vector<std::pair<ParamID, ParamValue>>& points);
 // Runs an empty stereo block carrying the given changes.

@@ -23,28 +23,15 @@ tresult PLUGIN_API FrameRelay::notify(IMessage* message)
 {
     const void* data = nullptr;
     uint32 size = 0;
-    double rate = 0.0;
-    const char* id = message && message->getAttributes() ? message->getMessageID() : nullptr;
-    id = id ? id : "";
-    if (std::strcmp(id, "BinaryMessage") == 0 &&
-        message->getAttributes()->getBinary("FFTData", data, size) == kResultOk)
+    if (message && message->getAttributes() && std::strcmp(message->getMessageID(), "BinaryMessage") == 0 &&
+        message->getAttributes()->getBinary("FFTData", data, size) == kResultOk &&
+        size == sizeof(Plug::SpectrumFrame))
     {
         std::lock_guard<std::mutex> guard(mLock);
-        if (size != sizeof(Plug::SpectrumFrame))
-            ++mReceived.otherSizes;
-        else
-        {
-            ++mReceived.count;
-            std::memcpy(&mReceived.last, data, size);
-        }
+        ++mReceived.count;
+        std::memcpy(&mReceived.last, data, size);
     }
-    else if (std::strcmp(id, "setActive") == 0 &&
-             message->getAttributes()->getFloat("sampleRate", rate) == kResultOk)
-    {
-        std::lock_guard<std::mutex> guard(mLock);
-        mReceived.sampleRates.push_back(rate);
-    }
-    return mController ? mController->notify(message) : kResultOk;
+    return mController->notify(message);
 }
 
 RunningInstance::RunningInstance(int32 maxBlockLength)
@@ -63,16 +50,6 @@ RunningInstance::RunningInstance(int32 maxBlockLength)
         mInputChannels[channel] = inputs[channel].data();
         mOutputChannels[channel] = outputs[channel].data();
     }
-    mInputBus.numChannels = 2;
-    mInputBus.channelBuffers32 = mInputChannels.data();
-    mOutputBus.numChannels = 2;
-    mOutputBus.channelBuffers32 = mOutputChannels.data();
-    mData.processMode = kRealtime;
-    mData.symbolicSampleSize = kSample32;
-    mData.numInputs = 1;
-    mData.numOutputs = 1;
-    mData.inputs = &mInputBus;
-    mData.outputs = &mOutputBus;
     ProcessSetup setup{kRealtime, kSample32, maxBlockLength, 48000.0};
     mActive = plugin.processor->setupProcessing(setup) == kResultOk &&
               plugin.component->setActive(true) == kResultOk;
@@ -102,9 +79,8 @@ bool RunningInstance::openEditor(bool open)
 
 tresult RunningInstance::process(int32 sampleCount, IParameterChanges* changes)
 {
-    mData.numSamples = sampleCount;
-    mData.inputParameterChanges = changes;
-    return plugin.processor->process(mData);
+    return processBlock(plugin.processor, mInputChannels.data(), 2, mOutputChannels.data(), 2, sampleCount,
+                        changes);
 }
 
 } // namespace velmoran::test

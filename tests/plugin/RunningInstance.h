@@ -20,20 +20,18 @@ namespace velmoran::test
 struct ReceivedFrames
 {
     int count = 0;                     // spectrum frames of the exchanged size
-    int otherSizes = 0;                // spectrum data of any other size
-    Vst::Velmoran::SpectrumFrame last; // the last frame of the exchanged size
-    std::vector<double> sampleRates;   // sent on activation, in Hz
+    Vst::Velmoran::SpectrumFrame last; // the last of them
 
     // The loudest of the analyser's magnitudes in the last frame.
     float loudestBin() const;
 };
 
-// Notes the processor's messages (on the thread that sends them) and passes them on to the
-// controller, if there is one.
+// Notes the processor's spectrum frames (on the thread that sends them) and passes every message on
+// to the controller.
 class FrameRelay : public IConnectionPoint
 {
 public:
-    explicit FrameRelay(IConnectionPoint* controller = nullptr) : mController(controller) {}
+    explicit FrameRelay(IConnectionPoint* controller) : mController(controller) {}
     virtual ~FrameRelay() = default;
 
     // What has arrived so far.
@@ -58,8 +56,6 @@ public:
     explicit RunningInstance(int32 maxBlockLength = 512);
     // Deactivated and disconnected; the instance is then taken down in the host's order.
     ~RunningInstance();
-    RunningInstance(const RunningInstance&) = delete;
-    RunningInstance& operator=(const RunningInstance&) = delete;
 
     // True when the instance was made, connected and activated.
     bool valid() const { return mActive; }
@@ -80,9 +76,6 @@ private:
     IPtr<FrameRelay> mRelay;
     std::array<float*, 2> mInputChannels{};
     std::array<float*, 2> mOutputChannels{};
-    AudioBusBuffers mInputBus{};
-    AudioBusBuffers mOutputBus{};
-    ProcessData mData{};
 };
 
 } // namespace velmoran::test

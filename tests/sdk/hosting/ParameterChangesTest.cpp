@@ -1,7 +1,6 @@
-// The host-side change queues and component handler, as a processor reads them.
+// The host-side change queues, as a processor reads them.
 
 #include "sdk/hosting/ParameterChanges.h"
-#include "sdk/hosting/ComponentHandler.h"
 
 #include <gtest/gtest.h>
 
@@ -51,7 +50,6 @@ TEST(ParameterChanges, PointsStaySortedAndOneOffsetHoldsOneValue)
     auto changes = owned(new ParameterChanges());
     int32 index = 0;
     IParamValueQueue* queue = changes->addParameterData(1, index);
-    EXPECT_EQ(queue->getParameterId(), 1u);
     queue->addPoint(40, 0.4, index);
     queue->addPoint(10, 0.1, index);
     EXPECT_EQ(index, 0);
@@ -64,27 +62,6 @@ TEST(ParameterChanges, PointsStaySortedAndOneOffsetHoldsOneValue)
     ParamValue value = 0.0;
     EXPECT_EQ(queue->getPoint(3, offset, value), kResultFalse);
     EXPECT_EQ(queue->getPoint(-1, offset, value), kResultFalse);
-}
-
-TEST(ComponentHandler, CollectsEditsForTheNextBlockAndCountsThePairs)
-{
-    auto handler = owned(new ComponentHandler());
-    handler->beginEdit(27);
-    handler->performEdit(27, 0.25);
-    handler->performEdit(27, 0.75);
-    EXPECT_EQ(handler->openEdits(), 1);
-    handler->endEdit(27);
-    handler->beginEdit(0);
-    handler->performEdit(0, 1.0);
-    handler->endEdit(0);
-    EXPECT_EQ(handler->openEdits(), 0);
-    EXPECT_EQ(handler->performedEdits(), 3);
-    ParameterChanges& changes = handler->pendingChanges();
-    ASSERT_EQ(changes.getParameterCount(), 2);
-    const std::vector<std::pair<int32, ParamValue>> gain = {{0, 0.75}};
-    EXPECT_EQ(pointsOf(changes.getParameterData(0)), gain);
-    handler->restartComponent(kParamValuesChanged);
-    EXPECT_EQ(handler->lastRestartFlags(), kParamValuesChanged);
 }
 
 } // namespace
