@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <string>
-#include <tuple>
 
 using velmoran::resources::GlyphMetrics;
 using velmoran::resources::kGlyphCount;
@@ -78,24 +77,6 @@ TEST_P(EveryFontTable, FieldIsInsideOnTheInkAndOutsideAtTheCellEdge)
     EXPECT_EQ(fieldAt(font.atlasId, bar.x, bar.y), 0);
     const GlyphMetrics& space = font.glyphs[0];
     EXPECT_LT(fieldAt(font.atlasId, space.x + space.width / 2, space.y + space.height / 2), 128);
-}
-
-// Known rows of the "DejaVu Sans" table: cell size, origin and advance (where a cell lands in the
-// atlas depends on the packing of every glyph).
-TEST(DejaVuSansGlyphs, KeepKnownCellSizesOriginsAndAdvances)
-{
-    const GlyphMetrics rows[] = {{' ', 0, 0, 12, 12, 6, 6, 20},
-                                 {'A', 0, 0, 55, 59, 5, 53, 44},
-                                 {'H', 0, 0, 48, 59, 0, 53, 48},
-                                 {'g', 0, 0, 43, 61, 2, 42, 40}};
-    for (const GlyphMetrics& row : rows)
-    {
-        const GlyphMetrics& glyph = velmoran::resources::kDejaVuSansGlyphs[row.code - 32];
-        EXPECT_EQ(
-            std::tie(glyph.code, glyph.width, glyph.height, glyph.originX, glyph.originY, glyph.advance),
-            std::tie(row.code, row.width, row.height, row.originX, row.originY, row.advance))
-            << char(row.code);
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
