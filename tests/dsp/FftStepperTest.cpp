@@ -77,24 +77,6 @@ TEST_P(FftStepperSizeTest, MatchesTheDirectTransformOfThePaddedFrame)
 
 INSTANTIATE_TEST_SUITE_P(Sizes, FftStepperSizeTest, ::testing::Values(2, 3, 5, 10, 12, 13, 14));
 
-// A budget larger than the work left comes back as what was not needed; a stepper never started,
-// or already finished, hands back all of it and leaves the data alone.
-TEST(FftStepperTest, UnusedBudgetComesBackAndAFinishedStepperStaysFinished)
-{
-    FftStepper stepper;
-    EXPECT_TRUE(stepper.finished());
-    EXPECT_EQ(stepper.run(5), 5);
-    alignas(16) double real[16] = {};
-    alignas(16) double imag[16] = {};
-    PlacePadded(real, imag, 4, 1, 1.0, 0.0);
-    stepper.start(real, imag, 4);
-    EXPECT_EQ(stepper.run(FftStepper::PairCount(4) + 3), 3);
-    EXPECT_TRUE(stepper.finished());
-    const std::vector<double> done(real, real + 16);
-    EXPECT_EQ(stepper.run(2), 2);
-    EXPECT_EQ(std::vector<double>(real, real + 16), done);
-}
-
 // The AVX kernel does the SSE2 kernel's operations two pairs at a time: the same bits for any
 // stage, starting pair and portion, so the display does not depend on the processor.
 TEST(FftKernelsTest, AvxAndSse2GiveTheSameBits)
