@@ -1,7 +1,7 @@
 // The click a step change of a setting leaves in a steady tone: a 1 kHz tone at -12 dBFS through a
 // band at 1 kHz, the setting changed at once as a host's step automation does, and the output's
 // peak above a split frequency in dB relative to the tone. Each case holds a stated limit at 44.1,
-// 48 and 96 kHz; the program ends with the table of all figures.
+// 48 and 96 kHz; every figure is printed.
 #include "dsp/BandEngine.h"
 #include "dsp/FilterDesign.h"
 
@@ -13,7 +13,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -172,47 +171,7 @@ std::vector<ClickCase> MakeCases()
     return cases;
 }
 
-const std::vector<ClickCase>& Cases()
-{
-    static const std::vector<ClickCase> cases = MakeCases();
-    return cases;
-}
-
 constexpr float kRates[] = {44100.0f, 48000.0f, 96000.0f};
-
-// Every figure measured, printed as one table when the program ends.
-std::map<std::string, std::map<float, double>>& Figures()
-{
-    static std::map<std::string, std::map<float, double>> figures;
-    return figures;
-}
-
-class FigureTable : public ::testing::Environment
-{
-public:
-    void TearDown() override
-    {
-        std::printf("\n| case | split | limit | 44.1 kHz | 48 kHz | 96 kHz |\n|---|---|---|---|---|---|\n");
-        for (const ClickCase& c : Cases())
-        {
-            const auto found = Figures().find(c.name);
-            if (found == Figures().end())
-                continue;
-            std::printf("| %s | %.0f Hz | %.1f dB |", c.name.c_str(), c.splitHz, c.limitDb);
-            for (const float rate : kRates)
-            {
-                const auto figure = found->second.find(rate);
-                if (figure == found->second.end())
-                    std::printf(" |");
-                else
-                    std::printf(" %.1f dB |", figure->second);
-            }
-            std::printf("\n");
-        }
-    }
-};
-
-const auto* const kTable = ::testing::AddGlobalTestEnvironment(new FigureTable);
 
 using ClickTest = ::testing::TestWithParam<std::tuple<ClickCase, float>>;
 
@@ -221,12 +180,13 @@ TEST_P(ClickTest, StaysBelowItsLimit)
     const ClickCase& c = std::get<0>(GetParam());
     const float rate = std::get<1>(GetParam());
     const double clickDb = MeasureClick(c, rate);
-    Figures()[c.name][rate] = clickDb;
-    EXPECT_LE(clickDb, c.limitDb) << c.name << " at " << rate << " Hz";
+    // Every figure goes to the log, the ones within their limits too, for setting the limits anew.
+    std::printf("%s at %.0f Hz: %.1f dB, limit %.1f dB\n", c.name.c_str(), rate, clickDb, c.limitDb);
+    EXPECT_LE(clickDb, c.limitDb);
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, ClickTest,
-                         ::testing::Combine(::testing::ValuesIn(Cases()), ::testing::ValuesIn(kRates)),
+                         ::testing::Combine(::testing::ValuesIn(MakeCases()), ::testing::ValuesIn(kRates)),
                          [](const ::testing::TestParamInfo<ClickTest::ParamType>& info) {
                              return std::get<0>(info.param).name + "_" +
                                     std::to_string(static_cast<int>(std::get<1>(info.param)));
