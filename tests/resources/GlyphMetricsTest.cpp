@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 using velmoran::resources::GlyphMetrics;
@@ -24,13 +23,6 @@ struct FontTable
 class EveryFontTable : public ::testing::TestWithParam<FontTable>
 {
 };
-
-std::string fontName(const ::testing::TestParamInfo<FontTable>& info)
-{
-    std::string name = info.param.name;
-    name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
-    return name;
-}
 
 // Distance value (0..255) of atlas pixel (x, y).
 int fieldAt(int atlasId, int x, int y)
@@ -81,8 +73,8 @@ TEST_P(EveryFontTable, FieldIsInsideOnTheInkAndOutsideAtTheCellEdge)
 
 INSTANTIATE_TEST_SUITE_P(
     BuiltInFonts, EveryFontTable,
-    ::testing::Values(FontTable{"DejaVu Sans", velmoran::resources::kDejaVuSansGlyphs, 1024, 884, 302},
+    ::testing::Values(FontTable{"DejaVuSans", velmoran::resources::kDejaVuSansGlyphs, 1024, 884, 302},
                       FontTable{"Saira", velmoran::resources::kSairaGlyphs, 1025, 825, 280},
                       FontTable{"Michroma", velmoran::resources::kMichromaGlyphs, 1026, 1017, 320},
-                      FontTable{"Arial Small", velmoran::resources::kArialSmallGlyphs, 1027, 521, 175}),
-    fontName);
+                      FontTable{"ArialSmall", velmoran::resources::kArialSmallGlyphs, 1027, 521, 175}),
+    [](const ::testing::TestParamInfo<FontTable>& info) { return std::string(info.param.name); });
