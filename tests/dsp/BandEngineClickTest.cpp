@@ -1,7 +1,7 @@
 // The click a step change of a setting leaves in a steady tone: a 1 kHz tone at -12 dBFS through a
 // band at 1 kHz, the setting changed at once as a host's step automation does, and the output's
 // peak above a split frequency in dB relative to the tone. Each case holds a stated limit at 44.1,
-// 48 and 96 kHz; the program ends with the table of all figures.
+// 48 and 96 kHz; every figure is printed.
 #include "dsp/BandEngine.h"
 #include "dsp/FilterDesign.h"
 
@@ -13,9 +13,9 @@
 
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -73,58 +73,21 @@ double MeasureClick(const ClickCase& c, float rate)
                     PeakAboveDb(output.right, changeAt, tone.size(), c.splitHz, rate, kToneAmplitude));
 }
 
-Configure Band(int type, float hz, float db, float q = 1.0f)
+Configure Band(int type, float hz, float db, float q = 1.0f, int mode = 0)
 {
-    return [=](BandEngine& e) { velmoran::testing::SetBand(e, kBand, type, hz, db, q); };
+    return [=](BandEngine& e) { velmoran::testing::SetBand(e, kBand, type, hz, db, q, mode); };
 }
 
-Configure Gain(float db)
+// One setting of the band, or of the whole engine.
+template <typename Value>
+Configure Set(void (BandEngine::*setter)(int, Value), std::common_type_t<Value> value)
 {
-    return [=](BandEngine& e) { e.setBandGain(kBand, db); };
+    return [=](BandEngine& e) { (e.*setter)(kBand, value); };
 }
 
-Configure Frequency(float hz)
+template <typename Value> Configure Set(void (BandEngine::*setter)(Value), std::common_type_t<Value> value)
 {
-    return [=](BandEngine& e) { e.setBandFrequency(kBand, hz); };
-}
-
-Configure Q(float q)
-{
-    return [=](BandEngine& e) { e.setBandQ(kBand, q); };
-}
-
-Configure Type(int type)
-{
-    return [=](BandEngine& e) { e.setBandType(kBand, type); };
-}
-
-Configure Enabled(bool on)
-{
-    return [=](BandEngine& e) { e.setBandEnabled(kBand, on); };
-}
-
-Configure Solo(int band)
-{
-    return [=](BandEngine& e) { e.setSoloBand(band); };
-}
-
-Configure Effect(bool on)
-{
-    return [=](BandEngine& e) { e.setEffectOn(on); };
-}
-
-Configure Mode(int mode)
-{
-    return [=](BandEngine& e) { e.setBandMode(kBand, mode); };
-}
-
-Configure Both(Configure first, Configure second)
-{
-    return [=](BandEngine& e)
-    {
-        first(e);
-        second(e);
-    };
+    return [=](BandEngine& e) { (e.*setter)(value); };
 }
 
 // Short names of the type codes for the case names.
@@ -146,10 +109,13 @@ void Add(std::vector<ClickCase>& cases, const std::string& name, double limitDb,
 
 std::vector<ClickCase> MakeCases()
 {
+    using E = BandEngine;
     std::vector<ClickCase> cases;
     const Configure boost = Band(kTypePeakHalfGain, 1000.0f, 12.0f);
+    const Configure leftBoost = Band(kTypePeakHalfGain, 1000.0f, 12.0f, 1.0f, kLeft);
     Add(cases, "NoChange", -130.0, boost, kNothing, kNothing);
-    Add(cases, "GainPkHalf0To12", -129.0, Band(kTypePeakHalfGain, 1000.0f, 0.0f), kNothing, Gain(12.0f));
+    Add(cases, "GainPkHalf0To12", -129.0, Band(kTypePeakHalfGain, 1000.0f, 0.0f), kNothing,
+        Set(&E::setBandGain, 12.0f));
     // Gain steps across the whole range on every type that has a gain: limits up, down.
     const double gainLimits[][2] = {{-123.0, -126.0}, {-124.0, -125.0}, {-123.0, -125.0}, {-124.0, -125.0},
                                     {-123.0, -125.0}, {-130.0, -131.0}, {-123.0, -125.0}};
@@ -157,12 +123,13 @@ std::vector<ClickCase> MakeCases()
     {
         const double* limit = gainLimits[type - kTypePeakHalfGain];
         Add(cases, "Gain" + TypeName(type) + "_Minus18To18", limit[0], Band(type, 1000.0f, -18.0f), kNothing,
-            Gain(18.0f));
+            Set(&E::setBandGain, 18.0f));
         Add(cases, "Gain" + TypeName(type) + "_18ToMinus18", limit[1], Band(type, 1000.0f, 18.0f), kNothing,
-            Gain(-18.0f));
+            Set(&E::setBandGain, -18.0f));
     }
-    Add(cases, "CentrePkHalf1kTo3k", -132.0, boost, kNothing, Frequency(3000.0f), kCentreSplitHz);
-    Add(cases, "CentrePkHalf1kTo3kAbove4k", -130.0, boost, kNothing, Frequency(3000.0f));
+    Add(cases, "CentrePkHalf1kTo3k", -132.0, boost, kNothing, Set(&E::setBandFrequency, 3000.0f),
+        kCentreSplitHz);
+    Add(cases, "CentrePkHalf1kTo3kAbove4k", -130.0, boost, kNothing, Set(&E::setBandFrequency, 3000.0f));
     // The centre across the whole range, through the tone, on every type: limits up, down.
     const double centreLimits[][2] = {{-110.0, -119.0}, {-124.0, -130.0}, {-90.0, -101.0},  {-124.0, -130.0},
                                       {-90.0, -101.0},  {-122.0, -125.0}, {-122.0, -124.0}, {-134.0, -137.0},
@@ -171,78 +138,40 @@ std::vector<ClickCase> MakeCases()
     {
         const double* limit = centreLimits[type - kTypePeakHalfGain];
         Add(cases, "Centre" + TypeName(type) + "_20To20k", limit[0], Band(type, 20.0f, 12.0f), kNothing,
-            Frequency(20000.0f));
+            Set(&E::setBandFrequency, 20000.0f));
         Add(cases, "Centre" + TypeName(type) + "_20kTo20", limit[1], Band(type, 20000.0f, 12.0f), kNothing,
-            Frequency(20.0f));
+            Set(&E::setBandFrequency, 20.0f));
     }
-    Add(cases, "QPkHalf1To5", -129.0, boost, kNothing, Q(5.0f));
-    Add(cases, "QPkHalf5To0p3At2k", -130.0, Band(kTypePeakHalfGain, 2000.0f, 12.0f, 5.0f), kNothing, Q(0.3f));
-    Add(cases, "QLowPass0p3To5", -136.0, Band(kTypeLowPass, 1000.0f, 0.0f, 0.3f), kNothing, Q(5.0f));
-    Add(cases, "TypePkHalfToHighShelf", -126.0, boost, kNothing, Type(kTypeHighShelf));
-    Add(cases, "TypePkHalfToLowPass", -128.0, boost, kNothing, Type(kTypeLowPass));
+    Add(cases, "QPkHalf1To5", -129.0, boost, kNothing, Set(&E::setBandQ, 5.0f));
+    Add(cases, "QPkHalf5To0p3At2k", -130.0, Band(kTypePeakHalfGain, 2000.0f, 12.0f, 5.0f), kNothing,
+        Set(&E::setBandQ, 0.3f));
+    Add(cases, "QLowPass0p3To5", -136.0, Band(kTypeLowPass, 1000.0f, 0.0f, 0.3f), kNothing,
+        Set(&E::setBandQ, 5.0f));
+    Add(cases, "TypePkHalfToHighShelf", -126.0, boost, kNothing, Set(&E::setBandType, kTypeHighShelf));
+    Add(cases, "TypePkHalfToLowPass", -128.0, boost, kNothing, Set(&E::setBandType, kTypeLowPass));
     Add(cases, "TypeLowPassToHighPass", -134.0, Band(kTypeLowPass, 1000.0f, 0.0f), kNothing,
-        Type(kTypeHighPass));
+        Set(&E::setBandType, kTypeHighPass));
     // A loud old output against a quiet new one, and the reverse.
     Add(cases, "TypeWidePkHalf18ToHighPass", -129.0, Band(kTypePeakHalfGain, 4000.0f, 18.0f, 0.3f), kNothing,
-        Type(kTypeHighPass));
+        Set(&E::setBandType, kTypeHighPass));
     Add(cases, "TypeHighPassToWidePkHalf18", -126.0, Band(kTypeHighPass, 4000.0f, 18.0f, 0.3f), kNothing,
-        Type(kTypePeakHalfGain));
-    Add(cases, "TypePkHalfToNone", -129.0, boost, kNothing, Type(kTypeNone));
+        Set(&E::setBandType, kTypePeakHalfGain));
+    Add(cases, "TypePkHalfToNone", -129.0, boost, kNothing, Set(&E::setBandType, kTypeNone));
     Add(cases, "TypeNoneToPkHalf", -128.0, Band(kTypeNone, 1000.0f, 12.0f), kNothing,
-        Type(kTypePeakHalfGain));
-    Add(cases, "BandOff", -129.0, boost, kNothing, Enabled(false));
-    Add(cases, "BandOn", -128.0, boost, Enabled(false), Enabled(true));
-    Add(cases, "SoloOn", -128.0, boost, kNothing, Solo(kBand));
-    Add(cases, "SoloOff", -129.0, boost, Solo(kBand), Solo(0));
-    Add(cases, "SoloOffLeftOnly", -129.0, Both(boost, Mode(kLeft)), Solo(kBand), Solo(0));
-    Add(cases, "ModeStereoToLeft", -129.0, boost, kNothing, Mode(kLeft));
-    Add(cases, "ModeLeftToStereo", -128.0, Both(boost, Mode(kLeft)), kNothing, Mode(0));
-    Add(cases, "EffectOff", -28.3, boost, kNothing, Effect(false));
-    Add(cases, "EffectOn", -28.3, boost, Effect(false), Effect(true));
-    return cases;
-}
-
-const std::vector<ClickCase>& Cases()
-{
-    static const std::vector<ClickCase> cases = MakeCases();
+        Set(&E::setBandType, kTypePeakHalfGain));
+    Add(cases, "BandOff", -129.0, boost, kNothing, Set(&E::setBandEnabled, false));
+    Add(cases, "BandOn", -128.0, boost, Set(&E::setBandEnabled, false), Set(&E::setBandEnabled, true));
+    Add(cases, "SoloOn", -128.0, boost, kNothing, Set(&E::setSoloBand, kBand));
+    Add(cases, "SoloOff", -129.0, boost, Set(&E::setSoloBand, kBand), Set(&E::setSoloBand, 0));
+    Add(cases, "SoloOffLeftOnly", -129.0, leftBoost, Set(&E::setSoloBand, kBand), Set(&E::setSoloBand, 0));
+    Add(cases, "ModeStereoToLeft", -129.0, boost, kNothing, Set(&E::setBandMode, kLeft));
+    Add(cases, "ModeLeftToStereo", -128.0, leftBoost, kNothing, Set(&E::setBandMode, 0));
+    Add(cases, "EffectOff", -28.3, boost, kNothing, Set(&E::setEffectOn, false));
+    Add(cases, "EffectOn", -28.3, boost, Set(&E::setEffectOn, false), Set(&E::setEffectOn, true));
     return cases;
 }
 
 constexpr float kRates[] = {44100.0f, 48000.0f, 96000.0f};
-
-// Every figure measured, printed as one table when the program ends.
-std::map<std::string, std::map<float, double>>& Figures()
-{
-    static std::map<std::string, std::map<float, double>> figures;
-    return figures;
-}
-
-class FigureTable : public ::testing::Environment
-{
-public:
-    void TearDown() override
-    {
-        std::printf("\n| case | split | limit | 44.1 kHz | 48 kHz | 96 kHz |\n|---|---|---|---|---|---|\n");
-        for (const ClickCase& c : Cases())
-        {
-            const auto found = Figures().find(c.name);
-            if (found == Figures().end())
-                continue;
-            std::printf("| %s | %.0f Hz | %.1f dB |", c.name.c_str(), c.splitHz, c.limitDb);
-            for (const float rate : kRates)
-            {
-                const auto figure = found->second.find(rate);
-                if (figure == found->second.end())
-                    std::printf(" |");
-                else
-                    std::printf(" %.1f dB |", figure->second);
-            }
-            std::printf("\n");
-        }
-    }
-};
-
-const auto* const kTable = ::testing::AddGlobalTestEnvironment(new FigureTable);
 
 using ClickTest = ::testing::TestWithParam<std::tuple<ClickCase, float>>;
 
@@ -251,12 +180,13 @@ TEST_P(ClickTest, StaysBelowItsLimit)
     const ClickCase& c = std::get<0>(GetParam());
     const float rate = std::get<1>(GetParam());
     const double clickDb = MeasureClick(c, rate);
-    Figures()[c.name][rate] = clickDb;
-    EXPECT_LE(clickDb, c.limitDb) << c.name << " at " << rate << " Hz";
+    // Every figure goes to the log, the ones within their limits too, for setting the limits anew.
+    std::printf("%s at %.0f Hz: %.1f dB, limit %.1f dB\n", c.name.c_str(), rate, clickDb, c.limitDb);
+    EXPECT_LE(clickDb, c.limitDb);
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, ClickTest,
-                         ::testing::Combine(::testing::ValuesIn(Cases()), ::testing::ValuesIn(kRates)),
+                         ::testing::Combine(::testing::ValuesIn(MakeCases()), ::testing::ValuesIn(kRates)),
                          [](const ::testing::TestParamInfo<ClickTest::ParamType>& info) {
                              return std::get<0>(info.param).name + "_" +
                                     std::to_string(static_cast<int>(std::get<1>(info.param)));

@@ -347,20 +347,6 @@ INSTANTIATE_TEST_SUITE_P(
         SettingCase{"SampleRate96k", [](BandEngine& e) { e.setSampleRate(96000.0f); }, 96000.0}),
     NameOf<SettingCase>);
 
-TEST(BandEngineTest, ResetSilencesFilterTails)
-{
-    const Configure resonant = [](BandEngine& e) { SetBand(e, 4, kTypeLowPass, 500.0f, 0.0f, 5.0f); };
-    auto withReset = MakeEngine(resonant);
-    auto withoutReset = MakeEngine(resonant);
-    const auto tone = MakeSine(500.0, kRate, 4800, 0.9);
-    ProcessInChunks(*withReset, tone);
-    ProcessInChunks(*withoutReset, tone);
-    withReset->reset();
-    const std::vector<float> silence(480, 0.0f);
-    EXPECT_EQ(Rms(ProcessInChunks(*withReset, silence).left, 0, 480), 0.0);
-    EXPECT_GT(Rms(ProcessInChunks(*withoutReset, silence).left, 0, 480), 0.01);
-}
-
 // Ten bands set gliding at once redesign at most two a chunk, in turn, and arrive within two
 // cross-fades of a band gliding alone.
 TEST(BandEngineTest, GlideRedesignsAreSpreadOverTheCrossFade)

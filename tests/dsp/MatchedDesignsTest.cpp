@@ -54,13 +54,9 @@ INSTANTIATE_TEST_SUITE_P(Gains, PeakingNyquistCore,
                                            CoreCase{2.1, 0.7, 0.25}, CoreCase{0.01, 5.0, 7.9},
                                            CoreCase{2.8, 0.3, 0.126}));
 
-// Gains inside the dead band give exact unity; impossible arguments a finite pass-through.
-TEST(PeakingNyquistCore, DeadBandAndImpossibleArgumentsGiveHarmlessFilters)
+// Impossible arguments give a finite pass-through.
+TEST(PeakingNyquistCore, ImpossibleArgumentsGiveAHarmlessFilter)
 {
-    for (double gain : {0.98, 0.99, 1.0, 1.005, 1.01})
-        EXPECT_TRUE(Identical(DesignPeakingNyquist(0.2, 1.0, gain, 1.0, 1.0, 1.0, std::sqrt(gain)),
-                              BiquadCoefficients{}))
-            << gain;
     const BiquadCoefficients c = DesignPeakingNyquist(std::nan(""), 1.0, 4.0, 1.0, 2.0, 2.8, 2.0);
     EXPECT_TRUE(IsFinite(c));
     EXPECT_EQ(c.b0, 1.0);

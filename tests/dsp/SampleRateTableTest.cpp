@@ -70,9 +70,7 @@ std::string RateName(const testing::TestParamInfo<float>& info)
     return std::to_string(static_cast<int>(info.param)) + "Hz";
 }
 
-class SampleRateTable : public testing::TestWithParam<float>
-{
-};
+using SampleRateTable = testing::TestWithParam<float>;
 
 TEST_P(SampleRateTable, DesignsAreStableBoundedAndFollowTheirPrototypesBeyondNyquist)
 {
