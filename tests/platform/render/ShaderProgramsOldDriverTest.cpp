@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 using velmoran::platform::CGLRenderer;
 using velmoran::test::boxStartsWith;
 
@@ -27,6 +29,9 @@ TEST(OldDriver, EveryStageReportsAndInitialiseGivesTwo)
     EXPECT_TRUE(boxStartsWith(boxes[3], "GFX-VXSHDR-02 failed to compile"));
     EXPECT_TRUE(boxStartsWith(boxes[14], "GFX-UNSHDR-05 failed to link"));
     EXPECT_NE(boxes[0].find("1.50"), std::string::npos) << "the driver's log names the version: " << boxes[0];
+    const std::string advice = "\nThis could be a graphics driver compatibility issue or lack of driver / "
+                               "hardware support for OpenGL3.x GLSL 1.5 or later.";
+    EXPECT_EQ(boxes[0].substr(boxes[0].size() - advice.size()), advice);
 
     // A second editor finds the programs already there: no building, no box.
     CGLRenderer second;
