@@ -27,34 +27,30 @@ Events gEvents;
 int gChildSlot = -1;
 int gUser = 0;
 bool gMayClose = false;
-int gIdleCallsLeft = 0;
-int gIdleCalls = 0;
 
-void note(std::string event, int slot, void* user)
+template <typename... Numbers> void note(std::string event, int slot, void* user, Numbers... numbers)
 {
+    ((event += " " + std::to_string(numbers)), ...);
     gEvents.push_back(slot == gChildSlot && user == &gUser ? event : event + " from elsewhere");
 }
 
 // Mouse and key callbacks share one shape: three numbers, the slot and the user pointer.
 template <const char* kind> void record(int a, int b, int c, int slot, void* user)
 {
-    note(std::string(kind) + " " + std::to_string(a) + " " + std::to_string(b) + " " + std::to_string(c),
-         slot, user);
+    note(kind, slot, user, a, b, c);
 }
 constexpr char kDown[] = "down", kUp[] = "up", kMove[] = "move", kDouble[] = "double", kKeyDown[] = "keydown",
                kKeyUp[] = "keyup", kWheel[] = "wheel";
 
 void onPaint(int left, int top, int width, int height, int slot, void* user)
 {
-    note("paint " + std::to_string(left) + " " + std::to_string(top) + " " + std::to_string(width) + " " +
-             std::to_string(height),
-         slot, user);
+    note("paint", slot, user, left, top, width, height);
 }
 
 // Takes the left arrow only.
 bool onKey(int key, int down, int slot, void* user)
 {
-    note("key " + std::to_string(key) + " " + std::to_string(down), slot, user);
+    note("key", slot, user, key, down);
     return key == VK_LEFT;
 }
 
@@ -83,29 +79,14 @@ bool onCloseQuery(int slot, void* user)
     return gMayClose;
 }
 
-bool onTimer(void* user)
+bool onTimer(void*)
 {
-    note("timer", gChildSlot, user);
     return true;
 }
 
 bool onIdle()
 {
-    ++gIdleCalls;
-    return --gIdleCallsLeft > 0;
-}
-
-void onFileDrop(const char* path, int slot, void* user)
-{
-    note(std::string("drop ") + path, slot, user);
-}
-
-int countChildWindows(HWND host)
-{
-    int count = 0;
-    for (HWND child = GetWindow(host, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
-        ++count;
-    return count;
+    return true;
 }
 
 void setMouseButtons(bool left, bool right)
@@ -228,28 +209,41 @@ TEST_F(WindowKit, WindowsFollowTheScale)
 }
 
 // Buttons report their code (0 left, 1 right) and a press takes the focus; moves are reported
-// while a button is held (1 for the left alone) or while tracking; a wheel turn is a press at the
-// cursor with the direction (2 away, 3 towards) and a release with code 2, a still wheel nothing;
-// keys report the virtual key and 1 down, 0 up.
+// while a button is held (1 for the left alone) or while tracking. A wheel turn is a press at the
+// cursor with the direction (2 away, 3 towards) and a release with code 2; with a wheel callback it
+// arrives once with its delta (a notch is 120, a touchpad's small steps keep their size); a still
+// wheel reports nothing. Keys report the virtual key and 1 down, 0 up; a key handler sees every key
+// and the keys it leaves reach the parent window with their message. The mouse captured by another
+// window, a cancelled mode and a lost focus each tell the editor that a held button's release will
+// not come; giving up the capture to itself does not.
 TEST_F(WindowKit, InputMessagesReachTheirCallbacks)
 {
     const int slot = openChild();
+    kit->setPointerLostCallback(slot, onPointerLost);
     kit->showWindow(slot);
+    HWND child = kit->windowHandle(slot);
+    const LONG_PTR hostProcedure =
+        SetWindowLongPtrA(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(listeningHost));
     POINT cursor{};
     GetCursorPos(&cursor);
-    ScreenToClient(kit->windowHandle(slot), &cursor);
+    ScreenToClient(child, &cursor);
+    const std::string at = std::to_string(cursor.x) + " " + std::to_string(cursor.y);
     // A turn's press and release at the cursor, the press with this code.
-    const auto turn = [&cursor](int code) -> Events
-    {
-        const std::string at = std::to_string(cursor.x) + " " + std::to_string(cursor.y);
+    const auto turn = [&at](int code) -> Events {
         return {"down " + at + " " + std::to_string(code), "up " + at + " 2"};
     };
+    const auto wheel = [&at](int delta) -> Events { return {"wheel " + at + " " + std::to_string(delta)}; };
+    const auto key = [](int virtualKey, int down)
+    { return "key " + std::to_string(virtualKey) + " " + std::to_string(down); };
+    const auto atHost = [](UINT message, int virtualKey)
+    { return "host " + std::to_string(message) + " " + std::to_string(virtualKey); };
     const struct
     {
         UINT message;
         WPARAM wParam;
-        std::string held; // buttons held and whether moves are tracked
+        std::string state; // buttons held, moves tracked, a wheel callback or a key handler set
         Events events;
+        LPARAM lParam = MAKELPARAM(-3, 41);
     } cases[] = {
         {WM_LBUTTONDOWN, 0, "", {"down -3 41 0"}},
         {WM_LBUTTONUP, 0, "", {"up -3 41 0"}},
@@ -267,101 +261,42 @@ TEST_F(WindowKit, InputMessagesReachTheirCallbacks)
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), "", turn(3)},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -1), "", turn(3)},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, 0), "", {}},
+        {WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), "wheel", wheel(WHEEL_DELTA)},
+        {WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), "wheel", wheel(-WHEEL_DELTA)},
+        {WM_MOUSEWHEEL, MAKEWPARAM(0, 15), "wheel", wheel(15)},
+        {WM_MOUSEWHEEL, MAKEWPARAM(0, -7), "wheel", wheel(-7)},
+        {WM_MOUSEWHEEL, MAKEWPARAM(0, 360), "wheel", wheel(360)},
+        {WM_MOUSEWHEEL, MAKEWPARAM(0, 0), "wheel", {}},
         {WM_KEYDOWN, VK_SPACE, "", {"keydown 0 " + std::to_string(VK_SPACE) + " 1"}},
         {WM_SYSKEYUP, VK_MENU, "", {"keyup 0 " + std::to_string(VK_MENU) + " 0"}},
+        {WM_KEYDOWN, VK_LEFT, "handler", {key(VK_LEFT, 1)}},
+        {WM_KEYUP, VK_LEFT, "handler", {key(VK_LEFT, 0)}},
+        {WM_KEYDOWN, VK_SPACE, "handler", {key(VK_SPACE, 1), atHost(WM_KEYDOWN, VK_SPACE)}},
+        {WM_KEYUP, VK_SPACE, "handler", {key(VK_SPACE, 0), atHost(WM_KEYUP, VK_SPACE)}},
+        {WM_SYSKEYDOWN, 'S', "handler", {key('S', 1), atHost(WM_SYSKEYDOWN, 'S')}},
+        {WM_CAPTURECHANGED, 0, "", {"lost"}, reinterpret_cast<LPARAM>(host)},
+        {WM_CAPTURECHANGED, 0, "", {"lost"}, 0},
+        {WM_CAPTURECHANGED, 0, "", {}, reinterpret_cast<LPARAM>(child)},
+        {WM_CANCELMODE, 0, "", {"lost"}, 0},
+        {WM_KILLFOCUS, 0, "", {"lost"}, 0},
     };
     for (const auto& input : cases)
     {
-        SCOPED_TRACE(::testing::Message() << "message " << input.message << " " << input.held);
-        gEvents.clear();
+        SCOPED_TRACE(::testing::Message()
+                     << "message " << input.message << " " << input.wParam << " " << input.state);
         SetFocus(host);
-        const auto has = [&input](const char* word) { return input.held.find(word) != std::string::npos; };
+        gEvents.clear();
+        const auto has = [&input](const char* word) { return input.state.find(word) != std::string::npos; };
         EXPECT_EQ(kit->setTrackMouseMoves(slot, has("tracked")), slot);
+        kit->setMouseWheelCallback(slot, has("wheel") ? record<kWheel> : nullptr);
+        kit->setKeyHandler(slot, has("handler") ? onKey : nullptr);
         setMouseButtons(has("left"), has("right"));
-        send(slot, input.message, input.wParam, MAKELPARAM(-3, 41));
+        send(slot, input.message, input.wParam, input.lParam);
         EXPECT_EQ(gEvents, input.events);
         if (input.message == WM_LBUTTONDOWN || input.message == WM_RBUTTONDOWN)
         {
-            EXPECT_EQ(GetFocus(), kit->windowHandle(slot));
+            EXPECT_EQ(GetFocus(), child);
         }
-    }
-}
-
-// The mouse captured by another window, a cancelled mode and a lost focus each tell the editor that
-// a held button's release will not come; giving up the capture to itself does not.
-TEST_F(WindowKit, LosingTheMouseOrTheFocusIsReported)
-{
-    const int slot = openChild();
-    kit->setPointerLostCallback(slot, onPointerLost);
-    HWND child = kit->windowHandle(slot);
-    const struct
-    {
-        UINT message;
-        LPARAM lParam;
-        Events events;
-    } cases[] = {
-        {WM_CAPTURECHANGED, reinterpret_cast<LPARAM>(host), {"lost"}},
-        {WM_CAPTURECHANGED, 0, {"lost"}},
-        {WM_CAPTURECHANGED, reinterpret_cast<LPARAM>(child), {}},
-        {WM_CANCELMODE, 0, {"lost"}},
-        {WM_KILLFOCUS, 0, {"lost"}},
-    };
-    for (const auto& input : cases)
-    {
-        SCOPED_TRACE(::testing::Message() << "message " << input.message);
-        gEvents.clear();
-        send(slot, input.message, 0, input.lParam);
-        EXPECT_EQ(gEvents, input.events);
-    }
-}
-
-// With a wheel callback the turn arrives once, at the cursor, with its delta: a notch is 120, a
-// touchpad's small steps keep their size; a still wheel reports nothing.
-TEST_F(WindowKit, WheelCallbackTakesTheDelta)
-{
-    const int slot = openChild();
-    kit->setMouseWheelCallback(slot, record<kWheel>);
-    POINT cursor{};
-    GetCursorPos(&cursor);
-    ScreenToClient(kit->windowHandle(slot), &cursor);
-    const std::string at = std::to_string(cursor.x) + " " + std::to_string(cursor.y);
-    for (const int delta : {WHEEL_DELTA, -WHEEL_DELTA, 15, -7, 360, 0})
-    {
-        gEvents.clear();
-        send(slot, WM_MOUSEWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(-3, 41));
-        EXPECT_EQ(gEvents, delta == 0 ? Events{} : Events{"wheel " + at + " " + std::to_string(delta)});
-    }
-}
-
-// A key handler sees every key; the keys it leaves reach the parent window with their message.
-TEST_F(WindowKit, KeysTheHandlerLeavesGoToTheParent)
-{
-    const int slot = openChild();
-    kit->setKeyHandler(slot, onKey);
-    const LONG_PTR hostProcedure =
-        SetWindowLongPtrA(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(listeningHost));
-    const auto key = [](int virtualKey, int down)
-    { return "key " + std::to_string(virtualKey) + " " + std::to_string(down); };
-    const auto atHost = [](UINT message, int virtualKey)
-    { return "host " + std::to_string(message) + " " + std::to_string(virtualKey); };
-    const struct
-    {
-        UINT message;
-        int virtualKey;
-        Events events;
-    } cases[] = {
-        {WM_KEYDOWN, VK_LEFT, {key(VK_LEFT, 1)}},
-        {WM_KEYUP, VK_LEFT, {key(VK_LEFT, 0)}},
-        {WM_KEYDOWN, VK_SPACE, {key(VK_SPACE, 1), atHost(WM_KEYDOWN, VK_SPACE)}},
-        {WM_KEYUP, VK_SPACE, {key(VK_SPACE, 0), atHost(WM_KEYUP, VK_SPACE)}},
-        {WM_SYSKEYDOWN, 'S', {key('S', 1), atHost(WM_SYSKEYDOWN, 'S')}},
-    };
-    for (const auto& input : cases)
-    {
-        SCOPED_TRACE(::testing::Message() << "message " << input.message << " key " << input.virtualKey);
-        gEvents.clear();
-        send(slot, input.message, static_cast<WPARAM>(input.virtualKey), 1);
-        EXPECT_EQ(gEvents, input.events);
     }
     SetWindowLongPtrA(host, GWLP_WNDPROC, hostProcedure);
 }
@@ -387,25 +322,22 @@ TEST_F(WindowKit, DestroyNotifyOnlyForAWindowDestroyedElsewhere)
 TEST_F(WindowKit, OnlyTheFirstEraseReachesTheBackground)
 {
     const int slot = openChild();
-    HDC screen = GetDC(nullptr);
-    HDC canvas = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 8, 8);
-    ReleaseDC(nullptr, screen);
-    HGDIOBJ previous = SelectObject(canvas, bitmap);
+    // A memory context's own bitmap is black and white, all the test needs.
+    HDC canvas = CreateCompatibleDC(nullptr);
+    HBITMAP bitmap = CreateCompatibleBitmap(canvas, 8, 8);
+    SelectObject(canvas, bitmap);
     const RECT whole{0, 0, 8, 8};
 
     FillRect(canvas, &whole, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     send(slot, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas), 0);
     EXPECT_EQ(GetPixel(canvas, 4, 4), RGB(0, 0, 0));
-    EXPECT_EQ(kit->slot(slot).erasePending, 0);
 
     FillRect(canvas, &whole, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     EXPECT_EQ(send(slot, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas), 0), 1);
     EXPECT_EQ(GetPixel(canvas, 4, 4), RGB(255, 255, 255));
 
-    SelectObject(canvas, previous);
-    DeleteObject(bitmap);
     DeleteDC(canvas);
+    DeleteObject(bitmap);
 }
 
 // Close first reports the key as released, then asks; a refusal keeps the window, consent frees it.
@@ -417,13 +349,11 @@ TEST_F(WindowKit, CloseAsksTheEditorAndDestroysTheWindowOnlyWhenAllowed)
     EXPECT_EQ(send(slot, WM_CLOSE, 27, 0), 0);
     EXPECT_EQ(gEvents, (Events{"keyup 0 27 0", "closequery"}));
     EXPECT_TRUE(IsWindow(child));
-    EXPECT_EQ(kit->slot(slot).inUse, 1);
 
     gMayClose = true;
     send(slot, WM_CLOSE, 0, 0);
     EXPECT_FALSE(IsWindow(child));
     EXPECT_EQ(kit->slot(slot).inUse, 0);
-    EXPECT_EQ(kit->slot(slot).window, nullptr);
 }
 
 // A window nobody paints is still validated: once painted, an idle window gets no more WM_PAINT.
@@ -451,51 +381,6 @@ TEST_F(WindowKit, PaintValidatesTheWindowAndGetsTheInvalidatedRectangle)
     EXPECT_EQ(gEvents, Events{"paint 10 20 30 40"});
 }
 
-TEST_F(WindowKit, WindowTimerTicksReachTheTimerCallback)
-{
-    const int slot = openChild();
-    kit->setWindowTimerPeriod(10);
-    kit->setTimerCallback(slot, onTimer);
-    ASSERT_TRUE(velmoran::test::waitFor([] { return gEvents.size() >= 3; },
-                                        [&]
-                                        {
-                                            kit->pumpMessages();
-                                            CPlatformWindows::sleepMilliseconds(5);
-                                        }));
-    EXPECT_EQ(gEvents[0], "timer");
-}
-
-// The idle timer calls back until the callback declines; a pump calls it once more while one is set.
-TEST_F(WindowKit, IdleCallbackRunsUntilItDeclines)
-{
-    gIdleCalls = 0;
-    gIdleCallsLeft = 3;
-    kit->setIdlePeriod(10);
-    kit->setIdleCallback(onIdle);
-    EXPECT_TRUE(velmoran::test::waitFor([] { return gIdleCallsLeft == 0; },
-                                        []
-                                        {
-                                            MSG message;
-                                            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-                                                DispatchMessageA(&message);
-                                            CPlatformWindows::sleepMilliseconds(5);
-                                        }));
-    EXPECT_EQ(gIdleCalls, 3);
-    CPlatformWindows::sleepMilliseconds(50);
-    kit->pumpMessages();
-    EXPECT_EQ(gIdleCalls, 3);
-
-    gIdleCalls = 0;
-    gIdleCallsLeft = 100;
-    kit->setIdlePeriod(60000);
-    kit->setIdleCallback(onIdle);
-    kit->pumpMessages();
-    EXPECT_EQ(gIdleCalls, 1);
-    kit->setIdleCallback(nullptr);
-    kit->pumpMessages();
-    EXPECT_EQ(gIdleCalls, 1);
-}
-
 // Neither a timer set on a free slot nor a cleared idle callback leaves a thread timer ticking.
 TEST_F(WindowKit, NoThreadTimerIsLeftTicking)
 {
@@ -514,22 +399,16 @@ TEST_F(WindowKit, NoThreadTimerIsLeftTicking)
     }
 }
 
-// A drop is always finished (its memory freed); a callback hears only of the first file.
-TEST_F(WindowKit, DropsAreFinishedAndReportOnlyTheFirstFile)
+// The editor takes dropped files without a callback for them: a drop is still finished (its memory
+// freed).
+TEST_F(WindowKit, DropsAreFinished)
 {
-    for (const bool listening : {true, false})
-    {
-        SCOPED_TRACE(listening);
-        gEvents.clear();
-        const int slot = openChild();
-        kit->setFileDropCallback(slot, listening ? onFileDrop : nullptr);
-        kit->acceptDroppedFiles(slot);
-        EXPECT_NE(GetWindowLongA(kit->windowHandle(slot), GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
-        HGLOBAL drop = makeDrop({"C:\\one.vlm", "C:\\two.vlm", "C:\\three.vlm"});
-        send(slot, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
-        EXPECT_EQ(gEvents, listening ? Events{"drop C:\\one.vlm"} : Events{});
-        EXPECT_EQ(GlobalSize(drop), 0u);
-    }
+    const int slot = openChild();
+    kit->acceptDroppedFiles(slot);
+    EXPECT_NE(GetWindowLongA(kit->windowHandle(slot), GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
+    HGLOBAL drop = makeDrop({"C:\\one.vlm", "C:\\two.vlm"});
+    send(slot, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+    EXPECT_EQ(GlobalSize(drop), 0u);
 }
 
 TEST_F(WindowKit, FullTableGivesMinusOneAndTeardownDestroysEveryWindow)
@@ -541,8 +420,6 @@ TEST_F(WindowKit, FullTableGivesMinusOneAndTeardownDestroysEveryWindow)
         windows.push_back(kit->windowHandle(i));
     }
     EXPECT_EQ(kit->createChildWindow(0, 0, 4, 4, 1.0f, host, nullptr), -1);
-    // The window that found no slot stays alive, marked with 255.
-    EXPECT_EQ(countChildWindows(host), 256);
 
     kit->destroyWindow(7);
     EXPECT_FALSE(IsWindow(windows[7]));
@@ -550,12 +427,10 @@ TEST_F(WindowKit, FullTableGivesMinusOneAndTeardownDestroysEveryWindow)
     windows[7] = kit->windowHandle(7);
 
     kit->teardown();
-    EXPECT_TRUE(kit->shuttingDown());
     for (HWND window : windows)
         EXPECT_FALSE(IsWindow(window));
     for (int i = 0; i < CPlatformWindows::kSlotCount; ++i)
         EXPECT_EQ(kit->slot(i).inUse, 0);
-    EXPECT_EQ(countChildWindows(host), 1);
 }
 
 TEST(WindowKitModuleHooks, CreateAndTearDownTheKit)
