@@ -49,18 +49,4 @@ INSTANTIATE_TEST_SUITE_P(
                        true}),
     [](const ::testing::TestParamInfo<EntryPointCase>& info) { return std::string(info.param.name); });
 
-void filledSlot() {}
-
-TEST(EntryPointTable, LoadingFillsOnlyEmptySlots)
-{
-    GLEntryPoints table;
-    const auto filled = reinterpret_cast<decltype(table.glShaderSource)>(&filledSlot);
-    table.glShaderSource = filled;
-    // Without a current context every request fails: the filled slot keeps its function, the
-    // empty ones stay empty.
-    EXPECT_TRUE(velmoran::platform::loadGLEntryPoints(table));
-    EXPECT_EQ(table.glShaderSource, filled);
-    EXPECT_EQ(table.glUniform4fv, nullptr);
-}
-
 } // namespace

@@ -15,20 +15,9 @@ namespace
 
 using TextureLoader = velmoran::test::RendererTest;
 
-// Where each frame lands in the texture is the packing's (FramePackingTest.cpp); here the strip
-// becomes one texture of the packed size.
-TEST_F(TextureLoader, FiveFrameStripBecomesOnePowerOfTwoTexture)
-{
-    auto texture = loadTexture(renderer, velmoran::resources::kAutoLockSelector, 5);
-    ASSERT_NE(texture, nullptr);
-    EXPECT_EQ(texture->width, 128);
-    EXPECT_EQ(texture->height, 64);
-    EXPECT_NE(texture->name, 0u);
-    EXPECT_EQ(texture->useCount, 1);
-}
-
 // Each frame of a loaded strip, the one on the texture's second row too, draws as stored (its
-// opaque pixels) and no wider than a frame.
+// opaque pixels) and no wider than a frame. Where each frame lands in the texture is the packing's
+// (FramePackingTest.cpp).
 TEST_F(TextureLoader, EveryLoadedFrameDrawsAsStored)
 {
     const auto image = loadImage(velmoran::resources::kAutoLockSelector);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "editor/X11TestWindow.h"
+#include "platform/window/KitScaleCases.h"
 
 #include "platform/window/WindowKit.h"
 #include "platform/window/X11Display.h"
@@ -17,44 +18,20 @@ using velmoran::test::X11TestWindow;
 namespace
 {
 
-struct DpiCase
+// The scale of the desktop's resolution (0 when the server names none) and the device size of a
+// logical size at a scale.
+TEST(WindowKitX11Scale, FollowsTheDesktopDpiAndRoundsSizesHalfUp)
 {
-    int dpi;
-    float scale;
-};
-
-class WindowKitX11Dpi : public ::testing::TestWithParam<DpiCase>
-{
-};
-
-TEST_P(WindowKitX11Dpi, ScaleFollowsTheDesktopDpi)
-{
-    EXPECT_FLOAT_EQ(CPlatformWindows::displayScaleForDpi(GetParam().dpi), GetParam().scale);
+    for (const auto& screen : velmoran::test::kDpiCases)
+    {
+        EXPECT_FLOAT_EQ(CPlatformWindows::displayScaleForDpi(screen.dpi), screen.scale) << screen.dpi;
+    }
+    for (const auto& size : velmoran::test::kSizeCases)
+    {
+        EXPECT_EQ(CPlatformWindows::deviceSize(size.logical, size.scale), size.device)
+            << size.logical << " at " << size.scale;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Dpi, WindowKitX11Dpi,
-                         ::testing::Values(DpiCase{0, 1.0f}, DpiCase{96, 1.0f}, DpiCase{120, 1.25f},
-                                           DpiCase{144, 1.5f}, DpiCase{192, 2.0f}, DpiCase{240, 2.0f}));
-
-struct SizeCase
-{
-    int logical;
-    float scale;
-    int device;
-};
-
-class WindowKitX11Size : public ::testing::TestWithParam<SizeCase>
-{
-};
-
-TEST_P(WindowKitX11Size, DeviceSizeRoundsHalfUp)
-{
-    EXPECT_EQ(CPlatformWindows::deviceSize(GetParam().logical, GetParam().scale), GetParam().device);
-}
-
-INSTANTIATE_TEST_SUITE_P(Sizes, WindowKitX11Size,
-                         ::testing::Values(SizeCase{100, 1.25f, 125}, SizeCase{50, 1.25f, 63},
-                                           SizeCase{998, 1.0f, 998}, SizeCase{634, 2.0f, 1268}));
 
 class WindowKitX11 : public ::testing::Test
 {

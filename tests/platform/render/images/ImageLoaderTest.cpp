@@ -34,23 +34,13 @@ ResourceBytes bytesOf(const std::vector<std::uint8_t>& record)
 
 } // namespace
 
-TEST(ImageLoader, LoadsASwitchFaceWithoutCopyingItsPixels)
-{
-    const auto image = loadImage(velmoran::resources::kEffectSwitch);
-    ASSERT_TRUE(image.has_value());
-    EXPECT_EQ(std::vector<int>({image->width, image->height, image->rowstride, image->bytesPerPixel}),
-              std::vector<int>({64, 86, 256, 4}));
-    EXPECT_EQ(image->pixels,
-              velmoran::resources::findBinaryResource(velmoran::resources::kEffectSwitch).data + 24);
-}
-
 TEST(ImageLoader, ReadsPixelsTopRowFirstAsRedGreenBlueAlpha)
 {
     const std::vector<std::uint8_t> record = tinyRecord("GdkP");
     const auto image = imageFromPixdata(bytesOf(record));
     ASSERT_TRUE(image.has_value());
-    EXPECT_EQ(image->width, 2);
-    EXPECT_EQ(image->height, 1);
+    EXPECT_EQ(std::vector<int>({image->width, image->height, image->rowstride, image->bytesPerPixel}),
+              std::vector<int>({2, 1, 8, 4}));
     // Red, then blue at half alpha.
     EXPECT_EQ(std::vector<int>(image->pixels, image->pixels + 8),
               std::vector<int>({255, 0, 0, 255, 0, 0, 255, 128}));
@@ -74,10 +64,7 @@ TEST(ImageLoader, RefusesBadRecords)
 // and prints nothing.
 TEST(ImageLoader, SilentVariantLoadsAtlasesAndMissingResourcesGiveNothing)
 {
-    const auto atlas = loadImageSilently(velmoran::resources::kArialSmallAtlas);
-    ASSERT_TRUE(atlas.has_value());
-    EXPECT_EQ(atlas->width, 521);
-    EXPECT_EQ(atlas->height, 175);
+    EXPECT_TRUE(loadImageSilently(velmoran::resources::kArialSmallAtlas).has_value());
     ::testing::internal::CaptureStdout();
     EXPECT_FALSE(loadImage(4242).has_value());
     EXPECT_FALSE(loadImageSilently(4242).has_value());
