@@ -4,14 +4,12 @@
 #include "tools/render/AtomicFile.h"
 
 #include <fcntl.h>
-#include <pty.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -156,8 +154,8 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
             fileText(streams.file("output"))};
 }
 
-ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
-                      const std::vector<char>& feed, const ScratchFolder& folder, int signal)
+int interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
+                  const std::vector<char>& feed, const ScratchFolder& folder, int signal)
 {
     std::vector<std::string> words = {toolPath(), "--plugin", modulePath()};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -165,53 +163,21 @@ ToolRun interruptTool(const std::vector<std::string>& arguments, const std::stri
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
-    // Standard error on a terminal, where the progress bar shows.
-    int terminal = -1;
-    int terminalSide = -1;
-    if (openpty(&terminal, &terminalSide, nullptr, nullptr, nullptr) != 0)
-        return {};
-    fcntl(terminal, F_SETFL, O_NONBLOCK);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, terminalSide, STDERR_FILENO);
     pid_t child = 0;
-    const bool spawned =
-        posix_spawn(&child, toolPath().c_str(), &actions, nullptr, argv.data(), environ) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    close(terminalSide);
-    ToolRun run;
-    // Reads what the terminal holds; true once the tool's side is closed and everything was read.
-    const auto readTerminal = [&]
-    {
-        char buffer[4096];
-        ssize_t got = 0;
-        while ((got = read(terminal, buffer, sizeof(buffer))) > 0)
-            run.errors.append(buffer, static_cast<size_t>(got));
-        return got < 0 && errno == EIO;
-    };
+    if (posix_spawn(&child, toolPath().c_str(), nullptr, nullptr, argv.data(), environ) != 0)
+        return -1;
     int pipe = -1;
     // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
-    waitFor([&] { return !spawned || (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
-    const bool fed = pipe >= 0 && write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size());
-    const bool rendering = fed && waitFor(
-                                      [&]
-                                      {
-                                          readTerminal();
-                                          return holdsTemporaryFile(folder) &&
-                                                 run.errors.find("Rendering [") != std::string::npos;
-                                      });
-    if (spawned)
-    {
-        kill(child, signal);
-        int status = 0;
-        waitpid(child, &status, 0);
-        run.exitCode = rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    waitFor(readTerminal);
+    waitFor([&] { return (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
+    const bool rendering = pipe >= 0 &&
+                           write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size()) &&
+                           waitFor([&] { return holdsTemporaryFile(folder); });
+    kill(child, signal);
+    int status = 0;
+    waitpid(child, &status, 0);
     if (pipe >= 0)
         close(pipe);
-    close(terminal);
-    return run;
+    return rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 } // namespace velmoran::test
