@@ -1,5 +1,6 @@
 #include "RenderTestSupport.h"
 
+#include "support/Signals.h"
 #include "support/WaitFor.h"
 #include "tools/render/AtomicFile.h"
 
@@ -49,13 +50,10 @@ bool holdsTemporaryFile(const ScratchFolder& folder)
 
 ScratchFolder::ScratchFolder()
 {
-    const char* base = std::getenv("TMPDIR");
-    std::string pattern = std::string(base ? base : "/tmp") + "/velmoran-render-test.XXXXXX";
-    std::vector<char> buffer(pattern.begin(), pattern.end());
-    buffer.push_back('\0');
-    if (!mkdtemp(buffer.data()))
+    std::string pattern = (std::filesystem::temp_directory_path() / "velmoran-render-test.XXXXXX").string();
+    if (!mkdtemp(pattern.data()))
         throw std::runtime_error("cannot make a scratch folder");
-    mPath = buffer.data();
+    mPath = pattern;
 }
 
 ScratchFolder::~ScratchFolder()
@@ -97,17 +95,12 @@ Sound readSound(const std::string& path)
 
 std::vector<float> sine(double frequencyHz, double levelDb, double seconds, int sampleRate, int channels)
 {
-    const auto frames = static_cast<size_t>(seconds * sampleRate);
-    const double amplitude = std::sqrt(2.0) * std::pow(10.0, levelDb / 20.0);
-    std::vector<float> samples(frames * static_cast<size_t>(channels));
-    for (size_t frame = 0; frame < frames; ++frame)
-    {
-        const double value =
-            amplitude * std::sin(2.0 * kPi * frequencyHz * static_cast<double>(frame) / sampleRate);
-        for (int channel = 0; channel < channels; ++channel)
-            samples[frame * static_cast<size_t>(channels) + static_cast<size_t>(channel)] =
-                static_cast<float>(value);
-    }
+    const std::vector<float> mono =
+        testing::MakeSine(frequencyHz, sampleRate, static_cast<size_t>(seconds * sampleRate),
+                          std::sqrt(2.0) * std::pow(10.0, levelDb / 20.0));
+    std::vector<float> samples;
+    for (const float sample : mono)
+        samples.insert(samples.end(), static_cast<size_t>(channels), sample);
     return samples;
 }
 
