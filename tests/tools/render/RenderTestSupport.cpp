@@ -147,8 +147,8 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin)
             fileText(streams.file("output"))};
 }
 
-int interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
-                  const std::vector<char>& feed, const ScratchFolder& folder, int signal)
+ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
+                      const std::vector<char>& feed, const ScratchFolder& folder, int signal)
 {
     std::vector<std::string> words = {toolPath(), "--plugin", modulePath()};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -158,7 +158,7 @@ int interruptTool(const std::vector<std::string>& arguments, const std::string& 
     argv.push_back(nullptr);
     pid_t child = 0;
     if (posix_spawn(&child, toolPath().c_str(), nullptr, nullptr, argv.data(), environ) != 0)
-        return -1;
+        return {};
     int pipe = -1;
     // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
     waitFor([&] { return (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
@@ -170,7 +170,7 @@ int interruptTool(const std::vector<std::string>& arguments, const std::string& 
     waitpid(child, &status, 0);
     if (pipe >= 0)
         close(pipe);
-    return rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return {rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1, {}, {}};
 }
 
 } // namespace velmoran::test

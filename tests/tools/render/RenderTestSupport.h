@@ -89,7 +89,7 @@ ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin = tru
 // Runs velmoran-render with arguments whose input is the pipe feedPath, feeds it the bytes feed
 // (fewer than their header promises, so the job waits for more), sends signal once a temporary
 // file has appeared in folder, and gives the exit status (-1 if none appeared).
-int interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
-                  const std::vector<char>& feed, const ScratchFolder& folder, int signal);
+ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
+                      const std::vector<char>& feed, const ScratchFolder& folder, int signal);
 
 } // namespace velmoran::test

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <tuple>
@@ -150,15 +151,12 @@ TEST_P(RenderToolRuns, SayWhatTheyDoAndLeaveTheInputAlone)
     if (const size_t at = message.find('@'); at != std::string::npos)
         message.replace(at, 1, folder.file(""));
     const bool givesPlugin = std::find(arguments.begin(), arguments.end(), "--plugin") != arguments.end();
-    const ToolRun run =
-        GetParam().signal
-            ? ToolRun{interruptTool(arguments, folder.file("feed.wav"), {mix.begin(), mix.begin() + 8044},
-                                    folder, GetParam().signal),
-                      {},
-                      {}}
-            : runTool(arguments, !givesPlugin);
-    EXPECT_EQ(run.exitCode, GetParam().exitCode) << run.errors;
-    EXPECT_TRUE(contains(run.errors + run.output, message));
+    const ToolRun ran = GetParam().signal
+                            ? interruptTool(arguments, folder.file("feed.wav"),
+                                            {mix.begin(), mix.begin() + 8044}, folder, GetParam().signal)
+                            : runTool(arguments, !givesPlugin);
+    EXPECT_EQ(ran.exitCode, GetParam().exitCode) << ran.errors;
+    EXPECT_TRUE(contains(ran.errors + ran.output, message));
     if (GetParam().exitCode != 0)
     {
         EXPECT_EQ(folder.names(), before);
