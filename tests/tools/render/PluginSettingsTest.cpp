@@ -45,15 +45,6 @@ protected:
     std::unique_ptr<ParameterCatalogue> mCatalogue;
 };
 
-TEST_F(PluginSettingsTest, TitlesAreFoundWhateverTheirCase)
-{
-    EXPECT_EQ(mCatalogue->entries().size(), 70u);
-    EXPECT_EQ(mCatalogue->find("  03 gain ").title, "03 Gain");
-    const std::string message = usageMessage([this] { mCatalogue->find("03 Gian"); });
-    EXPECT_TRUE(test::contains(message, "\"03 Gian\""));
-    EXPECT_TRUE(test::contains(message, "03 Filt Type"));
-}
-
 struct TypedValue
 {
     const char* title;
@@ -66,8 +57,9 @@ class PluginSettingsValues : public PluginSettingsTest, public testing::WithPara
 {
 };
 
-// Values are read in the plug-in's own texts; one outside the range is refused naming the range (a
-// name that is none of a list's, through the tool in RenderToolTest.cpp).
+// Titles are found whatever their case and spacing, values are read in the plug-in's own texts; one
+// outside the range is refused naming the range (a name that is none of a list's, an unknown title
+// and the texts of lists set through the tool in RenderToolTest.cpp).
 TEST_P(PluginSettingsValues, ReadInThePluginsOwnTexts)
 {
     const TypedValue& value = GetParam();
@@ -81,12 +73,10 @@ TEST_P(PluginSettingsValues, ReadInThePluginsOwnTexts)
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, PluginSettingsValues,
-    testing::Values(TypedValue{"03 Gain", "+6 dB", "6.00 dB"}, TypedValue{"03 Gain", "-18", "-18.00 dB"},
+    testing::Values(TypedValue{"  03 gain ", "+6 dB", "6.00 dB"}, TypedValue{"03 Gain", "-18", "-18.00 dB"},
                     TypedValue{"03 Filt Type", "Peak +3dB", "Peak +3dB"},
                     TypedValue{"03 Filt Type", "lf shelf", "LF Shelf"},
                     TypedValue{"03 Freq", "1000 Hz", "1000.00 Hz"}, TypedValue{"03 Q", "2", "2.00"},
-                    TypedValue{"03 Mode", "Left", "Left"}, TypedValue{"EQ", "Out", "Out"},
-                    TypedValue{"Output Gain", "0 dB", "0.00 dB"},
                     TypedValue{"03 Freq", "25 kHz", "from 20.00 Hz to 20000.00 Hz", true}));
 
 // --list-parameters offers exactly what --set accepts: every listed name is taken, and the texts
@@ -97,17 +87,6 @@ TEST_F(PluginSettingsTest, ListedValuesAreExactlyThoseThatCanBeSet)
     for (const ParameterEntry& entry : mCatalogue->entries())
         for (const std::string& name : mCatalogue->allowedValues(entry).names)
             EXPECT_EQ(mCatalogue->text(entry.tag, mCatalogue->valueOf(entry, name)), name) << entry.title;
-    const std::pair<const char*, const char*> cases[] = {
-        {"06 Mode", "one of: Stereo, Left, Right"},
-        {"Solo", "one of: None, 01, 02, 03, 04, 05, 06, 07, 08, 09, 10"},
-        {"06 Filt Type", "one of: [ --- ], No Filter"},
-    };
-    for (const auto& [title, listed] : cases)
-    {
-        const std::string described = mCatalogue->allowedValues(mCatalogue->find(title)).describe();
-        EXPECT_EQ(described.substr(0, std::strlen(listed)), listed);
-        EXPECT_EQ(described.find("11"), std::string::npos);
-    }
     EXPECT_FALSE(
         usageMessage([this] { mCatalogue->valueOf(mCatalogue->find("06 Mode"), "[ --- ]"); }).empty());
     EXPECT_FALSE(usageMessage([this] { mCatalogue->valueOf(mCatalogue->find("Solo"), "12"); }).empty());
@@ -116,33 +95,25 @@ TEST_F(PluginSettingsTest, ListedValuesAreExactlyThoseThatCanBeSet)
 TEST_F(PluginSettingsTest, ProgramsByNumberAndByEitherName)
 {
     const std::vector<FactoryProgram> programs = factoryPrograms(mHost->controller());
-    ASSERT_EQ(programs.size(), 6u);
-    EXPECT_EQ(programs[3].name, "03 - British EQ NV-3");
-    EXPECT_EQ(programs[3].hostName, "Factory Preset 03");
     EXPECT_EQ(programIndexOf("3", programs), 3);
     EXPECT_EQ(programIndexOf("03 - british eq nv-3", programs), 3);
-    EXPECT_EQ(programIndexOf("Factory Defaults", programs), 0);
+    EXPECT_EQ(programIndexOf("Factory Preset 03", programs), 3);
     EXPECT_TRUE(
         test::contains(usageMessage([&] { programIndexOf("6", programs); }), "5 \"05 - British EQ SL-2\""));
 }
 
-// A saved state loaded into another host is tried through the tool (RenderToolTest.cpp).
-TEST_F(PluginSettingsTest, SettingsAreAppliedInOrder)
+// A preset comes first, then the values in order; nothing is applied when one of them is wrong (a
+// saved state loaded into another host is tried through the tool in RenderToolTest.cpp).
+TEST_F(PluginSettingsTest, SettingsApplyInOrderOrNotAtAll)
 {
     RenderRequest request;
     request.preset = "03 - British EQ NV-3";
-    request.assignments = {{"02 Gain", "-3 dB"}};
-    applySettings(*mHost, request);
-    EXPECT_EQ(shown("01 Gain"), "6.00 dB");
-    EXPECT_EQ(shown("02 Gain"), "-3.00 dB");
-}
-
-TEST_F(PluginSettingsTest, NothingIsAppliedWhenOneSettingIsWrong)
-{
-    RenderRequest request;
     request.assignments = {{"02 Gain", "-3 dB"}, {"02 Gain", "loud"}};
     EXPECT_THROW(applySettings(*mHost, request), RenderError);
-    EXPECT_EQ(shown("02 Gain"), "0.00 dB");
+    EXPECT_EQ(shown("01 Gain") + " " + shown("02 Gain"), "0.00 dB 0.00 dB");
+    request.assignments.pop_back();
+    applySettings(*mHost, request);
+    EXPECT_EQ(shown("01 Gain") + " " + shown("02 Gain"), "6.00 dB -3.00 dB");
 }
 
 struct BandSetting
@@ -181,7 +152,6 @@ TEST_P(PluginResponse, MeasuredThroughTheModuleMatchesTheDesign)
 INSTANTIATE_TEST_SUITE_P(Bands, PluginResponse,
                          testing::Values(BandSetting{"Pk dB/2", "+9 dB", "800 Hz"},
                                          BandSetting{"LF Shelf", "-6 dB", "200 Hz"},
-                                         BandSetting{"HF Shelf", "+4 dB", "6000 Hz"},
                                          BandSetting{"Band Pass", "0 dB", "2000 Hz"}));
 
 } // namespace

@@ -9,9 +9,7 @@ namespace
 
 TEST(ProgressBar, LineShowsTheShareDone)
 {
-    EXPECT_EQ(progressLine("Rendering", 0, 100, 10), "Rendering [..........]   0%");
     EXPECT_EQ(progressLine("Rendering", 50, 100, 10), "Rendering [#####.....]  50%");
-    EXPECT_EQ(progressLine("Rendering", 100, 100, 10), "Rendering [##########] 100%");
     EXPECT_EQ(progressLine("Rendering", 150, 100, 4), "Rendering [####] 100%");
 }
 

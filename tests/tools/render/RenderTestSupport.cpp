@@ -1,17 +1,16 @@
 #include "RenderTestSupport.h"
 
+#include "support/Signals.h"
 #include "support/WaitFor.h"
 #include "tools/render/AtomicFile.h"
 
 #include <fcntl.h>
-#include <pty.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -51,13 +50,10 @@ bool holdsTemporaryFile(const ScratchFolder& folder)
 
 ScratchFolder::ScratchFolder()
 {
-    const char* base = std::getenv("TMPDIR");
-    std::string pattern = std::string(base ? base : "/tmp") + "/velmoran-render-test.XXXXXX";
-    std::vector<char> buffer(pattern.begin(), pattern.end());
-    buffer.push_back('\0');
-    if (!mkdtemp(buffer.data()))
+    std::string pattern = (std::filesystem::temp_directory_path() / "velmoran-render-test.XXXXXX").string();
+    if (!mkdtemp(pattern.data()))
         throw std::runtime_error("cannot make a scratch folder");
-    mPath = buffer.data();
+    mPath = pattern;
 }
 
 ScratchFolder::~ScratchFolder()
@@ -99,17 +95,12 @@ Sound readSound(const std::string& path)
 
 std::vector<float> sine(double frequencyHz, double levelDb, double seconds, int sampleRate, int channels)
 {
-    const auto frames = static_cast<size_t>(seconds * sampleRate);
-    const double amplitude = std::sqrt(2.0) * std::pow(10.0, levelDb / 20.0);
-    std::vector<float> samples(frames * static_cast<size_t>(channels));
-    for (size_t frame = 0; frame < frames; ++frame)
-    {
-        const double value =
-            amplitude * std::sin(2.0 * kPi * frequencyHz * static_cast<double>(frame) / sampleRate);
-        for (int channel = 0; channel < channels; ++channel)
-            samples[frame * static_cast<size_t>(channels) + static_cast<size_t>(channel)] =
-                static_cast<float>(value);
-    }
+    const std::vector<float> mono =
+        testing::MakeSine(frequencyHz, sampleRate, static_cast<size_t>(seconds * sampleRate),
+                          std::sqrt(2.0) * std::pow(10.0, levelDb / 20.0));
+    std::vector<float> samples;
+    for (const float sample : mono)
+        samples.insert(samples.end(), static_cast<size_t>(channels), sample);
     return samples;
 }
 
@@ -165,53 +156,21 @@ ToolRun interruptTool(const std::vector<std::string>& arguments, const std::stri
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
-    // Standard error on a terminal, where the progress bar shows.
-    int terminal = -1;
-    int terminalSide = -1;
-    if (openpty(&terminal, &terminalSide, nullptr, nullptr, nullptr) != 0)
-        return {};
-    fcntl(terminal, F_SETFL, O_NONBLOCK);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, terminalSide, STDERR_FILENO);
     pid_t child = 0;
-    const bool spawned =
-        posix_spawn(&child, toolPath().c_str(), &actions, nullptr, argv.data(), environ) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    close(terminalSide);
-    ToolRun run;
-    // Reads what the terminal holds; true once the tool's side is closed and everything was read.
-    const auto readTerminal = [&]
-    {
-        char buffer[4096];
-        ssize_t got = 0;
-        while ((got = read(terminal, buffer, sizeof(buffer))) > 0)
-            run.errors.append(buffer, static_cast<size_t>(got));
-        return got < 0 && errno == EIO;
-    };
+    if (posix_spawn(&child, toolPath().c_str(), nullptr, nullptr, argv.data(), environ) != 0)
+        return {};
     int pipe = -1;
     // Opening a pipe without a reader fails at once; the tool opens it when it starts reading.
-    waitFor([&] { return !spawned || (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
-    const bool fed = pipe >= 0 && write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size());
-    const bool rendering = fed && waitFor(
-                                      [&]
-                                      {
-                                          readTerminal();
-                                          return holdsTemporaryFile(folder) &&
-                                                 run.errors.find("Rendering [") != std::string::npos;
-                                      });
-    if (spawned)
-    {
-        kill(child, signal);
-        int status = 0;
-        waitpid(child, &status, 0);
-        run.exitCode = rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    waitFor(readTerminal);
+    waitFor([&] { return (pipe = open(feedPath.c_str(), O_WRONLY | O_NONBLOCK)) >= 0; });
+    const bool rendering = pipe >= 0 &&
+                           write(pipe, feed.data(), feed.size()) == static_cast<ssize_t>(feed.size()) &&
+                           waitFor([&] { return holdsTemporaryFile(folder); });
+    kill(child, signal);
+    int status = 0;
+    waitpid(child, &status, 0);
     if (pipe >= 0)
         close(pipe);
-    close(terminal);
-    return run;
+    return {rendering && WIFEXITED(status) ? WEXITSTATUS(status) : -1, {}, {}};
 }
 
 } // namespace velmoran::test

@@ -86,10 +86,9 @@ struct ToolRun
 };
 // Runs velmoran-render with arguments (the module is given with --plugin unless told not to).
 ToolRun runTool(const std::vector<std::string>& arguments, bool givePlugin = true);
-// Runs velmoran-render with arguments whose input is the pipe feedPath and standard error a
-// terminal, feeds it the bytes feed (fewer than their header promises, so the job waits for
-// more), sends signal once the progress bar and a temporary file have appeared in folder, and
-// gives the exit status (-1 if they never appeared) and what the terminal showed.
+// Runs velmoran-render with arguments whose input is the pipe feedPath, feeds it the bytes feed
+// (fewer than their header promises, so the job waits for more), sends signal once a temporary
+// file has appeared in folder, and gives the exit status (-1 if none appeared).
 ToolRun interruptTool(const std::vector<std::string>& arguments, const std::string& feedPath,
                       const std::vector<char>& feed, const ScratchFolder& folder, int signal);
 

@@ -1,6 +1,5 @@
 #include "RenderTestSupport.h"
 
-#include "tools/render/RenderError.h"
 #include "tools/render/ResponsePlot.h"
 
 #include <gtest/gtest.h>
@@ -33,22 +32,14 @@ ResponseCurves bellCurves(double rightOffsetDb)
 // channels that differ get a measured curve each.
 TEST(ResponsePlot, ScriptDrawsTheCurvesOverTheAudioBandOnALogAxis)
 {
-    const std::string same = plotScript(bellCurves(0.0), "Velmoran: test", "/tmp/x.png");
+    const std::string same = plotScript(bellCurves(0.0), "x", "/tmp/x.png");
     for (const char* part : {"set logscale x", "set xrange [20:20000]", "title 'designed'",
-                             "title 'measured through the plug-in'", "set title 'Velmoran: test'"})
+                             "title 'measured through the plug-in'"})
         EXPECT_TRUE(test::contains(same, part));
     EXPECT_EQ(same.find("measured, right"), std::string::npos);
     const std::string differing = plotScript(bellCurves(-3.0), "it's a title", "/tmp/x.png");
     for (const char* part : {"measured, left", "measured, right", "'it''s a title'"})
         EXPECT_TRUE(test::contains(differing, part));
-}
-
-// Writing the image is tried end to end by the tool's own test; here only the refusal.
-TEST(ResponsePlot, AnUnwritablePathIsNamed)
-{
-    const std::string path = "/nonexistent-folder/plot.png";
-    EXPECT_TRUE(
-        test::contains(test::thrownBy([&] { writeResponsePlot(bellCurves(0.0), "x", path); }).message, path));
 }
 
 } // namespace
