@@ -39,7 +39,6 @@ public:
 
     // How strongly the spectrum shows, 0 (not at all) .. 1.
     float visibility() const { return mHasCurve ? mOpacity : 0.0f; }
-    bool isSloped() const { return mSloped; }
     const ResponseCurve& curve() const { return mCurve; }
 
 private:
