@@ -264,15 +264,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             continue;
         }
         IPtr<FuzzMessage> message = anyMessage(input);
+        const std::vector<uint8_t> frameBefore = currentFrame(*plugController);
+        const tresult result =
+            toController ? controllerPoint->notify(message) : processorPoint->notify(message);
+        require(message->attributes || result != kResultOk, "a message without attributes is refused");
         if (toController)
         {
-            const std::vector<uint8_t> frameBefore = currentFrame(*plugController);
-            controllerPoint->notify(message);
             checkFrame(*plugController, *message, frameBefore);
-        }
-        else
-        {
-            processorPoint->notify(message);
         }
     }
     return 0;

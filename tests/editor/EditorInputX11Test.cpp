@@ -18,6 +18,7 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -165,15 +166,18 @@ TEST_F(EditorInputX11, RightClickOpensTheBandMenu)
     EXPECT_TRUE(deliver([this] { return screen().openMenuBand() == 5; }));
 }
 
-// Two quick presses on a handle are a double-click, which puts the band's gain back to 0 dB.
+// Two quick presses on a handle are a double-click, which puts the band back to 0 dB and Q 1.
 TEST_F(EditorInputX11, DoubleClickOnHandleResetsTheBand)
 {
+    const double defaultQ = value(qTag(6));
     instance.controller->setParamNormalized(gainTag(6), 0.75);
+    instance.controller->setParamNormalized(qTag(6), 0.9);
     ASSERT_TRUE(deliver([] { return true; }));
     const auto [x, y] = handleOf(5);
     click(1, x, y);
     click(1, x, y);
-    EXPECT_TRUE(deliver([this] { return value(gainTag(6)) == 0.5; }));
+    EXPECT_TRUE(
+        deliver([&] { return value(gainTag(6)) == 0.5 && std::abs(value(qTag(6)) - defaultQ) < 1e-6; }));
 }
 
 // Keys come from the host through the view: with band 6 clicked, Right moves it up a twelfth of an

@@ -1,5 +1,6 @@
 // Calls a careless or hostile host may make, each found by fuzzing: the plug-in answers with a
-// refusal instead of throwing, crashing or keeping a value that is no number.
+// refusal instead of throwing, crashing or keeping a value that is no number. Messages without
+// attributes or without a frame are the notify fuzz target's, which replays them on every run.
 
 #include "PluginHost.h"
 
@@ -17,28 +18,6 @@ namespace
 {
 
 namespace Plug = Vst::Velmoran;
-
-// A message as a broken host might pass it: an identifier but no attribute list.
-class MessageWithoutAttributes : public IMessage
-{
-public:
-    explicit MessageWithoutAttributes(const char* id) : mId(id) { FUNKNOWN_CTOR }
-    virtual ~MessageWithoutAttributes(){FUNKNOWN_DTOR}
-
-    FIDString PLUGIN_API getMessageID() SMTG_OVERRIDE
-    {
-        return mId.c_str();
-    }
-    void PLUGIN_API setMessageID(FIDString id) SMTG_OVERRIDE { mId = id ? id : ""; }
-    IAttributeList* PLUGIN_API getAttributes() SMTG_OVERRIDE { return nullptr; }
-
-    DECLARE_FUNKNOWN_METHODS
-
-private:
-    std::string mId;
-};
-
-IMPLEMENT_FUNKNOWN_METHODS(MessageWithoutAttributes, IMessage, IMessage::iid)
 
 class PlugHostileInput : public WithInstance<>
 {
@@ -102,27 +81,6 @@ TEST_F(PlugHostileInput, TextsOfValuesBeyondTheRangeAreThoseOfItsEnds)
         }
     }
     EXPECT_EQ(textOf(Plug::frequencyTag(4), 1e300), "20000.00 Hz");
-}
-
-// No message, or one without attributes, is refused on both sides; the processor takes a binary
-// message with data of another name and ignores it.
-TEST_F(PlugHostileInput, MessageWithoutAttributesIsRefusedOnBothSides)
-{
-    FUnknownPtr<IConnectionPoint> processorPoint(plugin.component);
-    FUnknownPtr<IConnectionPoint> controllerPoint(plugin.controller);
-    for (const char* id : {"TextMessage", "BinaryMessage", "setActive", "other"})
-    {
-        auto message = owned(new MessageWithoutAttributes(id));
-        EXPECT_NE(processorPoint->notify(message), kResultOk) << id;
-        EXPECT_NE(controllerPoint->notify(message), kResultOk) << id;
-    }
-    EXPECT_EQ(processorPoint->notify(nullptr), kInvalidArgument);
-    EXPECT_EQ(controllerPoint->notify(nullptr), kInvalidArgument);
-    auto message = owned(new HostMessage());
-    message->setMessageID("BinaryMessage");
-    const char payload[4] = {1, 2, 3, 4};
-    message->getAttributes()->setBinary("MyData", payload, sizeof(payload));
-    EXPECT_EQ(processorPoint->notify(message), kResultOk);
 }
 
 } // namespace

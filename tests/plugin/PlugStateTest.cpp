@@ -94,6 +94,12 @@ TEST_P(PlugDamagedState, ShortStreamIsRefusedAndChangesNothing)
     EXPECT_DOUBLE_EQ(plugin.controller->getParamNormalized(Plug::kInputGainTag), 0.495f);
 }
 
+TEST_F(PlugState, NoStreamIsRefusedOnBothSides)
+{
+    EXPECT_EQ(plugin.component->setState(nullptr), kResultFalse);
+    EXPECT_EQ(plugin.controller->setComponentState(nullptr), kResultFalse);
+}
+
 // 224 bytes are 56 floats, one short of the oldest state; 227 leaves the last float incomplete.
 INSTANTIATE_TEST_SUITE_P(Lengths, PlugDamagedState, testing::Values(0u, 224u, 227u));
 
