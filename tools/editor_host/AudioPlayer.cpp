@@ -86,6 +86,24 @@ void AudioPlayer::deactivate()
     mActive = false;
 }
 
+bool AudioPlayer::playFor(double seconds, const std::function<void(Clock::time_point)>& waitUntil,
+                          std::string& error)
+{
+    const Clock::time_point start = Clock::now();
+    const Clock::time_point end =
+        start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    startClock(start);
+    for (auto now = start; now < end; now = Clock::now())
+    {
+        if (!processDueBlocks(now, error))
+        {
+            return false;
+        }
+        waitUntil(std::min(nextBlockDue(), end));
+    }
+    return true;
+}
+
 void AudioPlayer::startClock(Clock::time_point now)
 {
     mClockStart = now;

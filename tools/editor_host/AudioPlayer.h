@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -35,13 +36,10 @@ public:
 
     // The signal played from the next block on (the demo mix until set).
     void setSignal(InputSignal signal) { mSignal = std::move(signal); }
-    // Starts the block clock at now: the first block falls due at once, each next one a block's
-    // length (10.7 ms) later.
-    void startClock(Clock::time_point now);
-    // When the next block falls due.
-    Clock::time_point nextBlockDue() const;
-    // Processes every block due by now; false, with the reason in error, when a block fails.
-    bool processDueBlocks(Clock::time_point now, std::string& error);
+    // Plays for `seconds` of real time: the first block at once, each next one a block's length
+    // (10.7 ms) later, and between blocks the host's own work through waitUntil(time), which returns
+    // by that time. False, with the reason in error, when a block fails.
+    bool playFor(double seconds, const std::function<void(Clock::time_point)>& waitUntil, std::string& error);
 
     // The peak of the last block over both channels, in dBFS (minus infinity for silence).
     double lastPeakDb() const;
@@ -49,6 +47,9 @@ public:
     std::int64_t processedBlocks() const { return mProcessedBlocks; }
 
 private:
+    void startClock(Clock::time_point now);
+    Clock::time_point nextBlockDue() const;
+    bool processDueBlocks(Clock::time_point now, std::string& error);
     bool playBlock(std::string& error);
 
     Steinberg::Vst::PluginInstance& mInstance;

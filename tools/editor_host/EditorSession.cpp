@@ -112,20 +112,7 @@ bool EditorSession::setContentScale(float scale, std::string& error)
 
 bool EditorSession::run(double seconds, std::string& error)
 {
-    const AudioPlayer::Clock::time_point start = AudioPlayer::Clock::now();
-    const AudioPlayer::Clock::time_point end =
-        start +
-        std::chrono::duration_cast<AudioPlayer::Clock::duration>(std::chrono::duration<double>(seconds));
-    mAudio->startClock(start);
-    for (auto now = start; now < end; now = AudioPlayer::Clock::now())
-    {
-        if (!mAudio->processDueBlocks(now, error))
-        {
-            return false;
-        }
-        pumpMessagesUntil(std::min(mAudio->nextBlockDue(), end));
-    }
-    return true;
+    return mAudio->playFor(seconds, pumpMessagesUntil, error);
 }
 
 void EditorSession::setParameter(ParamID tag, ParamValue value)

@@ -129,18 +129,8 @@ public:
     // Runs the host's loop for seconds of real time, processing every audio block that falls due.
     bool run(double seconds, std::string& error)
     {
-        const AudioPlayer::Clock::time_point start = AudioPlayer::Clock::now();
-        const AudioPlayer::Clock::time_point end =
-            start +
-            std::chrono::duration_cast<AudioPlayer::Clock::duration>(std::chrono::duration<double>(seconds));
-        mAudio->startClock(start);
-        for (auto now = start; now < end; now = AudioPlayer::Clock::now())
-        {
-            if (!mAudio->processDueBlocks(now, error))
-                return false;
-            mRunLoop->runUntilTime(std::min(mAudio->nextBlockDue(), end));
-        }
-        return true;
+        return mAudio->playFor(
+            seconds, [this](AudioPlayer::Clock::time_point until) { mRunLoop->runUntilTime(until); }, error);
     }
 
     void setParameter(ParamID tag, ParamValue value)

@@ -11,7 +11,6 @@
 
 #include <cstdlib>
 #include <functional>
-#include <string>
 #include <vector>
 
 using namespace Steinberg::Vst::Velmoran;
